@@ -1,0 +1,37 @@
+# SPDX-License-Identifier: MIT
+# Options of the build, and the one function through which every library and program takes its
+# compiler flags.
+
+option(ULA_BUILD_TESTS "Build the tests" ON)
+option(ULA_BUILD_BENCHMARKS "Build the benchmarks and their peers" OFF)
+option(ULA_BUILD_FUZZERS "Build the fuzz targets (clang only)" OFF)
+option(ULA_WARNINGS_AS_ERRORS "Treat warnings as errors" OFF)
+set(ULA_SANITIZE "" CACHE STRING "Sanitizers to build with, e.g. address,undefined or thread")
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+
+add_library(ula-flags INTERFACE)
+target_compile_options(ula-flags INTERFACE -Wall -Wextra -Wshadow -Wnon-virtual-dtor
+                                           -Woverloaded-virtual -Wconversion -Wsign-conversion)
+if(ULA_WARNINGS_AS_ERRORS)
+  target_compile_options(ula-flags INTERFACE -Werror)
+endif()
+target_link_options(ula-flags INTERFACE -Wl,--as-needed)
+
+if(ULA_SANITIZE)
+  # One flag set for the whole build: a sanitizer needs every object to take part.
+  add_compile_options(-fsanitize=${ULA_SANITIZE} -fno-omit-frame-pointer
+                      -fno-sanitize-recover=all)
+  add_link_options(-fsanitize=${ULA_SANITIZE})
+endif()
+
+# ula_target(NAME): warnings and the include root for a target of this project.
+function(ula_target name)
+  target_link_libraries(${name} PRIVATE $<BUILD_INTERFACE:ula-flags>)
+  target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
+endfunction()

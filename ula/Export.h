@@ -1,0 +1,5 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+/// Marks what the library shows to programs; everything else stays hidden.
+#define ULA_API __attribute__((visibility("default")))
