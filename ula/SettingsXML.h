@@ -61,7 +61,7 @@ private:
     void readAtConstruction();
     bool readLoaded(const util::SharedPtr<xml::XmlDocumentRapid>& document,
                     const xml::XmlError& error);
-    void keepUnreadableFileAside();
+    bool keepUnreadableFileAside();
     void writeFile();
 
     bool _writeOnDestroy;

@@ -63,11 +63,25 @@ private:
                dwfl_report_end(_session.get(), nullptr, nullptr) == 0;
     }
 
+    /// The line table entry of an address. Compilers need not write the table that leads from
+    /// addresses to their units, so the units themselves are asked where it is missing.
+    static Dwarf_Line* sourceOf(Dwfl_Module* module, std::uintptr_t address) {
+        Dwarf_Addr bias = 0;
+        if (Dwfl_Line* source = dwfl_module_getsrc(module, address))
+            return dwfl_dwarf_line(source, &bias);
+        Dwarf_Die* unit = nullptr;
+        while ((unit = dwfl_module_nextcu(module, unit, &bias)))
+            if (dwarf_haspc(unit, address - bias) == 1)
+                return dwarf_getsrc_die(unit, address - bias);
+        return nullptr;
+    }
+
     static std::string placeOf(Dwfl_Module* module, std::uintptr_t address) {
         int line = 0;
-        if (Dwfl_Line* source = dwfl_module_getsrc(module, address))
-            if (const char* file = dwfl_lineinfo(source, nullptr, &line, nullptr, nullptr, nullptr))
-                return " at " + std::string(leafOf(file)) + ":" + std::to_string(line);
+        Dwarf_Line* source = sourceOf(module, address);
+        const char* file = source ? dwarf_linesrc(source, nullptr, nullptr) : nullptr;
+        if (file && dwarf_lineno(source, &line) == 0)
+            return " at " + std::string(leafOf(file)) + ":" + std::to_string(line);
         const char* name =
             dwfl_module_info(module, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
         return name ? " in " + std::string(leafOf(name)) : std::string();

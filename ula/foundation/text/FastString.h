@@ -77,7 +77,7 @@ public:
 
     /// Views a literal: nothing is copied, counted or freed.
     template <std::size_t Size>
-    static constexpr FastString literal(const char (&text)[Size]) noexcept {
+    static FastString literal(const char (&text)[Size]) noexcept {
         return FastString(text, Size - 1, nullptr);
     }
     /// Views memory that lives at least as long as the returned object; see the class comment.

@@ -39,7 +39,6 @@ private:
     void startLine();
     void appendValue(std::string_view attributeName, std::string_view value);
     void append(std::string_view text);
-    void flushIfFull();
 
     Sink _sink;
     bool _indent;

@@ -1,0 +1,363 @@
+// SPDX-License-Identifier: MIT
+#include "ula/foundation/filesystem/DurableFile.h"
+
+#include "ula/foundation/filesystem/Descriptor.h"
+#include "ula/foundation/filesystem/FileSystem.h"
+#include "ula/foundation/text/NumberConversion.h"
+
+#include <climits>
+#include <cstdint>
+#include <cstring>
+#include <fcntl.h>
+#include <functional>
+#include <sys/stat.h>
+#include <sys/xattr.h>
+
+namespace tav::filesystem {
+
+namespace {
+
+constexpr int kMostLinks = 40;
+/// How often a hidden name may be taken from us by others who save the same file just now.
+constexpr int kMostCollisions = 1000;
+constexpr const char* kAccessList = "system.posix_acl_access";
+
+/// The path behind a chain of symbolic links; the last one may name nothing. Fails: errno.
+bool followLinks(std::string& path) {
+    for (int links = 0; links < kMostLinks; ++links) {
+        char target[PATH_MAX];
+        const ssize_t length =
+            retryInterrupted([&] { return readlink(path.c_str(), target, sizeof target); });
+        if (length < 0)
+            return errno == EINVAL || errno == ENOENT;  // no link, or nothing yet
+        const std::string_view view(target, static_cast<std::size_t>(length));
+        if (view.substr(0, 1) == "/")
+            path = view;
+        else
+            path = path.substr(0, path.rfind('/') + 1).append(view);
+    }
+    errno = ELOOP;
+    return false;
+}
+
+/// ".LEAF.ula-PURPOSE", with a hash in place of the end of a name that is too long for that. The
+/// same for every save of a file, so that what a killed process left is found again.
+std::string hiddenName(const std::string& leaf, const char* purpose) {
+    const std::string suffix = std::string(".ula-") + purpose;
+    std::string name = leaf;
+    if (1 + name.size() + suffix.size() > NAME_MAX) {
+        const std::size_t hash = std::hash<std::string_view>()(leaf);
+        name = name.substr(0, 180) + "." + std::to_string(hash);
+    }
+    return "." + name + suffix;
+}
+
+}  // namespace
+
+/// One replacement under way.
+class DurableFile::Replacement {
+public:
+    Replacement(const String& path, DurableFileOptions options)
+        : _path(path.toStdString()), _options(std::move(options)) {
+        _failed = !(open() || fail("cannot write", errno));
+    }
+    ~Replacement() { removeTraces(); }
+
+    bool write(std::string_view bytes);
+    bool commit();
+    const std::string& error() const { return _error; }
+
+private:
+    bool open();
+    bool findOldFile();
+    bool createNewFile();
+    bool createNamedFile(mode_t mode);
+    bool copyPermissions();
+    bool copyAccessList();
+
+    bool replace();
+    bool sync(const Descriptor& descriptor);
+    bool nameNewFile();
+    bool keepOldFile();
+    bool copyOldFile();
+    bool linkOldFile(const std::string& name);
+    bool putInPlace();
+    void putBack();
+    void removeTraces();
+
+    bool fail(const char* what, int errorNumber) {
+        _error = std::string(what) + " \"" + _path + "\": " + std::strerror(errorNumber);
+        return false;
+    }
+    bool link(int from, const char* name, const std::string& newName, int flags);
+    bool removeHidden(const std::string& name) {
+        return unlinkat(_folder.get(), name.c_str(), 0) == 0 || errno == ENOENT;
+    }
+
+    std::string _path;
+    DurableFileOptions _options;
+    std::string _folderPath;
+    std::string _leaf;
+    Descriptor _folder;
+    Descriptor _file;
+    struct stat _old{};
+    bool _hasOld = false;
+    std::string _newName;  ///< the hidden name of the new file while it has one
+    std::string _oldName;  ///< a second, hidden name of the old file while it has one
+    bool _isUnnamed = false;
+    bool _failed = false;
+    std::string _error;
+};
+
+bool DurableFile::Replacement::open() {
+    std::string path = _path;
+    if (path.find('\0') != std::string::npos) {
+        errno = EINVAL;
+        return false;
+    }
+    if (!followLinks(path))
+        return false;
+    const std::size_t slash = path.rfind('/');
+    _leaf = path.substr(slash + 1);
+    _folderPath = slash == std::string::npos ? "." : path.substr(0, slash + 1);
+    if (_leaf.empty()) {
+        errno = path.empty() ? ENOENT : EISDIR;
+        return false;
+    }
+    _folder = Descriptor(retryInterrupted(
+        [&] { return ::open(_folderPath.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); }));
+    return _folder && findOldFile() && createNewFile() && copyPermissions();
+}
+
+bool DurableFile::Replacement::findOldFile() {
+    if (fstatat(_folder.get(), _leaf.c_str(), &_old, AT_SYMLINK_NOFOLLOW) != 0)
+        return errno == ENOENT;
+    _hasOld = true;
+    if (!S_ISREG(_old.st_mode)) {
+        errno = S_ISDIR(_old.st_mode) ? EISDIR : EINVAL;
+        return false;
+    }
+    // Renaming over a file asks nobody whether it may be written.
+    return faccessat(_folder.get(), _leaf.c_str(), W_OK, AT_EACCESS) == 0;
+}
+
+bool DurableFile::Replacement::createNewFile() {
+    // Private until it has the old one's owner and mode.
+    const mode_t mode = _hasOld ? _old.st_mode & 0700 : 0666;
+    _isUnnamed = true;
+    _file = Descriptor(retryInterrupted(
+        [&] { return openat(_folder.get(), ".", O_TMPFILE | O_WRONLY | O_CLOEXEC, mode); }));
+    // A file without a name gets one through /proc.
+    if (_file && access("/proc/self/fd", X_OK) == 0)
+        return true;
+    if (!_file && errno != EOPNOTSUPP && errno != EISDIR && errno != EINVAL)
+        return false;
+
+    _isUnnamed = false;
+    return createNamedFile(mode);
+}
+
+/// For file systems without unnamed files. The name is this saver's alone, for its bytes are still
+/// to come; what is found under it is of a dead process that had the same number.
+bool DurableFile::Replacement::createNamedFile(mode_t mode) {
+    const auto serial = reinterpret_cast<std::uintptr_t>(this);
+    const std::string purpose =
+        "new-" + std::to_string(getpid()) + "-" + std::to_string(serial);
+    const std::string name = hiddenName(_leaf, purpose.c_str());
+    removeHidden(name);
+    _file = Descriptor(retryInterrupted([&] {
+        return openat(_folder.get(), name.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, mode);
+    }));
+    if (!_file)
+        return false;
+    _newName = name;
+    return true;
+}
+
+bool DurableFile::Replacement::copyPermissions() {
+    if (!_hasOld)
+        return true;
+    struct stat fresh{};
+    if (fstat(_file.get(), &fresh) != 0)
+        return false;
+    // Only a privileged process can give a file away: another one keeps what it may.
+    const bool sameOwner = fresh.st_uid == _old.st_uid && fresh.st_gid == _old.st_gid;
+    if (!sameOwner && fchown(_file.get(), _old.st_uid, _old.st_gid) != 0 && errno != EPERM)
+        return false;
+    return fchmod(_file.get(), _old.st_mode & 07777) == 0 && copyAccessList();
+}
+
+bool DurableFile::Replacement::copyAccessList() {
+    char list[4096];
+    const std::string old = _folderPath + "/" + _leaf;
+    const ssize_t size = lgetxattr(old.c_str(), kAccessList, list, sizeof list);
+    if (size < 0)
+        return errno == ENODATA || errno == ENOTSUP;
+    return fsetxattr(_file.get(), kAccessList, list, static_cast<std::size_t>(size), 0) == 0;
+}
+
+bool DurableFile::Replacement::write(std::string_view bytes) {
+    while (!_failed && !bytes.empty()) {
+        const ssize_t written = retryInterrupted(
+            [&] { return ::write(_file.get(), bytes.data(), bytes.size()); });
+        if (written < 0)
+            _failed = !fail("cannot write", errno);
+        else
+            bytes.remove_prefix(static_cast<std::size_t>(written));
+    }
+    return !_failed;
+}
+
+bool DurableFile::Replacement::commit() {
+    if (_failed)
+        return false;
+    _failed = true;  // whatever comes, this was the one try
+    return replace() || fail("cannot replace", errno);
+}
+
+bool DurableFile::Replacement::replace() {
+    if (!sync(_file) || !nameNewFile() || !keepOldFile() || !putInPlace())
+        return false;
+    if (!sync(_folder)) {
+        const int reason = errno;
+        putBack();
+        errno = reason;
+        return false;
+    }
+    return true;
+}
+
+bool DurableFile::Replacement::sync(const Descriptor& descriptor) {
+    if (!_options.sync)
+        return true;
+    // EINVAL: a file system on which this cannot be asked for; there is no more to be done.
+    return retryInterrupted([&] { return fsync(descriptor.get()); }) == 0 || errno == EINVAL;
+}
+
+/// Links under a hidden name; what has that name is a leftover or another saver's, who will make
+/// his again.
+bool DurableFile::Replacement::link(int from, const char* name, const std::string& newName,
+                                    int flags) {
+    for (int i = 0; i < kMostCollisions; ++i) {
+        if (linkat(from, name, _folder.get(), newName.c_str(), flags) == 0)
+            return true;
+        if (errno != EEXIST || !removeHidden(newName))
+            return false;
+    }
+    return false;
+}
+
+bool DurableFile::Replacement::nameNewFile() {
+    if (!_isUnnamed)
+        return true;
+    const std::string handle = "/proc/self/fd/" + std::to_string(_file.get());
+    const std::string name = hiddenName(_leaf, "new");
+    if (!link(AT_FDCWD, handle.c_str(), name, AT_SYMLINK_FOLLOW))
+        return false;
+    _newName = name;
+    return true;
+}
+
+bool DurableFile::Replacement::linkOldFile(const std::string& name) {
+    if (!link(_folder.get(), _leaf.c_str(), name, 0))
+        return false;
+    _oldName = name;
+    return true;
+}
+
+/// The backup, and a way back should the folder not be synced.
+bool DurableFile::Replacement::keepOldFile() {
+    if (!_hasOld || (!_options.sync && _options.keepOldAs.empty()))
+        return true;
+    const std::string name = hiddenName(_leaf, "old");
+    const auto cannotLink = [] {
+        // No hard links here, not to this file, or it is gone by now.
+        return errno == EPERM || errno == EOPNOTSUPP || errno == EMLINK || errno == ENOENT;
+    };
+    if (!linkOldFile(name))
+        return cannotLink() && (_options.keepOldAs.empty() || copyOldFile());
+    if (_options.keepOldAs.empty())
+        return true;
+    if (renameat(_folder.get(), name.c_str(), _folder.get(), _options.keepOldAs.c_str()) != 0)
+        return false;
+    // Renaming one name of a file over another of its names leaves both.
+    removeHidden(name);
+    _oldName.clear();
+    return linkOldFile(name) || cannotLink();
+}
+
+bool DurableFile::Replacement::copyOldFile() {
+    const Descriptor old(retryInterrupted(
+        [&] { return openat(_folder.get(), _leaf.c_str(), O_RDONLY | O_CLOEXEC); }));
+    if (!old)
+        return errno == ENOENT;
+    DurableFile copy(String(_folderPath + "/" + _options.keepOldAs), {_options.sync, {}});
+    const auto buffer = std::make_unique<char[]>(1 << 16);
+    for (;;) {
+        const ssize_t count =
+            retryInterrupted([&] { return read(old.get(), buffer.get(), 1 << 16); });
+        if (count < 0)
+            return false;
+        if (count == 0)
+            return copy.commit();
+        if (!copy.write({buffer.get(), static_cast<std::size_t>(count)}))
+            return false;
+    }
+}
+
+bool DurableFile::Replacement::putInPlace() {
+    for (int i = 0; i < kMostCollisions; ++i) {
+        if (renameat(_folder.get(), _newName.c_str(), _folder.get(), _leaf.c_str()) == 0) {
+            _newName.clear();
+            return true;
+        }
+        // Somebody who saves the same file put ours in place, or removed it as a leftover.
+        if (errno != ENOENT || !_isUnnamed || !nameNewFile())
+            return false;
+    }
+    return false;
+}
+
+void DurableFile::Replacement::putBack() {
+    if (!_oldName.empty() &&
+        renameat(_folder.get(), _oldName.c_str(), _folder.get(), _leaf.c_str()) == 0)
+        _oldName.clear();
+    else if (!_hasOld)
+        unlinkat(_folder.get(), _leaf.c_str(), 0);
+}
+
+void DurableFile::Replacement::removeTraces() {
+    if (!_newName.empty())
+        removeHidden(_newName);
+    if (!_oldName.empty())
+        removeHidden(_oldName);
+}
+
+DurableFile::DurableFile(const String& path, DurableFileOptions options)
+    : _replacement(std::make_unique<Replacement>(path, std::move(options))) {}
+
+DurableFile::~DurableFile() = default;
+
+bool DurableFile::write(std::string_view bytes) {
+    return _replacement->write(bytes);
+}
+
+bool DurableFile::commit() {
+    return _replacement->commit();
+}
+
+const std::string& DurableFile::error() const {
+    return _replacement->error();
+}
+
+bool replaceFileDurably(const String& path, std::string_view bytes,
+                        const DurableFileOptions& options, std::string* error) {
+    DurableFile file(path, options);
+    if (file.write(bytes) && file.commit())
+        return true;
+    if (error)
+        *error = file.error();
+    return false;
+}
+
+}  // namespace tav::filesystem

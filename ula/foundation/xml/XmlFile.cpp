@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: MIT
+#include "ula/foundation/xml/XmlFile.h"
+
+namespace tav::xml {
+
+XmlFile::XmlFile(const String& path, bool indent, filesystem::DurableFileOptions options)
+    : _file(path, std::move(options)),
+      _writer([this](std::string_view text) { write(text); }, indent) {}
+
+void XmlFile::write(std::string_view text) {
+    if (!_file.write(text))
+        throw XmlException(_file.error());
+}
+
+void XmlFile::commit() {
+    _writer.finish();
+    if (!_file.commit())
+        throw XmlException(_file.error());
+}
+
+}  // namespace tav::xml

@@ -1,0 +1,139 @@
+// SPDX-License-Identifier: MIT
+#include "ula/SettingsXML.h"
+
+#include "ula/SettingsException.h"
+#include "ula/foundation/debug/Log.h"
+#include "ula/foundation/filesystem/FileSystem.h"
+#include "ula/foundation/xml/XmlFile.h"
+#include "ula/src/Core/SettingsXMLReader.h"
+#include "ula/src/Core/SettingsXMLWriter.h"
+#include "ula/src/Core/UnreadableFile.h"
+
+#include <array>
+
+namespace tav::ula {
+
+namespace {
+
+using xml::XmlDocumentRapid;
+
+constexpr const char* kSource = "src/Core/SettingsXML";
+
+struct TypeText {
+    SettingsType type;
+    FastString text;
+};
+const std::array<TypeText, 5> kTypeTexts = {
+    {{SETTINGSTYPE_INT, FastString::literal("int")},
+     {SETTINGSTYPE_BOOL, FastString::literal("bool")},
+     {SETTINGSTYPE_DOUBLE, FastString::literal("double")},
+     {SETTINGSTYPE_STRING, FastString::literal("string")},
+     {SETTINGSTYPE_STRING_ARRAY, FastString::literal("string_array")}}};
+
+}  // namespace
+
+SettingsXML::SettingsXML(const FastString& appName, const FastString& company, bool writeOnDestroy)
+    : Settings(appName, company), _writeOnDestroy(writeOnDestroy) {}
+
+SettingsXML::SettingsXML(const FastString& appName, const FastString& company,
+                         const FastString& filePath, bool writeOnDestroy)
+    : Settings(appName, company), _writeOnDestroy(writeOnDestroy), _filePath(filePath) {
+    if (!_filePath.empty())
+        readAtConstruction();
+}
+
+SettingsXML::~SettingsXML() {
+    if (_writeOnDestroy)
+        write();
+}
+
+SettingsType SettingsXML::toType(const FastString& text) {
+    for (const TypeText& known : kTypeTexts)
+        if (known.text == text)
+            return known.type;
+    debug::assertionFailed(kSource, 17, "0");
+    return SETTINGSTYPE_INVALID;
+}
+
+FastString SettingsXML::toString(SettingsType type) {
+    for (const TypeText& known : kTypeTexts)
+        if (known.type == type)
+            return known.text;
+    debug::assertionFailed(kSource, 27, "0");
+    return FastString::literal("<invalid>");
+}
+
+void SettingsXML::readAtConstruction() {
+    try {
+        if (!read())
+            keepUnreadableFileAside();
+    } catch (const SettingsException&) {
+        keepUnreadableFileAside();
+        throw;
+    }
+}
+
+/// So that a later write, by this object or by one made in its stead, loses nothing.
+bool SettingsXML::keepUnreadableFileAside() {
+    if (!filesystem::isRegularFile(_filePath))
+        return true;
+    std::string result;
+    _unreadableFilePending = !keepUnreadableFile(_filePath, result);
+    _lastError += _unreadableFilePending ? "; it could not be kept aside: " + result
+                                         : "; kept aside as \"" + result + "\"";
+    return !_unreadableFilePending;
+}
+
+bool SettingsXML::read() {
+    xml::XmlError error;
+    return readLoaded(XmlDocumentRapid::load(_filePath, true, &error), error);
+}
+
+bool SettingsXML::read(const FastString& xmlText) {
+    xml::XmlError error;
+    return readLoaded(XmlDocumentRapid::loadFromData(xmlText, &error), error);
+}
+
+bool SettingsXML::read(util::SharedPtr<XmlDocumentRapid> document) {
+    return readLoaded(document, {{}, "there is no document"});
+}
+
+bool SettingsXML::readLoaded(const util::SharedPtr<XmlDocumentRapid>& document,
+                             const xml::XmlError& error) {
+    _lastError = document ? std::string() : error.describe();
+    if (!document)
+        return false;
+    SettingsXMLReader reader(*document, _settings);
+    try {
+        reader.read();
+    } catch (const SettingsException&) {
+        _lastError = reader.error();
+        throw;
+    }
+    return true;
+}
+
+bool SettingsXML::write() {
+    try {
+        writeFile();
+        _lastError.clear();
+        return true;
+    } catch (const xml::XmlException& exception) {
+        debug::logf(kSource, 165, debug::LogLevelError, "%*").add(exception.what());
+        _lastError = exception.what();
+        return false;
+    }
+}
+
+void SettingsXML::writeFile() {
+    if (_unreadableFilePending && !keepUnreadableFileAside())
+        throw xml::XmlException(_lastError);
+    filesystem::DurableFileOptions options;
+    if (_keepBackup && XmlDocumentRapid::load(_filePath, true))
+        options.keepOldAs = filesystem::leaf(_filePath).toStdString() + ".bak";
+    xml::XmlFile file(_filePath, true, options);
+    writeSettings(_settings, file.writer());
+    file.commit();
+}
+
+}  // namespace tav::ula

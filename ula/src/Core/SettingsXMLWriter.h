@@ -1,0 +1,14 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "ula/SettingsBase.h"
+#include "ula/foundation/xml/XmlWriter.h"
+
+namespace tav::ula {
+
+/// Writes a store as a settings document, in the store's order. Straight to the file's text: the
+/// same bytes as a document tree would give, without building one.
+/// Fails: throws `xml::XmlException` that names group and key of what XML cannot carry.
+void writeSettings(const SettingsBase::GroupMap& settings, xml::XmlWriter& writer);
+
+}  // namespace tav::ula
