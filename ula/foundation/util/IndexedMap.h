@@ -87,13 +87,20 @@ public:
         known->second = std::forward<Mapped>(value);
         return {known, false};
     }
-    /// Adds or replaces an entry; the fastest way when keys come in ascending order.
+    /// Adds or replaces an entry; the fastest way to fill a map with keys in ascending order.
+    /// Look-ups walk the tree until `buildIndex` or any other addition.
     template <class Mapped>
-    iterator appendOrAssign(const Key& key, Mapped&& value) {
-        if (!_map.empty() && !(std::prev(_map.end())->first < key))
-            return insert_or_assign(key, std::forward<Mapped>(value)).first;
-        return add(_map.emplace_hint(_map.end(), key, std::forward<Mapped>(value)));
+    void append(const Key& key, Mapped&& value) {
+        if (!_slots.empty()) {
+            insert_or_assign(key, std::forward<Mapped>(value));
+            return;
+        }
+        const size_type before = size();
+        const iterator entry = _map.try_emplace(_map.end(), key, std::forward<Mapped>(value));
+        if (size() == before)
+            entry->second = std::forward<Mapped>(value);  // not used up: the key was there
     }
+    void buildIndex() { rebuildIndex(); }
 
     iterator erase(const_iterator entry) {
         const iterator next = _map.erase(entry);

@@ -17,11 +17,13 @@ bool isCharacter(std::uint32_t code) {
            (code >= 0x10000 && code <= 0x10FFFF);
 }
 
+constexpr std::size_t kBlock = 32;
+
 /// Whether every byte of a block is an ASCII character of XML; written so that the compiler
 /// looks at many bytes at once.
-bool isPlainBlock(const char* block, std::size_t length) {
+bool isPlainBlock(const char* block) {
     unsigned char odd = 0;
-    for (std::size_t i = 0; i < length; ++i) {
+    for (std::size_t i = 0; i < kBlock; ++i) {
         const auto byte = static_cast<unsigned char>(block[i]);
         const bool isControl = byte < 0x20 && byte != '\t' && byte != '\n' && byte != '\r';
         odd = static_cast<unsigned char>(odd | static_cast<unsigned char>(isControl) |
@@ -82,14 +84,20 @@ bool hasOnlyGoodReferences(std::string_view text) {
     return true;
 }
 
-bool isNameStart(unsigned char byte) {
+constexpr bool isNameStart(unsigned char byte) {
     return (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') || byte == '_' ||
            byte == ':' || byte >= 0x80;
 }
 
-bool isNameByte(unsigned char byte) {
-    return isNameStart(byte) || (byte >= '0' && byte <= '9') || byte == '-' || byte == '.';
-}
+constexpr std::array<bool, 256> kNameBytes = [] {
+    std::array<bool, 256> bytes{};
+    for (int i = 0; i < 256; ++i) {
+        const auto byte = static_cast<unsigned char>(i);
+        bytes[byte] = isNameStart(byte) || (byte >= '0' && byte <= '9') || byte == '-' ||
+                      byte == '.';
+    }
+    return bytes;
+}();
 
 }  // namespace
 
@@ -113,20 +121,18 @@ std::size_t characterLength(std::string_view text) {
 }
 
 std::size_t findInvalidCharacter(std::string_view text) {
-    constexpr std::size_t kBlock = 64;
     std::size_t position = 0;
     while (position < text.size()) {
-        const std::size_t length = std::min(kBlock, text.size() - position);
-        if (isPlainBlock(text.data() + position, length)) {
-            position += length;
+        if (text.size() - position >= kBlock && isPlainBlock(text.data() + position)) {
+            position += kBlock;
             continue;
         }
-        const std::size_t end = position + length;
+        const std::size_t end = std::min(position + kBlock, text.size());
         while (position < end) {
-            const std::size_t character = characterLength(text.substr(position));
-            if (character == 0)
+            const std::size_t length = characterLength(text.substr(position, 4));
+            if (length == 0)
                 return position;
-            position += character;
+            position += length;
         }
     }
     return std::string_view::npos;
@@ -155,7 +161,8 @@ std::size_t findInvalidReference(std::string_view text) {
 bool isName(std::string_view text) {
     if (text.empty() || !isNameStart(static_cast<unsigned char>(text[0])))
         return false;
-    return std::ranges::all_of(text, [](char c) { return isNameByte(static_cast<unsigned char>(c)); });
+    return std::ranges::all_of(
+        text, [](char byte) { return kNameBytes[static_cast<unsigned char>(byte)]; });
 }
 
 }  // namespace tav::xml

@@ -6,6 +6,7 @@
 #include "ula/foundation/xml/XmlCharacters.h"
 #include "ula/foundation/xml/XmlFile.h"
 #include "ula/foundation/xml/XmlText.h"
+#include "ula/foundation/xml/XmlWriter.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -35,29 +36,37 @@ pugi::xml_node firstElementFrom(pugi::xml_node node) {
 /// The element after `node` in document order, going down into children first; without recursion,
 /// for a document may be nested as deep as it is long.
 pugi::xml_node nextInDocument(pugi::xml_node node) {
-    if (node.first_child())
-        return node.first_child();
-    while (node && !node.next_sibling())
+    if (const pugi::xml_node child = node.first_child())
+        return child;
+    while (node) {
+        if (const pugi::xml_node sibling = node.next_sibling())
+            return sibling;
         node = node.parent();
-    return node.next_sibling();
+    }
+    return node;
+}
+
+bool isRepeatedAmongMany(pugi::xml_node node) {
+    std::vector<std::string_view> names;
+    for (const pugi::xml_attribute attribute : node.attributes())
+        names.emplace_back(attribute.name());
+    std::ranges::sort(names);
+    return std::ranges::adjacent_find(names) != names.end();
 }
 
 bool hasRepeatedAttribute(pugi::xml_node node) {
     const pugi::xml_attribute first = node.first_attribute();
-    if (!first || !first.next_attribute())
-        return false;
-    constexpr std::size_t kFew = 8;
-    std::vector<std::string_view> names;
-    for (const pugi::xml_attribute attribute : node.attributes())
-        names.emplace_back(attribute.name());
-    if (names.size() > kFew)
-        std::ranges::sort(names);
-    else
-        for (std::size_t i = 0; i < names.size(); ++i)
-            for (std::size_t j = i + 2; j < names.size(); ++j)
-                if (names[i] == names[j])
-                    return true;
-    return std::ranges::adjacent_find(names) != names.end();
+    pugi::xml_attribute later = first.next_attribute();
+    constexpr int kFew = 8;
+    for (int count = 1; later.internal_object(); later = later.next_attribute()) {
+        if (++count > kFew)
+            return isRepeatedAmongMany(node);
+        for (pugi::xml_attribute earlier = first; earlier != later;
+             earlier = earlier.next_attribute())
+            if (std::strcmp(earlier.name(), later.name()) == 0)
+                return true;
+    }
+    return false;
 }
 
 /// The first element that gives an attribute twice.
@@ -217,10 +226,8 @@ String NodeIterator::name() const {
 }
 
 AttributeIterator NodeIterator::findAttribute(const String& name) const {
-    for (const pugi::xml_attribute attribute : pugi::xml_node(_node).attributes())
-        if (name.view() == attribute.name())
-            return AttributeIterator(attribute.internal_object(), _document);
-    return AttributeIterator(nullptr, _document);
+    const pugi::xml_attribute attribute = pugi::xml_node(_node).attribute(zeroTerminated(name));
+    return AttributeIterator(attribute.internal_object(), _document);
 }
 
 NodeIterator NodeIterator::appendChild(const String& name) {
@@ -297,8 +304,8 @@ XmlError XmlDocumentRapid::errorAt(const NodeIterator& element, const std::strin
 }
 
 void XmlDocumentRapid::save(const String& path, bool indent, bool durable) const {
-    XmlFile file(path, indent, {durable, {}});
-    XmlWriter& writer = file.writer();
+    XmlFile file(path, {durable, {}});
+    XmlWriter writer(file.output(), indent);
     pugi::xml_node node = _content->root();
     while (node) {
         if (isElement(node)) {
@@ -320,6 +327,7 @@ void XmlDocumentRapid::save(const String& path, bool indent, bool durable) const
         }
         node = node == _content->root() ? pugi::xml_node() : node.next_sibling();
     }
+    writer.finish();
     file.commit();
 }
 

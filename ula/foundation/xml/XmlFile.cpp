@@ -3,9 +3,8 @@
 
 namespace tav::xml {
 
-XmlFile::XmlFile(const String& path, bool indent, filesystem::DurableFileOptions options)
-    : _file(path, std::move(options)),
-      _writer([this](std::string_view text) { write(text); }, indent) {}
+XmlFile::XmlFile(const String& path, filesystem::DurableFileOptions options)
+    : _file(path, std::move(options)), _output([this](std::string_view text) { write(text); }) {}
 
 void XmlFile::write(std::string_view text) {
     if (!_file.write(text))
@@ -13,7 +12,7 @@ void XmlFile::write(std::string_view text) {
 }
 
 void XmlFile::commit() {
-    _writer.finish();
+    _output.flush();
     if (!_file.commit())
         throw XmlException(_file.error());
 }

@@ -2,26 +2,26 @@
 #pragma once
 
 #include "ula/foundation/filesystem/DurableFile.h"
-#include "ula/foundation/xml/XmlWriter.h"
+#include "ula/foundation/xml/XmlOutput.h"
 
 namespace tav::xml {
 
-/// An XML document written straight to a file, which it replaces whole or not at all.
+/// The text of a document on its way to a file, which it replaces whole or not at all.
 /// Thread: one thread uses one object.
 /// Fails: everything throws `XmlException`; without `commit` nothing changes on disk.
 class TAV_FOUNDATION_API XmlFile {
 public:
-    XmlFile(const String& path, bool indent, filesystem::DurableFileOptions options);
+    XmlFile(const String& path, filesystem::DurableFileOptions options);
 
-    XmlWriter& writer() { return _writer; }
-    /// To be called once, last, with every element ended.
+    XmlOutput& output() { return _output; }
+    /// To be called once, last.
     void commit();
 
 private:
     void write(std::string_view text);
 
     filesystem::DurableFile _file;
-    XmlWriter _writer;
+    XmlOutput _output;
 };
 
 }  // namespace tav::xml

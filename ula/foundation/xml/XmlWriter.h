@@ -2,10 +2,8 @@
 #pragma once
 
 #include "ula/foundation/text/FastString.h"
-#include "ula/foundation/xml/XmlException.h"
+#include "ula/foundation/xml/XmlOutput.h"
 
-#include <functional>
-#include <string_view>
 #include <vector>
 
 namespace tav::xml {
@@ -14,38 +12,30 @@ namespace tav::xml {
 /// on a line of its own with a tab per level.
 ///
 /// Thread: one thread uses one object.
-/// Fails: throws `XmlException` for a name that is none in XML, and for a value that XML cannot
-/// carry (control characters other than tab and line ends, U+FFFE, U+FFFF, bytes that are not
-/// UTF-8); what the sink throws passes through.
+/// Fails: throws `XmlException` for a name that is none in XML, and as `XmlOutput`.
 class TAV_FOUNDATION_API XmlWriter {
 public:
-    /// Receives the text piece by piece.
-    using Sink = std::function<void(std::string_view text)>;
+    /// What every document begins with.
+    static constexpr std::string_view kDeclaration = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>";
 
-    /// Starts with the XML declaration.
-    XmlWriter(Sink sink, bool indent);
+    /// Starts with the XML declaration. The output must outlive the writer.
+    XmlWriter(XmlOutput& output, bool indent);
 
     void beginElement(const String& name);
     /// Of the element begun last, before any child of it.
     void attribute(const String& name, const String& value);
-    void attribute(const String& name, int value);
-    void attribute(const String& name, double value);
     void endElement();
-    /// Hands the rest to the sink. To be called once, last, with every element ended.
-    void finish();
+    /// Ends the last line. To be called once, last, with every element ended.
+    void finish() { _output.append("\n"); }
 
 private:
     void closeStartTag();
     void startLine();
-    void appendValue(std::string_view attributeName, std::string_view value);
-    void append(std::string_view text);
 
-    Sink _sink;
+    XmlOutput& _output;
     bool _indent;
     bool _startTagOpen = false;
     std::vector<String> _open;
-    std::vector<char> _buffer;
-    std::size_t _used = 0;
 };
 
 }  // namespace tav::xml

@@ -131,8 +131,8 @@ void SettingsXML::writeFile() {
     filesystem::DurableFileOptions options;
     if (_keepBackup && XmlDocumentRapid::load(_filePath, true))
         options.keepOldAs = filesystem::leaf(_filePath).toStdString() + ".bak";
-    xml::XmlFile file(_filePath, true, options);
-    writeSettings(_settings, file.writer());
+    xml::XmlFile file(_filePath, options);
+    writeSettings(_settings, file.output());
     file.commit();
 }
 

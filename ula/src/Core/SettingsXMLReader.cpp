@@ -45,9 +45,10 @@ void SettingsXMLReader::readGroup(const xml::NodeIterator& group) {
         const SettingsType type = SettingsXML::toType(typeText);
         if (type == SETTINGSTYPE_INVALID)
             fail(key, kBadType, "unknown type \"" + typeText.toStdString() + "\"");
-        keys.appendOrAssign(place.key, readSetting(key, type, place));
+        keys.append(place.key, readSetting(key, type, place));
     }
-    _settings.appendOrAssign(place.group, std::move(keys));
+    keys.buildIndex();
+    _settings.insert_or_assign(place.group, std::move(keys));
 }
 
 Setting SettingsXMLReader::readSetting(const xml::NodeIterator& key, SettingsType type,
