@@ -7,6 +7,7 @@
 #include "ula/foundation/util/IndexedMap.h"
 
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 namespace tav::ula {
@@ -38,10 +39,10 @@ public:
         Setting(int value) : _type(SETTINGSTYPE_INT), _intValue(value) {}
         Setting(bool value) : _type(SETTINGSTYPE_BOOL), _boolValue(value) {}
         Setting(double value) : _type(SETTINGSTYPE_DOUBLE), _doubleValue(value) {}
-        Setting(const FastString& value) : _type(SETTINGSTYPE_STRING), _stringValue(value) {}
+        Setting(FastString value) : _type(SETTINGSTYPE_STRING), _stringValue(std::move(value)) {}
         Setting(const char* value) : Setting(FastString(value)) {}
-        Setting(const std::vector<FastString>& value)
-            : _type(SETTINGSTYPE_STRING_ARRAY), _stringArrayValue(value) {}
+        Setting(std::vector<FastString> value)
+            : _type(SETTINGSTYPE_STRING_ARRAY), _stringArrayValue(std::move(value)) {}
         /// Any other pointer would silently become a bool.
         template <class T>
         Setting(T*) = delete;

@@ -32,23 +32,25 @@ bool isPlainBlock(const char* block) {
     return odd == 0;
 }
 
-/// The length of the reference at the begin of `text`, 0 when it is none that XML defines.
-std::size_t referenceLength(std::string_view text) {
-    const std::size_t end = text.substr(0, 16).find(';');
-    if (end == std::string_view::npos)
-        return 0;
-    const std::string_view name = text.substr(1, end - 1);
-    if (name.substr(0, 1) != "#") {
-        const auto predefined = {"amp", "lt", "gt", "quot", "apos"};
-        return std::ranges::find(predefined, name) != predefined.end() ? end + 1 : 0;
-    }
+struct Entity {
+    std::string_view name;
+    char character;
+};
+constexpr std::array<Entity, 5> kEntities = {
+    {{"amp", '&'}, {"lt", '<'}, {"gt", '>'}, {"quot", '"'}, {"apos", '\''}}};
+
+bool decodeNumber(std::string_view name, std::uint32_t& code) {
     const bool isHexadecimal = name.substr(1, 1) == "x";
     const std::string_view digits = name.substr(isHexadecimal ? 2 : 1);
+    const char* end = digits.data() + digits.size();
+    const auto [stop, error] =
+        std::from_chars(digits.data(), end, code, isHexadecimal ? 16 : 10);
+    return error == std::errc() && stop == end && isCharacter(code);
+}
+
+std::size_t referenceLength(std::string_view text) {
     std::uint32_t code = 0;
-    const auto [stop, error] = std::from_chars(digits.data(), digits.data() + digits.size(), code,
-                                               isHexadecimal ? 16 : 10);
-    const bool isNumber = error == std::errc() && stop == digits.data() + digits.size();
-    return isNumber && isCharacter(code) ? end + 1 : 0;
+    return decodeReference(text, code);
 }
 
 /// A stretch of markup in which "&" is an ordinary character, by its begin and its end.
@@ -129,13 +131,54 @@ std::size_t findInvalidCharacter(std::string_view text) {
         }
         const std::size_t end = std::min(position + kBlock, text.size());
         while (position < end) {
-            const std::size_t length = characterLength(text.substr(position, 4));
+            const auto byte = static_cast<unsigned char>(text[position]);
+            const bool isPlain = byte >= 0x20 && byte < 0x80;
+            const std::size_t length = isPlain ? 1 : characterLength(text.substr(position, 4));
             if (length == 0)
                 return position;
             position += length;
         }
     }
     return std::string_view::npos;
+}
+
+std::size_t decodeReference(std::string_view text, std::uint32_t& code) {
+    // Zeros may lead a number; more of them than this is nobody's spelling.
+    constexpr std::size_t kLongest = 32;
+    const std::size_t end = text.substr(0, kLongest).find(';');
+    if (end == std::string_view::npos)
+        return 0;
+    const std::string_view name = text.substr(1, end - 1);
+    if (name.substr(0, 1) == "#")
+        return decodeNumber(name, code) ? end + 1 : 0;
+    for (const Entity& entity : kEntities) {
+        if (entity.name == name) {
+            code = static_cast<unsigned char>(entity.character);
+            return end + 1;
+        }
+    }
+    return 0;
+}
+
+char* encodeCharacter(std::uint32_t code, char* out) {
+    const auto put = [&](std::uint32_t byte) { *out++ = static_cast<char>(byte); };
+    const auto putRest = [&](int shift) { put(0x80 | (code >> shift & 0x3F)); };
+    if (code < 0x80) {
+        put(code);
+    } else if (code < 0x800) {
+        put(0xC0 | code >> 6);
+        putRest(0);
+    } else if (code < 0x10000) {
+        put(0xE0 | code >> 12);
+        putRest(6);
+        putRest(0);
+    } else {
+        put(0xF0 | code >> 18);
+        putRest(12);
+        putRest(6);
+        putRest(0);
+    }
+    return out;
 }
 
 std::size_t findInvalidReference(std::string_view text) {

@@ -94,11 +94,7 @@ struct XmlDocumentRapid::Content {
     /// A string that shares the parsed text where the bytes lie in it.
     String share(const char* bytes) const {
         const std::size_t length = std::strlen(bytes);
-        const std::size_t begin = reinterpret_cast<std::uintptr_t>(bytes) -
-                                  reinterpret_cast<std::uintptr_t>(text.owner.data());
-        if (length == 0 || begin >= text.owner.length())
-            return String(bytes, length);
-        return text.owner.substr(begin, length);
+        return text.contains(bytes) ? text.share(bytes, length) : String(bytes, length);
     }
 
     bool parse(bool strict, XmlError& error);

@@ -36,7 +36,7 @@ bool failTooLarge(XmlError& error) {
 
 XmlText makeText(std::size_t capacity) {
     text::StringBuffer* buffer = text::StringBuffer::create(std::max<std::size_t>(capacity, 1));
-    XmlText text{String(buffer, 0, capacity), buffer->bytes(), capacity};
+    XmlText text{String(buffer, 0, capacity), buffer, buffer->bytes(), capacity};
     buffer->release();  // the string has taken its own reference
     return text;
 }

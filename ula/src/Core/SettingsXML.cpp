@@ -5,11 +5,11 @@
 #include "ula/foundation/debug/Log.h"
 #include "ula/foundation/filesystem/FileSystem.h"
 #include "ula/foundation/xml/XmlFile.h"
+#include "ula/src/Core/SettingsTypeText.h"
+#include "ula/src/Core/SettingsXMLQuickReader.h"
 #include "ula/src/Core/SettingsXMLReader.h"
 #include "ula/src/Core/SettingsXMLWriter.h"
 #include "ula/src/Core/UnreadableFile.h"
-
-#include <array>
 
 namespace tav::ula {
 
@@ -18,17 +18,6 @@ namespace {
 using xml::XmlDocumentRapid;
 
 constexpr const char* kSource = "src/Core/SettingsXML";
-
-struct TypeText {
-    SettingsType type;
-    FastString text;
-};
-const std::array<TypeText, 5> kTypeTexts = {
-    {{SETTINGSTYPE_INT, FastString::literal("int")},
-     {SETTINGSTYPE_BOOL, FastString::literal("bool")},
-     {SETTINGSTYPE_DOUBLE, FastString::literal("double")},
-     {SETTINGSTYPE_STRING, FastString::literal("string")},
-     {SETTINGSTYPE_STRING_ARRAY, FastString::literal("string_array")}}};
 
 }  // namespace
 
@@ -48,19 +37,19 @@ SettingsXML::~SettingsXML() {
 }
 
 SettingsType SettingsXML::toType(const FastString& text) {
-    for (const TypeText& known : kTypeTexts)
-        if (known.text == text)
-            return known.type;
-    debug::assertionFailed(kSource, 17, "0");
-    return SETTINGSTYPE_INVALID;
+    const SettingsType type = typeOfText(text.view());
+    if (type == SETTINGSTYPE_INVALID)
+        debug::assertionFailed(kSource, 17, "0");
+    return type;
 }
 
 FastString SettingsXML::toString(SettingsType type) {
-    for (const TypeText& known : kTypeTexts)
-        if (known.type == type)
-            return known.text;
-    debug::assertionFailed(kSource, 27, "0");
-    return FastString::literal("<invalid>");
+    const std::string_view text = textOfType(type);
+    if (text.empty()) {
+        debug::assertionFailed(kSource, 27, "0");
+        return FastString::literal("<invalid>");
+    }
+    return FastString::borrow(text);
 }
 
 void SettingsXML::readAtConstruction() {
@@ -85,6 +74,9 @@ bool SettingsXML::keepUnreadableFileAside() {
 }
 
 bool SettingsXML::read() {
+    _lastError.clear();
+    if (readSettingsQuickly(_filePath, _settings))
+        return true;
     xml::XmlError error;
     return readLoaded(XmlDocumentRapid::load(_filePath, true, &error), error);
 }

@@ -1,0 +1,231 @@
+// SPDX-License-Identifier: MIT
+#include "ula/src/Core/SettingsXMLQuickReader.h"
+
+#include "ula/foundation/xml/XmlCharacters.h"
+#include "ula/foundation/xml/XmlText.h"
+#include "ula/foundation/xml/XmlWriter.h"
+#include "ula/src/Core/SettingsTypeText.h"
+
+#include <array>
+#include <charconv>
+#include <vector>
+
+namespace tav::ula {
+
+namespace {
+
+using Setting = SettingsBase::Setting;
+
+/// The bytes at which reading an attribute's value has to stop and think.
+constexpr std::array<bool, 256> kSpecial = [] {
+    std::array<bool, 256> bytes{};
+    for (const char byte : {'"', '&', '<', '\t', '\n', '\r'})
+        bytes[static_cast<unsigned char>(byte)] = true;
+    return bytes;
+}();
+
+class QuickReader {
+public:
+    explicit QuickReader(const xml::XmlText& text)
+        : _text(text), _next(text.bytes), _end(text.bytes + text.length) {}
+
+    bool read() {
+        return skipDeclaration() && take("<settings>") && readGroups() && atEnd();
+    }
+    void mergeInto(SettingsBase::GroupMap& settings) {
+        for (Group& group : _groups)
+            settings.insert_or_assign(group.name, std::move(group.keys));
+    }
+
+private:
+    struct Group {
+        FastString name;
+        SettingsBase::KeyMap keys;
+    };
+
+    bool readGroups();
+    bool readGroup();
+    bool readKey(SettingsBase::KeyMap& keys);
+    bool readSetting(SettingsType type, Setting& setting);
+    bool readStringArray(Setting& setting);
+    bool readValue(std::string_view& value);
+    bool readAttributeValue(std::string_view& value);
+    bool decodeRest(char* out, std::string_view& value);
+
+    bool skipDeclaration();
+    bool atEnd() {
+        skipBlanks();
+        return _next == _end;
+    }
+    void skipBlanks() {
+        while (_next < _end && (*_next == '\n' || *_next == '\t' || *_next == ' ' ||
+                                *_next == '\r'))
+            ++_next;
+    }
+    /// Goes past `markup` if it stands here.
+    bool takeHere(std::string_view markup) {
+        if (static_cast<std::size_t>(_end - _next) < markup.size() ||
+            std::string_view(_next, markup.size()) != markup)
+            return false;
+        _next += markup.size();
+        return true;
+    }
+    bool take(std::string_view markup) {
+        skipBlanks();
+        return takeHere(markup);
+    }
+    FastString share(std::string_view value) const {
+        return _text.share(value.data(), value.size());
+    }
+
+    const xml::XmlText& _text;
+    char* _next;
+    char* _end;
+    std::vector<Group> _groups;
+};
+
+bool QuickReader::skipDeclaration() {
+    return takeHere(xml::XmlWriter::kDeclaration) || !takeHere("<?");
+}
+
+bool QuickReader::readGroups() {
+    while (!take("</settings>"))
+        if (!readGroup())
+            return false;
+    return true;
+}
+
+bool QuickReader::readGroup() {
+    std::string_view name;
+    if (!takeHere("<group name=") || !readAttributeValue(name))
+        return false;
+    Group& group = _groups.emplace_back();
+    group.name = share(name);
+    if (takeHere("/>"))
+        return true;
+    if (!takeHere(">"))
+        return false;
+    while (!take("</group>"))
+        if (!readKey(group.keys))
+            return false;
+    group.keys.buildIndex();
+    return true;
+}
+
+bool QuickReader::readKey(SettingsBase::KeyMap& keys) {
+    std::string_view name;
+    std::string_view typeText;
+    if (!takeHere("<key name=") || !readAttributeValue(name) || !takeHere(" type=") ||
+        !readAttributeValue(typeText))
+        return false;
+    const SettingsType type = typeOfText(typeText);
+    Setting setting;
+    if (takeHere("/>")) {
+        if (type != SETTINGSTYPE_STRING_ARRAY)
+            return false;
+        setting = Setting(std::vector<FastString>());
+    } else if (!takeHere(">") || !readSetting(type, setting) || !take("</key>")) {
+        return false;
+    }
+    keys.append(share(name), std::move(setting));
+    return true;
+}
+
+template <class Number>
+bool parse(std::string_view text, Number& number) {
+    const char* end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, number);
+    return error == std::errc() && stop == end;
+}
+
+bool QuickReader::readSetting(SettingsType type, Setting& setting) {
+    if (type == SETTINGSTYPE_STRING_ARRAY)
+        return readStringArray(setting);
+    std::string_view value;
+    int integer = 0;
+    double number = 0;
+    if (!readValue(value))
+        return false;
+    switch (type) {
+    case SETTINGSTYPE_INT:
+        return parse(value, integer) && (setting = Setting(integer), true);
+    case SETTINGSTYPE_BOOL:
+        return parse(value, integer) && (setting = Setting(integer > 0), true);
+    case SETTINGSTYPE_DOUBLE:
+        // A NaN's text is read elsewhere: it may carry bits.
+        return parse(value, number) && number == number && (setting = Setting(number), true);
+    case SETTINGSTYPE_STRING:
+        setting = Setting(share(value));
+        return true;
+    default:
+        return false;
+    }
+}
+
+bool QuickReader::readStringArray(Setting& setting) {
+    std::vector<FastString> texts;
+    std::string_view value;
+    skipBlanks();
+    while (_next < _end && !std::string_view(_next, 2).starts_with("</")) {
+        if (!readValue(value))
+            return false;
+        texts.push_back(share(value));
+        skipBlanks();
+    }
+    setting = Setting(std::move(texts));
+    return true;
+}
+
+bool QuickReader::readValue(std::string_view& value) {
+    return take("<value value=") && readAttributeValue(value) && takeHere("/>");
+}
+
+bool QuickReader::readAttributeValue(std::string_view& value) {
+    if (!takeHere("\""))
+        return false;
+    char* const begin = _next;
+    while (_next < _end && !kSpecial[static_cast<unsigned char>(*_next)])
+        ++_next;
+    value = {begin, static_cast<std::size_t>(_next - begin)};
+    return takeHere("\"") || decodeRest(begin, value);
+}
+
+/// Goes on where the first reference stands, decoding in place: a reference is never shorter than
+/// its character.
+bool QuickReader::decodeRest(char* begin, std::string_view& value) {
+    char* out = _next;
+    while (_next < _end && *_next != '"') {
+        if (!kSpecial[static_cast<unsigned char>(*_next)]) {
+            *out++ = *_next++;
+            continue;
+        }
+        std::uint32_t code = 0;
+        const std::size_t length =
+            *_next == '&'
+                ? xml::decodeReference({_next, static_cast<std::size_t>(_end - _next)}, code)
+                : 0;
+        if (length == 0)
+            return false;
+        out = xml::encodeCharacter(code, out);
+        _next += length;
+    }
+    value = {begin, static_cast<std::size_t>(out - begin)};
+    return takeHere("\"");
+}
+
+}  // namespace
+
+bool readSettingsQuickly(const FastString& path, SettingsBase::GroupMap& settings) {
+    xml::XmlText text;
+    xml::XmlError ignored;
+    if (!xml::readXmlFile(path, text, ignored) ||
+        xml::findInvalidCharacter(text.view()) != FastString::npos)
+        return false;
+    QuickReader reader(text);
+    if (!reader.read())
+        return false;
+    reader.mergeInto(settings);
+    return true;
+}
+
+}  // namespace tav::ula
