@@ -94,8 +94,7 @@ bool parseUnsigned64(const String& text, int base, std::uint64_t& result) {
 
 bool parseDouble(const String& text, double& result) {
     const std::string_view digits = withoutBlanksAndPlus(text);
-    return !digits.empty() &&
-           (parseWhole(digits, result) || parseNanWithBits(digits, result));
+    return !digits.empty() && (parseWhole(digits, result) || parseNanWithBits(digits, result));
 }
 
 double strtod(const String& text, LocaleSetting) {
