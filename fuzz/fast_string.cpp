@@ -107,8 +107,8 @@ private:
     }
     void find(std::size_t from, char byte, std::size_t offset) {
         const std::size_t place = _strings[from].find(byte, offset);
-        expect(place == (offset > _models[from].size() ? String::npos
-                                                       : _models[from].find(byte, offset)));
+        expect(place ==
+               (offset > _models[from].size() ? String::npos : _models[from].find(byte, offset)));
     }
     void append(std::size_t to, std::size_t from) {
         if (_models[to].size() + _models[from].size() > 4096)

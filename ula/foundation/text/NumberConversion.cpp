@@ -47,7 +47,7 @@ bool isUsualNan(double value) {
 }
 
 bool parseNanWithBits(std::string_view text, double& result) {
-    if (text.substr(0, kNanWithBits.size()) != kNanWithBits || text.back() != ')')
+    if (!text.starts_with(kNanWithBits) || text.back() != ')')
         return false;
     text.remove_prefix(kNanWithBits.size());
     text.remove_suffix(1);
@@ -94,8 +94,9 @@ bool parseUnsigned64(const String& text, int base, std::uint64_t& result) {
 
 bool parseDouble(const String& text, double& result) {
     const std::string_view digits = withoutBlanksAndPlus(text);
-    // First, for the library would read the text of any NaN as the usual one.
-    return !digits.empty() && (parseNanWithBits(digits, result) || parseWhole(digits, result));
+    // from_chars would read a NaN with whatever stands in its brackets as the usual one.
+    const bool hasBits = digits.find('(') != std::string_view::npos;
+    return hasBits ? parseNanWithBits(digits, result) : parseWhole(digits, result);
 }
 
 double strtod(const String& text, LocaleSetting) {
