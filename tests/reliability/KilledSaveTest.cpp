@@ -94,10 +94,10 @@ public:
         prctl(PR_SET_TIMERSLACK, 1);
         SettingsXML settings("Reliability", "Tests", FastString(_path), false);
         fillWithMark(settings, 0);
+        _save(settings, _path, 0);
         const auto begin = std::chrono::steady_clock::now();
-        settings.write();
         fillWithMark(settings, 0);
-        settings.write();
+        _save(settings, _path, 0);
         _spanNs = std::chrono::nanoseconds(std::chrono::steady_clock::now() - begin).count();
     }
 

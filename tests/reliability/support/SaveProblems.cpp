@@ -16,9 +16,10 @@ namespace {
 namespace fs = std::filesystem;
 
 std::optional<std::string> bytesOf(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    if (!file)
+    std::error_code none;
+    if (!fs::is_regular_file(path, none))
         return std::nullopt;
+    std::ifstream file(path, std::ios::binary);
     return std::string(std::istreambuf_iterator<char>(file), {});
 }
 
