@@ -164,7 +164,8 @@ bool QuickReader::readStringArray(Setting& setting) {
     std::vector<FastString> texts;
     std::string_view value;
     skipBlanks();
-    while (_next < _end && !std::string_view(_next, 2).starts_with("</")) {
+    while (_next < _end &&
+           !std::string_view(_next, static_cast<std::size_t>(_end - _next)).starts_with("</")) {
         if (!readValue(value))
             return false;
         texts.push_back(share(value));

@@ -1,0 +1,200 @@
+// SPDX-License-Identifier: MIT
+#include "tests/reliability/support/ChildProcess.h"
+#include "tests/reliability/support/MarkedSettings.h"
+#include "tests/reliability/support/SystemCalls.h"
+#include "tests/support/TemporaryFolder.h"
+
+#include "ula/SettingsException.h"
+
+#include <atomic>
+#include <chrono>
+#include <cstdio>
+#include <ctime>
+#include <fcntl.h>
+#include <functional>
+#include <gtest/gtest.h>
+#include <random>
+#include <sys/prctl.h>
+#include <unistd.h>
+
+namespace tav::test {
+
+namespace {
+
+using ula::FastString;
+using ula::SettingsXML;
+
+/// How far the process that saves has come.
+struct Progress {
+    std::atomic<int> begun{0};
+    std::atomic<int> done{0};
+    std::atomic<int> failed{0};
+};
+
+using Saver = std::function<bool(SettingsXML& settings, const std::string& path, int mark)>;
+
+bool saveAsTheLibraryDoes(SettingsXML& settings, const std::string&, int) {
+    return settings.write();
+}
+
+/// What must not be done to a user's file: empties it and writes the new text over it.
+bool saveInPlace(SettingsXML&, const std::string& path, int mark) {
+    const std::string text = textWithMark(mark);
+    const int file = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+    std::size_t done = 0;
+    while (file >= 0 && done < text.size()) {
+        const std::size_t size = std::min<std::size_t>(text.size() - done, 4096);
+        const ssize_t count = write(file, text.data() + done, size);
+        if (count <= 0)
+            break;
+        done += static_cast<std::size_t>(count);
+    }
+    const bool synced = file >= 0 && fsync(file) == 0;
+    return close(file) == 0 && synced && done == text.size();
+}
+
+/// Loads the file and saves it again and again until it is killed. Says that it has begun by
+/// closing its end of the pipe.
+[[noreturn]] void saveForEver(const std::string& path, const Saver& save, Progress& progress,
+                              int ready) {
+    SettingsXML settings("Reliability", "Tests", FastString(path), false);
+    for (int mark = progress.done + 1;; ++mark) {
+        fillWithMark(settings, mark);
+        progress.begun = mark;
+        if (ready >= 0)
+            close(std::exchange(ready, -1));
+        if (!save(settings, path, mark))
+            ++progress.failed;
+        progress.done = mark;
+    }
+}
+
+void waitUntilClosed(int pipeEnd) {
+    char none = 0;
+    while (read(pipeEnd, &none, 1) != 0)
+        continue;
+    close(pipeEnd);
+}
+
+struct Outcome {
+    int rounds = 0;
+    int insideSave = 0;  ///< kills between the begin and the end of a save
+    int savesDone = 0;
+    int broken = 0;       ///< unreadable, mixed, older than the last finished save, or not begun
+    int leftovers = 0;    ///< folders in which the next save left something
+    int leftByKills = 0;  ///< hidden files found after a kill
+    int failed = 0;       ///< saves that gave false
+};
+
+class KilledSaves {
+public:
+    KilledSaves(const std::string& parent, Saver save)
+        : _folder(parent), _path(_folder / "settings.xml"), _save(std::move(save)) {
+        // Sleeps end when they should, not up to 50 µs later.
+        prctl(PR_SET_TIMERSLACK, 1);
+        SettingsXML settings("Reliability", "Tests", FastString(_path), false);
+        fillWithMark(settings, 0);
+        _save(settings, _path, 0);
+        const auto begin = std::chrono::steady_clock::now();
+        fillWithMark(settings, 0);
+        _save(settings, _path, 0);
+        _spanNs = std::chrono::nanoseconds(std::chrono::steady_clock::now() - begin).count();
+    }
+
+    /// Kills `rounds` processes, or fewer when `untilBroken` and a file was found broken.
+    Outcome run(int rounds, bool untilBroken) {
+        while (_outcome.rounds < rounds && !(untilBroken && _outcome.broken > 0))
+            killOne();
+        _outcome.savesDone = _progress->done;
+        _outcome.failed = _progress->failed;
+        std::printf("%d kills, %d inside a save, %d saves finished, %d files broken, "
+                    "%d hidden files left by kills\n",
+                    _outcome.rounds, _outcome.insideSave, _outcome.savesDone, _outcome.broken,
+                    _outcome.leftByKills);
+        return _outcome;
+    }
+
+private:
+    void killOne() {
+        int ends[2];
+        ASSERT_EQ(pipe2(ends, O_CLOEXEC), 0);
+        ChildProcess child([&] {
+            close(ends[0]);
+            saveForEver(_path, _save, *_progress, ends[1]);
+        });
+        close(ends[1]);
+        waitUntilClosed(ends[0]);
+        const timespec delay{0, std::uniform_int_distribution<long>(0, _spanNs)(_random)};
+        nanosleep(&delay, nullptr);
+        child.kill();
+        inspect();
+    }
+
+    void inspect() {
+        ++_outcome.rounds;
+        const int begun = _progress->begun;
+        _outcome.insideSave += begun > _progress->done;
+        const std::optional<int> mark = markOfFile(_path);
+        if (!mark || *mark < _progress->done || *mark > begun)
+            ++_outcome.broken;
+        else
+            _progress->done = *mark;
+        _outcome.leftByKills += static_cast<int>(_folder.names().size()) - 1;
+        if (_outcome.rounds % 50 == 0)
+            saveOnceMore();
+    }
+
+    void saveOnceMore() {
+        SettingsXML settings("Reliability", "Tests", FastString(_path), false);
+        _outcome.failed += !settings.write();
+        _outcome.leftovers += _folder.names() != std::vector<std::string>{"settings.xml"};
+    }
+
+    TemporaryFolder _folder;
+    std::string _path;
+    Saver _save;
+    long _spanNs = 0;
+    Shared<Progress> _progress;
+    Outcome _outcome;
+    std::mt19937 _random{20};
+};
+
+int rounds(int all) {
+    return std::max(all / ULA_ROUNDS_DIVISOR, 50);
+}
+
+void expectWhole(const Outcome& outcome, int kills) {
+    EXPECT_EQ(outcome.rounds, kills);
+    EXPECT_EQ(outcome.broken, 0);
+    EXPECT_EQ(outcome.failed, 0);
+    EXPECT_EQ(outcome.leftovers, 0);
+    // Otherwise nothing has been tested.
+    EXPECT_GT(outcome.insideSave, kills / 4);
+}
+
+}  // namespace
+
+TEST(KilledSave, LeavesTheOldOrTheNewFileWholeInMemory) {
+    KilledSaves saves("/dev/shm", saveAsTheLibraryDoes);
+    expectWhole(saves.run(rounds(8000), false), rounds(8000));
+}
+
+TEST(KilledSave, LeavesTheOldOrTheNewFileWholeOnDisk) {
+    KilledSaves saves({}, saveAsTheLibraryDoes);
+    expectWhole(saves.run(rounds(1000), false), rounds(1000));
+}
+
+TEST(KilledSave, LeavesTheOldOrTheNewFileWholeWithoutUnnamedFiles) {
+    allowUnnamedFiles(false);
+    KilledSaves saves("/dev/shm", saveAsTheLibraryDoes);
+    const Outcome outcome = saves.run(rounds(1000), false);
+    allowUnnamedFiles(true);
+    expectWhole(outcome, rounds(1000));
+}
+
+TEST(KilledSave, CheckFindsAWriterThatRewritesInPlace) {
+    KilledSaves saves("/dev/shm", saveInPlace);
+    EXPECT_GT(saves.run(rounds(1000), true).broken, 0);
+}
+
+}  // namespace tav::test
