@@ -14,9 +14,10 @@ namespace {
 constexpr std::array kTypeNames = {"int", "bool", "double", "string", "string_array"};
 
 const char* word(Random& random) {
-    static constexpr std::array words = {
-        "Window", "Width",  "Height", "Recent",  "File", "Panel", "Zoom", "Color", "Export", "Path",
-        "Camera", "Import", "Visible", "Last", "Thumb", "Size", "Sort", "Order", "Cache", "Limit"};
+    static constexpr std::array words = {"Window", "Width",  "Height",  "Recent", "File",
+                                         "Panel",  "Zoom",   "Color",   "Export", "Path",
+                                         "Camera", "Import", "Visible", "Last",   "Thumb",
+                                         "Size",   "Sort",   "Order",   "Cache",  "Limit"};
     return words[random.below(words.size())];
 }
 

@@ -120,8 +120,7 @@ const bool kRegistered = [] {
     registerAll<GKeyFileStore>("GKeyFile", bytesOf<GKeyFileStore>);
     benchmark::RegisterBenchmark("bytesLoaded/ula", bytesOfLoaded)->Iterations(1);
     benchmark::RegisterBenchmark("allocationsCopy/ula", allocationsOfCopy)->Iterations(1);
-    benchmark::RegisterBenchmark("allocationsSubstring/ula", allocationsOfSubstring)
-        ->Iterations(1);
+    benchmark::RegisterBenchmark("allocationsSubstring/ula", allocationsOfSubstring)->Iterations(1);
     benchmark::RegisterBenchmark("allocationsEmit/ula", allocationsOfEmit)->Iterations(1);
     return true;
 }();
