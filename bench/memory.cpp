@@ -1,0 +1,128 @@
+// SPDX-License-Identifier: MIT
+// Bytes of heap for each key of a store, and allocations for each call. The times that are printed
+// mean nothing here; the counters do.
+#include "bench/AllocationCount.h"
+#include "bench/PeerFiles.h"
+#include "bench/Stores.h"
+#include "ula/foundation/util/Signal.h"
+
+namespace {
+
+using namespace tav::bench;
+using tav::ula::FastString;
+
+constexpr std::size_t kKeyCount = 100000;
+
+/// Ours as an application has it: read from its file.
+struct OurLoadedStore {
+    explicit OurLoadedStore(const std::string& path)
+        : settings(FastString::literal("bench"), FastString::literal("ula"), path, false) {}
+    tav::ula::SettingsXML settings;
+};
+
+template <class Make>
+void reportBytes(benchmark::State& state, Make make) {
+    settingsData(kKeyCount);
+    double bytes = 0;
+    for (auto _ : state) {
+        const std::size_t before = heapBytes();
+        const auto store = make();
+        bytes = static_cast<double>(heapBytes() - before);
+    }
+    state.counters["bytes_per_key"] = bytes / static_cast<double>(kKeyCount);
+}
+
+template <class Store>
+void bytesOf(benchmark::State& state) {
+    reportBytes(state, [] { return makeStore<Store>(kKeyCount); });
+}
+
+void bytesOfLoaded(benchmark::State& state) {
+    const std::string path = BenchFolder::instance() / "memory.xml";
+    writeFile(path, xmlText(settingsData(kKeyCount)));
+    reportBytes(state, [&path] { return std::make_unique<OurLoadedStore>(path); });
+}
+
+void bytesOfQSettings(benchmark::State& state) {
+    qsettingsFile(kKeyCount);
+    reportBytes(state, [] { return makeStore<QSettingsStore>(kKeyCount); });
+}
+
+void report(benchmark::State& state, std::size_t allocations, std::size_t calls) {
+    state.counters["allocations_per_call"] =
+        static_cast<double>(allocations) / static_cast<double>(calls);
+}
+
+template <class Store, auto Get>
+void allocationsOfGet(benchmark::State& state, ValueType type) {
+    const auto store = makeStore<Store>(1000);
+    const auto queries = makeQueries<Store>(1000, type);
+    for (auto _ : state) {
+        const std::size_t before = allocationCount();
+        for (const auto& query : queries)
+            benchmark::DoNotOptimize(((*store).*Get)(query));
+        report(state, allocationCount() - before, queries.size());
+    }
+}
+
+template <class Call>
+void allocationsOf(benchmark::State& state, Call call) {
+    constexpr std::size_t calls = 1000;
+    for (auto _ : state) {
+        const std::size_t before = allocationCount();
+        for (std::size_t i = 0; i < calls; ++i)
+            call();
+        report(state, allocationCount() - before, calls);
+    }
+}
+
+void allocationsOfCopy(benchmark::State& state) {
+    const FastString text("a text in a buffer of its own");
+    allocationsOf(state, [&text] {
+        FastString other(text);
+        benchmark::DoNotOptimize(other);
+    });
+}
+
+void allocationsOfSubstring(benchmark::State& state) {
+    const FastString text("a text in a buffer of its own");
+    allocationsOf(state, [&text] {
+        FastString other = text.substr(2, 4);
+        benchmark::DoNotOptimize(other);
+    });
+}
+
+void allocationsOfEmit(benchmark::State& state) {
+    tav::util::Signal0 signal;
+    signal.connect([] { benchmark::ClobberMemory(); });
+    allocationsOf(state, [&signal] { signal.emit(); });
+}
+
+template <class Store>
+void registerAll(const std::string& name, void (*bytes)(benchmark::State&)) {
+    const auto once = [&name](const std::string& topic, auto function) {
+        benchmark::RegisterBenchmark((topic + "/" + name).c_str(), function)->Iterations(1);
+    };
+    once("bytes", bytes);
+    once("allocationsGetInt", [](benchmark::State& state) {
+        allocationsOfGet<Store, &Store::getInt>(state, ValueType::integer);
+    });
+    once("allocationsGetString", [](benchmark::State& state) {
+        allocationsOfGet<Store, &Store::getString>(state, ValueType::text);
+    });
+}
+
+const bool kRegistered = [] {
+    registerAll<OurStore>("ula", bytesOf<OurStore>);
+    registerAll<MapStore<StdMapOf>>("std::map", bytesOf<MapStore<StdMapOf>>);
+    registerAll<MapStore<BtreeMapOf>>("absl::btree_map", bytesOf<MapStore<BtreeMapOf>>);
+    registerAll<QSettingsStore>("QSettings", bytesOfQSettings);
+    registerAll<GKeyFileStore>("GKeyFile", bytesOf<GKeyFileStore>);
+    benchmark::RegisterBenchmark("bytesLoaded/ula", bytesOfLoaded)->Iterations(1);
+    benchmark::RegisterBenchmark("allocationsCopy/ula", allocationsOfCopy)->Iterations(1);
+    benchmark::RegisterBenchmark("allocationsSubstring/ula", allocationsOfSubstring)->Iterations(1);
+    benchmark::RegisterBenchmark("allocationsEmit/ula", allocationsOfEmit)->Iterations(1);
+    return true;
+}();
+
+}  // namespace

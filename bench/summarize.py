@@ -1,0 +1,181 @@
+#!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
+"""Prints how ours compares with the peers, from the results of one run of scripts/bench.
+
+    bench/summarize.py [--markdown] FILE.json...
+
+A ratio is ours to the peer's, of the medians of the repetitions; below 1 ours is faster or
+smaller. Behind it stands the range in which it falls nine times of ten when the repetitions are
+drawn anew: where the target lies in that range, the run cannot tell, and the verdict has a "?".
+"""
+import argparse
+import json
+import random
+import statistics
+import sys
+
+LENGTHS = ["8", "24", "200"]
+STORES = ["10", "1000", "100000"]
+FILES = ["1000", "100000", "1000000"]
+KEYS = {"10": "10", "1000": "1k", "100000": "100k", "1000000": "1M"}
+NANOSECONDS = {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}
+
+# Topic, ours, peer (None: the target is an amount of ours), sizes, target (None: none set).
+COMPARISONS = [
+    ("copy a shared string", "copy/ula", "copy/counted", LENGTHS, 1.0),
+    ("copy a shared string", "copy/ula", "copy/QByteArray", LENGTHS, None),
+    ("copy a shared string", "copy/ula", "copy/std::string", LENGTHS, None),
+    ("copy a literal", "copyLiteral/ula", None, ["24"], 3),
+    ("substring", "substring/ula", None, LENGTHS, 20),
+    ("find in a sorted map of 1,000", "find1000/ula", "find1000/std::string", LENGTHS, 1.0),
+    ("copy a map of 1,000", "copyMap1000/ula", "copyMap1000/counted", LENGTHS, None),
+    ("get int", "getInt/ula", "getInt/absl::btree_map", STORES, 1.0),
+    ("get int", "getInt/ula", "getInt/QSettings", STORES, 0.5),
+    ("get int", "getInt/ula", "getInt/GKeyFile", STORES, 0.5),
+    ("get int", "getInt/ula", "getInt/std::map", STORES, None),
+    ("get int", "getInt/ula", "getInt/absl::flat_hash_map", STORES, None),
+    ("get string", "getString/ula", "getString/absl::btree_map", STORES, 1.0),
+    ("get string", "getString/ula", "getString/QSettings", STORES, 0.5),
+    ("get string", "getString/ula", "getString/GKeyFile", STORES, 0.5),
+    ("get string", "getString/ula", "getString/std::map", STORES, None),
+    ("get string", "getString/ula", "getString/absl::flat_hash_map", STORES, None),
+    ("set int", "setInt/ula", "setInt/absl::btree_map", STORES, None),
+    ("set int", "setInt/ula", "setInt/QSettings", STORES, None),
+    ("load a file", "load/ula", "load/rapidxml+map", FILES, 0.8),
+    ("load a file", "load/ula", "load/pugixml+map", FILES, None),
+    ("load a file", "load/ula", "load/QSettings", FILES, None),
+    ("load a file", "load/ula", "load/GKeyFile", FILES, None),
+    ("save, no sync", "save/ula", "save/string+write", FILES, 0.6),
+    ("replace durably", "replace/ula", "replace/QSaveFile", FILES[:2], 1.1),
+    ("replace durably", "replace/ula", "replace/QSaveFile+folder", FILES[:2], None),
+    ("emit to 0 slots", "emit/ula", "emit/snapshot", ["0"], 1.3),
+    ("emit to 1 slot", "emit/ula", "emit/snapshot", ["1"], 1.3),
+    ("emit to 8 slots", "emit/ula", "emit/snapshot", ["8"], 1.3),
+    ("emit to 1 slot", "emit/ula", "emit/sigc", ["1"], None),
+    ("emit to 1 slot", "emit/ula", "emit/Qt", ["1"], None),
+    ("emit to 1 slot", "emit/ula", "emit/Signals2", ["1"], None),
+    ("connect and disconnect", "connect/ula", "connect/Signals2", [""], None),
+    ("bytes per key, filled", "bytes/ula", "bytes/QSettings", [""], None),
+    ("bytes per key, filled", "bytes/ula", "bytes/std::map", [""], None),
+    ("bytes per key, from a file", "bytesLoaded/ula", "bytes/QSettings", [""], None),
+    ("allocations of a get int", "allocationsGetInt/ula", None, [""], 0),
+    ("allocations of a get string", "allocationsGetString/ula", None, [""], 0),
+    ("allocations of a copy", "allocationsCopy/ula", None, [""], 0),
+    ("allocations of a substring", "allocationsSubstring/ula", None, [""], 0),
+    ("allocations of an emit", "allocationsEmit/ula", None, [""], 0),
+]
+
+
+def amount(entry):
+    """What the benchmark is about: a counter, or else nanoseconds: of the processor, which a busy
+    machine disturbs less, but of the clock where a disk is waited for."""
+    for counter in ("bytes_per_key", "allocations_per_call"):
+        if counter in entry:
+            return entry[counter]
+    clock = "real_time" if entry["name"].endswith("/real_time") else "cpu_time"
+    return entry[clock] * NANOSECONDS[entry["time_unit"]]
+
+
+def read(paths):
+    """The amounts of all repetitions by the benchmark's name, and what failed."""
+    amounts, errors = {}, []
+    for path in paths:
+        with open(path, encoding="utf-8") as file:
+            entries = json.load(file)["benchmarks"]
+        for entry in entries:
+            name = entry["name"].split("/iterations:")[0].replace("/real_time", "")
+            if entry.get("error_occurred"):
+                errors.append(f"{name}: {entry['error_message']}")
+            elif entry.get("run_type") == "iteration":
+                amounts.setdefault(name, []).append(amount(entry))
+    return amounts, sorted(set(errors))
+
+
+def spread(ours, peers, rounds=2000):
+    """The 5 % and the 95 % quantile of the ratio when the repetitions are drawn anew."""
+    draw = random.Random(1)
+
+    def median(values):
+        return statistics.median(draw.choices(values, k=len(values)))
+
+    ratios = sorted(median(ours) / median(peers) for _ in range(rounds))
+    return ratios[rounds // 20], ratios[-rounds // 20]
+
+
+def verdict(value, low, high, target):
+    if target is None:
+        return ""
+    word = "met" if value <= target else "missed"
+    return word + (" ?" if low <= target < high else "")
+
+
+def show(name, value):
+    if name.startswith("bytes"):
+        return f"{value:.0f} B"
+    if name.startswith("allocations"):
+        return f"{value:g}"
+    for unit, factor in (("ms", 1e6), ("µs", 1e3)):
+        if value >= factor:
+            return f"{value / factor:.3g} {unit}"
+    return f"{value:.3g} ns"
+
+
+def size_label(name, size):
+    if name.startswith(("copy", "substring", "find1000")):
+        return size + " bytes"
+    return "" if name.startswith("emit") or not size else KEYS[size] + " keys"
+
+
+def row(amounts, comparison, size):
+    topic, ours, peer, _, target = comparison
+    suffix = "/" + size if size else ""
+    if ours + suffix not in amounts or (peer and peer + suffix not in amounts):
+        return None
+    mine = amounts[ours + suffix]
+    value = statistics.median(mine)
+    cells = [topic, size_label(ours, size), show(ours, value)]
+    if peer is None:
+        limit = show(ours, target)
+        return cells + ["", "", "", f"≤ {limit}", verdict(value, min(mine), max(mine), target)]
+    theirs = amounts[peer + suffix]
+    other = statistics.median(theirs)
+    low, high = spread(mine, theirs)
+    return cells + [f"{peer.split('/', 1)[1]} {show(peer, other)}", f"{value / other:.2f}",
+                    f"{low:.2f}-{high:.2f}", "" if target is None else f"≤ {target:g}",
+                    verdict(value / other, low, high, target)]
+
+
+HEAD = ["topic", "size", "ours", "peer", "ratio", "range", "target", ""]
+
+
+def print_table(rows, markdown):
+    if markdown:
+        print("| " + " | ".join(HEAD) + " |")
+        print("|---" * len(HEAD) + "|")
+        for cells in rows:
+            print("| " + " | ".join(cells) + " |")
+        return
+    widths = [max(len(cells[i]) for cells in [HEAD] + rows) for i in range(len(HEAD))]
+    for cells in [HEAD] + rows:
+        print("  ".join(cell.ljust(width) for cell, width in zip(cells, widths)).rstrip())
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
+    parser.add_argument("--markdown", action="store_true", help="a table for docs/performance.md")
+    parser.add_argument("files", nargs="+", metavar="FILE.json")
+    options = parser.parse_args()
+    amounts, errors = read(options.files)
+    rows = [row(amounts, comparison, size) for comparison in COMPARISONS for size in comparison[3]]
+    rows = [cells for cells in rows if cells]
+    print_table(rows, options.markdown)
+    verdicts = [cells[-1] for cells in rows if cells[-1]]
+    missed = sum(word.startswith("missed") for word in verdicts)
+    print(f"\n{len(verdicts) - missed} of {len(verdicts)} targets met")
+    for error in errors:
+        print("failed: " + error, file=sys.stderr)
+    return 1 if errors or not rows else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
