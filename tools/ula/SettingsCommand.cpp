@@ -25,9 +25,7 @@ constexpr const char* kSettingsHelp = R"(Examples:
 Exit codes:
   0  done                     3  a file cannot be read, or is not there
   1  different, or not there  4  a file cannot be written; it is as it was
-  2  wrong usage
-
-A FILE that has the name of a command is written with its folder: ./list)";
+  2  wrong usage)";
 
 constexpr const char* kSetHelp = R"(The type of a new key, unless --type says it:
   several VALUEs      string_array

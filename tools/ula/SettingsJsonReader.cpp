@@ -10,6 +10,7 @@
 #include <iterator>
 #include <nlohmann/json.hpp>
 #include <set>
+#include <utility>
 #include <variant>
 
 namespace tav::tool {
@@ -131,9 +132,9 @@ public:
     // The parser's events.
     bool null() override { return fail("null is no settings value"); }
     bool boolean(bool value) override { return take(Value(value)); }
-    bool number_integer(number_integer_t value) override { return take(Whole{value, true}); }
-    bool number_unsigned(number_unsigned_t value) override { return take(wholeOf(value)); }
-    bool number_float(number_float_t value, const string_t&) override { return take(value); }
+    bool number_integer(number_integer_t value) override { return takeNumber(Whole{value, true}); }
+    bool number_unsigned(number_unsigned_t value) override { return takeNumber(wholeOf(value)); }
+    bool number_float(number_float_t value, const string_t&) override { return takeNumber(value); }
     bool string(string_t& value) override { return take(FastString(value)); }
     bool binary(binary_t&) override { return fail("binary data does not belong here"); }
     bool start_object(std::size_t) override;
@@ -148,6 +149,13 @@ private:
     enum class Level { Nothing, Document, Groups, Keys, Setting, Array };
 
     bool take(Value value);
+    bool takeNumber(Value value) {
+        // The end of a number shows only in the character after it.
+        const char* const after = std::exchange(_latest, _latest - 1);
+        const bool isTaken = take(std::move(value));
+        _latest = after;
+        return isTaken;
+    }
     bool takeVersion(const Value& value);
     bool finishSetting();
     bool fail(const std::string& reason);
@@ -328,7 +336,9 @@ std::string parserReason(std::string text) {
     return "no valid JSON: " + (text.size() > kLongest ? text.substr(0, kLongest) + "…" : text);
 }
 
-bool Reader::parse_error(std::size_t, const std::string&, const json::exception& error) {
+bool Reader::parse_error(std::size_t position, const std::string&, const json::exception& error) {
+    // The parser's count is the better one here: it has put back what it only peeked at.
+    _latest = _text.data() + std::min(position, _text.size());
     return fail(parserReason(error.what()));
 }
 
