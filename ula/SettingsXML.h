@@ -29,7 +29,8 @@ public:
     /// Without a file: nothing is read, and writing fails.
     SettingsXML(const FastString& appName, const FastString& company, bool writeOnDestroy);
     /// Reads the file at once unless `filePath` is empty.
-    /// Fails: a missing or broken file leaves the store empty; throws `SettingsException` as `read`.
+    /// Fails: a missing or broken file leaves the store empty; throws `SettingsException` as
+    /// `read`.
     SettingsXML(const FastString& appName, const FastString& company, const FastString& filePath,
                 bool writeOnDestroy);
     /// Writes, if told to at construction.

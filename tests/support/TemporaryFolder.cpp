@@ -13,7 +13,8 @@ namespace tav::test {
 namespace fs = std::filesystem;
 
 TemporaryFolder::TemporaryFolder(const fs::path& parent) {
-    std::string name = ((parent.empty() ? fs::temp_directory_path() : parent) / "ula-XXXXXX").string();
+    std::string name =
+        ((parent.empty() ? fs::temp_directory_path() : parent) / "ula-XXXXXX").string();
     if (!mkdtemp(name.data()))
         throw std::runtime_error("no temporary folder in " + name);
     _path = name;

@@ -29,7 +29,8 @@ private:
 
 /// Stands between `Exception` and a concrete exception `Concrete` and gives it `clone` and
 /// `raise` with its own type:
-/// `class Broken : public CloneableException<Broken> { using CloneableException::CloneableException; };`
+/// `class Broken : public CloneableException<Broken> { using
+/// CloneableException::CloneableException; };`
 template <class Concrete>
 class CloneableException : public Exception {
 public:

@@ -19,8 +19,8 @@ enum LogLevel {
 
 /// One finished line of the log.
 struct LogRecord {
-    std::string source;      ///< fixed name of the place, e.g. "src/Core/SettingsXML"; may be empty
-    int line = 0;            ///< fixed number of the place, 0 when there is none
+    std::string source;  ///< fixed name of the place, e.g. "src/Core/SettingsXML"; may be empty
+    int line = 0;        ///< fixed number of the place, 0 when there is none
     LogLevel level = LogLevelTrace;
     std::string text;
     std::string stackTrace;  ///< one frame a line, innermost first; empty but for assertions

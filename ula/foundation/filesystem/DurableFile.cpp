@@ -100,7 +100,7 @@ private:
     std::string _leaf;
     Descriptor _folder;
     Descriptor _file;
-    struct stat _old{};
+    struct stat _old {};
     bool _hasOld = false;
     std::string _newName;  ///< the hidden name of the new file while it has one
     std::string _oldName;  ///< a second, hidden name of the old file while it has one
@@ -161,8 +161,7 @@ bool DurableFile::Replacement::createNewFile() {
 /// to come; what is found under it is of a dead process that had the same number.
 bool DurableFile::Replacement::createNamedFile(mode_t mode) {
     const auto serial = reinterpret_cast<std::uintptr_t>(this);
-    const std::string purpose =
-        "new-" + std::to_string(getpid()) + "-" + std::to_string(serial);
+    const std::string purpose = "new-" + std::to_string(getpid()) + "-" + std::to_string(serial);
     const std::string name = hiddenName(_leaf, purpose.c_str());
     removeHidden(name);
     _file = Descriptor(retryInterrupted([&] {
@@ -177,7 +176,7 @@ bool DurableFile::Replacement::createNamedFile(mode_t mode) {
 bool DurableFile::Replacement::copyPermissions() {
     if (!_hasOld)
         return true;
-    struct stat fresh{};
+    struct stat fresh {};
     if (fstat(_file.get(), &fresh) != 0)
         return false;
     // Only a privileged process can give a file away: another one keeps what it may.
@@ -198,8 +197,8 @@ bool DurableFile::Replacement::copyAccessList() {
 
 bool DurableFile::Replacement::write(std::string_view bytes) {
     while (!_failed && !bytes.empty()) {
-        const ssize_t written = retryInterrupted(
-            [&] { return ::write(_file.get(), bytes.data(), bytes.size()); });
+        const ssize_t written =
+            retryInterrupted([&] { return ::write(_file.get(), bytes.data(), bytes.size()); });
         if (written < 0)
             _failed = !fail("cannot write", errno);
         else
@@ -334,7 +333,8 @@ void DurableFile::Replacement::removeTraces() {
 }
 
 DurableFile::DurableFile(const String& path, DurableFileOptions options)
-    : _replacement(std::make_unique<Replacement>(path, std::move(options))) {}
+    : _replacement(std::make_unique<Replacement>(path, std::move(options))) {
+}
 
 DurableFile::~DurableFile() = default;
 

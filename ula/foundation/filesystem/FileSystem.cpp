@@ -12,7 +12,7 @@ namespace {
 
 /// The kind bits of the mode, 0 for what is not there.
 mode_t kindOf(const char* path) {
-    struct stat facts{};
+    struct stat facts {};
     return path && stat(path, &facts) == 0 ? facts.st_mode & S_IFMT : 0;
 }
 

@@ -31,8 +31,7 @@ inline std::uint64_t loadTail(const char* bytes, std::size_t length) {
     if (length >= 4) {
         const std::uint64_t first = loadWord<std::uint32_t>(bytes);
         const std::uint64_t last = loadWord<std::uint32_t>(bytes + length - 4);
-        return std::endian::native == std::endian::little ? first | last << 32
-                                                          : first << 32 | last;
+        return std::endian::native == std::endian::little ? first | last << 32 : first << 32 | last;
     }
     std::uint64_t word = 0;
     for (std::size_t i = 0; i < length; ++i) {

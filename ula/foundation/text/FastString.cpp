@@ -29,7 +29,8 @@ std::size_t lengthOfArgument(const char* zeroTerminated) {
 }  // namespace
 
 FastString<char>::FastString(const char* zeroTerminated)
-    : FastString(zeroTerminated, lengthOf(zeroTerminated, 112, "szstr != 0")) {}
+    : FastString(zeroTerminated, lengthOf(zeroTerminated, 112, "szstr != 0")) {
+}
 
 FastString<char>::FastString(const char* bytes, std::size_t length)
     : _data(bytes), _length(length), _owner(nullptr) {
@@ -105,8 +106,8 @@ std::ostream& operator<<(std::ostream& stream, const FastString<char>& text) {
 
 }  // namespace tav::text
 
-std::size_t
-std::hash<tav::text::FastString<char>>::operator()(const tav::text::FastString<char>& text) const noexcept {
+std::size_t std::hash<tav::text::FastString<char>>::operator()(
+    const tav::text::FastString<char>& text) const noexcept {
     // Seeded with an address that differs between processes, so that a file cannot be written
     // whose names all collide.
     static const char anchor = 0;

@@ -12,7 +12,8 @@ constexpr const char* kPlaceholder = "%*";
 }  // namespace
 
 FormatStream::FormatStream(const char* format, Finish finish)
-    : _rest(format ? format : ""), _finish(std::move(finish)) {}
+    : _rest(format ? format : ""), _finish(std::move(finish)) {
+}
 
 FormatStream::~FormatStream() {
     try {

@@ -94,8 +94,8 @@ bool parseUnsigned64(const String& text, int base, std::uint64_t& result) {
 
 bool parseDouble(const String& text, double& result) {
     const std::string_view digits = withoutBlanksAndPlus(text);
-    return !digits.empty() &&
-           (parseWhole(digits, result) || parseNanWithBits(digits, result));
+    // First, for the library would read the text of any NaN as the usual one.
+    return !digits.empty() && (parseNanWithBits(digits, result) || parseWhole(digits, result));
 }
 
 double strtod(const String& text, LocaleSetting) {

@@ -83,7 +83,8 @@ Thread::Thread(const util::Function0<void>& function)
       _thread([function, interruption = _interruption] {
           Interruption::current = interruption.get();
           runLogged(function);
-      }) {}
+      }) {
+}
 
 Thread::~Thread() {
     if (!_thread.joinable())

@@ -16,9 +16,10 @@ public:
     Function0() noexcept = default;
     Function0(std::nullptr_t) noexcept {}
     template <class Callable>
-        requires(!std::same_as<std::remove_cvref_t<Callable>, Function0> &&
-                 std::constructible_from<std::function<Result()>, Callable>)
-    Function0(Callable&& callable) : _function(std::forward<Callable>(callable)) {}
+    requires(!std::same_as<std::remove_cvref_t<Callable>, Function0> &&
+             std::constructible_from<std::function<Result()>, Callable>)
+        Function0(Callable&& callable)
+        : _function(std::forward<Callable>(callable)) {}
     /// The object is not owned and must outlive the calls.
     template <class Object, class Class>
     Function0(Object* object, Result (Class::*member)())

@@ -52,9 +52,7 @@ public:
     bool empty() const { return _map.empty(); }
 
     iterator find(const Key& key) { return _slots.empty() ? _map.find(key) : findIndexed(key); }
-    const_iterator find(const Key& key) const {
-        return const_cast<IndexedMap*>(this)->find(key);
-    }
+    const_iterator find(const Key& key) const { return const_cast<IndexedMap*>(this)->find(key); }
     bool contains(const Key& key) const { return find(key) != end(); }
     size_type count(const Key& key) const { return contains(key) ? 1 : 0; }
     iterator lower_bound(const Key& key) { return _map.lower_bound(key); }

@@ -26,8 +26,8 @@ bool isPlainBlock(const char* block) {
     for (std::size_t i = 0; i < kBlock; ++i) {
         const auto byte = static_cast<unsigned char>(block[i]);
         const bool isControl = byte < 0x20 && byte != '\t' && byte != '\n' && byte != '\r';
-        odd = static_cast<unsigned char>(odd | static_cast<unsigned char>(isControl) |
-                                         (byte & 0x80));
+        odd =
+            static_cast<unsigned char>(odd | static_cast<unsigned char>(isControl) | (byte & 0x80));
     }
     return odd == 0;
 }
@@ -43,8 +43,7 @@ bool decodeNumber(std::string_view name, std::uint32_t& code) {
     const bool isHexadecimal = name.substr(1, 1) == "x";
     const std::string_view digits = name.substr(isHexadecimal ? 2 : 1);
     const char* end = digits.data() + digits.size();
-    const auto [stop, error] =
-        std::from_chars(digits.data(), end, code, isHexadecimal ? 16 : 10);
+    const auto [stop, error] = std::from_chars(digits.data(), end, code, isHexadecimal ? 16 : 10);
     return error == std::errc() && stop == end && isCharacter(code);
 }
 
@@ -95,8 +94,8 @@ constexpr std::array<bool, 256> kNameBytes = [] {
     std::array<bool, 256> bytes{};
     for (int i = 0; i < 256; ++i) {
         const auto byte = static_cast<unsigned char>(i);
-        bytes[byte] = isNameStart(byte) || (byte >= '0' && byte <= '9') || byte == '-' ||
-                      byte == '.';
+        bytes[byte] =
+            isNameStart(byte) || (byte >= '0' && byte <= '9') || byte == '-' || byte == '.';
     }
     return bytes;
 }();

@@ -158,8 +158,8 @@ bool XmlDocumentRapid::Content::checkStructure(bool strict, std::size_t& offset,
 bool XmlDocumentRapid::Content::parse(bool strict, XmlError& error) {
     if (strict && !checkText(error))
         return false;
-    const pugi::xml_parse_result result = document.load_buffer_inplace(
-        text.bytes, text.length, kParseOptions, pugi::encoding_utf8);
+    const pugi::xml_parse_result result =
+        document.load_buffer_inplace(text.bytes, text.length, kParseOptions, pugi::encoding_utf8);
     auto offset = static_cast<std::size_t>(std::max<std::ptrdiff_t>(result.offset, 0));
     if (!result)
         error.reason = std::string("not well-formed: ") + result.description();
@@ -250,7 +250,8 @@ void NodeIterator::appendAttribute(const String& name, double value) {
 
 // ---- documents
 
-XmlDocumentRapid::XmlDocumentRapid() : _content(std::make_unique<Content>()) {}
+XmlDocumentRapid::XmlDocumentRapid() : _content(std::make_unique<Content>()) {
+}
 
 XmlDocumentRapid::~XmlDocumentRapid() = default;
 

@@ -4,7 +4,8 @@
 namespace tav::xml {
 
 XmlFile::XmlFile(const String& path, filesystem::DurableFileOptions options)
-    : _file(path, std::move(options)), _output([this](std::string_view text) { write(text); }) {}
+    : _file(path, std::move(options)), _output([this](std::string_view text) { write(text); }) {
+}
 
 void XmlFile::write(std::string_view text) {
     if (!_file.write(text))

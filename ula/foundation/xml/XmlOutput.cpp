@@ -78,7 +78,8 @@ std::size_t writeOdd(std::string_view text, char*& out) {
 }  // namespace
 
 XmlOutput::XmlOutput(Sink sink)
-    : _sink(std::move(sink)), _buffer(std::make_unique_for_overwrite<char[]>(kSize)) {}
+    : _sink(std::move(sink)), _buffer(std::make_unique_for_overwrite<char[]>(kSize)) {
+}
 
 /// Where the next bytes go, with room for `size` (up to the buffer's) of them.
 char* XmlOutput::room(std::size_t size) {

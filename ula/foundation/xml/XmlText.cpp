@@ -175,7 +175,7 @@ bool readXmlFile(const String& path, XmlText& text, XmlError& error) {
     const char* name = thread::globalScratchPad().zeroTerminated(path);
     const Descriptor file(
         retryInterrupted([&] { return ::open(name, O_RDONLY | O_NONBLOCK | O_CLOEXEC); }));
-    struct stat facts{};
+    struct stat facts {};
     if (!file || fstat(file.get(), &facts) != 0)
         return failWithErrno(error, "cannot be opened");
     if (!S_ISREG(facts.st_mode))

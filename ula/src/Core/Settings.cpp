@@ -6,8 +6,7 @@ namespace tav::ula {
 Settings::Settings(const FastString& appName, const FastString& company)
     : _appName(appName), _company(company) {
     if (_appName.empty() || _company.empty())
-        debug::assertionFailed("src/Core/Settings", 12,
-                               "!_appName.empty() && !_company.empty()");
+        debug::assertionFailed("src/Core/Settings", 12, "!_appName.empty() && !_company.empty()");
 }
 
 Settings::~Settings() = default;

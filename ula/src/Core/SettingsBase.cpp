@@ -9,8 +9,7 @@ namespace {
 
 void checkNames(const FastString& groupName, const FastString& key, int line) {
     if (groupName.empty() || key.empty())
-        debug::assertionFailed("src/Core/SettingsBase", line,
-                               "!groupName.empty() && !key.empty()");
+        debug::assertionFailed("src/Core/SettingsBase", line, "!groupName.empty() && !key.empty()");
 }
 
 }  // namespace
@@ -60,8 +59,7 @@ const SettingsBase::Setting* SettingsBase::findOfType(const FastString& groupNam
 }
 
 template <class Value>
-SettingsBase::Setting SettingsBase::storeDefault(const FastString& groupName,
-                                                 const FastString& key,
+SettingsBase::Setting SettingsBase::storeDefault(const FastString& groupName, const FastString& key,
                                                  const Value& defaultValue) {
     Setting setting(defaultValue);
     setGeneric(groupName, key, setting);

@@ -22,7 +22,8 @@ constexpr const char* kSource = "src/Core/SettingsXML";
 }  // namespace
 
 SettingsXML::SettingsXML(const FastString& appName, const FastString& company, bool writeOnDestroy)
-    : Settings(appName, company), _writeOnDestroy(writeOnDestroy) {}
+    : Settings(appName, company), _writeOnDestroy(writeOnDestroy) {
+}
 
 SettingsXML::SettingsXML(const FastString& appName, const FastString& company,
                          const FastString& filePath, bool writeOnDestroy)

@@ -29,9 +29,7 @@ public:
     explicit QuickReader(const xml::XmlText& text)
         : _text(text), _next(text.bytes), _end(text.bytes + text.length) {}
 
-    bool read() {
-        return skipDeclaration() && take("<settings>") && readGroups() && atEnd();
-    }
+    bool read() { return skipDeclaration() && take("<settings>") && readGroups() && atEnd(); }
     void mergeInto(SettingsBase::GroupMap& settings) {
         for (Group& group : _groups)
             settings.insert_or_assign(group.name, std::move(group.keys));
@@ -58,8 +56,8 @@ private:
         return _next == _end;
     }
     void skipBlanks() {
-        while (_next < _end && (*_next == '\n' || *_next == '\t' || *_next == ' ' ||
-                                *_next == '\r'))
+        while (_next < _end &&
+               (*_next == '\n' || *_next == '\t' || *_next == ' ' || *_next == '\r'))
             ++_next;
     }
     /// Goes past `markup` if it stands here.

@@ -53,8 +53,7 @@ void writeKey(const FastString& name, const SettingsBase::Setting& setting,
         output.append("\n\t\t</key>");
 }
 
-void writeGroup(const FastString& name, const SettingsBase::KeyMap& keys,
-                xml::XmlOutput& output) {
+void writeGroup(const FastString& name, const SettingsBase::KeyMap& keys, xml::XmlOutput& output) {
     output.append("\n\t<group name=\"");
     output.appendValue("name", name);
     output.append(keys.empty() ? "\"/>" : "\">");
