@@ -1,0 +1,109 @@
+// SPDX-License-Identifier: MIT
+#include "tests/tool/ToolProcess.h"
+
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <fcntl.h>
+#include <memory>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace tav::test {
+
+namespace {
+
+using File = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
+
+File temporaryFile(const std::string& text = {}) {
+    File file(std::tmpfile(), std::fclose);
+    std::fwrite(text.data(), 1, text.size(), file.get());
+    std::fflush(file.get());
+    lseek(fileno(file.get()), 0, SEEK_SET);
+    return file;
+}
+
+std::string readAll(int descriptor) {
+    std::string text;
+    std::array<char, 4096> piece;
+    // A terminal whose other end is closed gives an error instead of an end.
+    for (ssize_t count; (count = read(descriptor, piece.data(), piece.size())) > 0;)
+        text.append(piece.data(), static_cast<std::size_t>(count));
+    return text;
+}
+
+std::string contentOf(const File& file) {
+    lseek(fileno(file.get()), 0, SEEK_SET);
+    return readAll(fileno(file.get()));
+}
+
+[[noreturn]] void become(const std::string& folder, const std::vector<std::string>& arguments,
+                         std::array<int, 3> streams) {
+    std::vector<char*> words = {const_cast<char*>("ula")};
+    for (const std::string& argument : arguments)
+        words.push_back(const_cast<char*>(argument.c_str()));
+    words.push_back(nullptr);
+    for (int i = 0; i < 3; ++i)
+        dup2(streams[static_cast<std::size_t>(i)], i);
+    setenv("TERM", "xterm", 1);
+    if (chdir(folder.c_str()) == 0)
+        execv(ULA_TOOL_PATH, words.data());
+    _exit(127);
+}
+
+pid_t start(const std::string& folder, const std::vector<std::string>& arguments,
+            std::array<int, 3> streams) {
+    const pid_t process = fork();
+    if (process == 0)
+        become(folder, arguments, streams);
+    return process;
+}
+
+int waitFor(pid_t process) {
+    int status = 0;
+    waitpid(process, &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
+}
+
+}  // namespace
+
+ToolResult runTool(const std::string& folder, const std::vector<std::string>& arguments,
+                   const std::string& input, const std::string& outputPath) {
+    const File in = temporaryFile(input);
+    const File out = outputPath.empty() ? temporaryFile()
+                                        : File(std::fopen(outputPath.c_str(), "wb"), std::fclose);
+    const File err = temporaryFile();
+    const pid_t process =
+        start(folder, arguments, {fileno(in.get()), fileno(out.get()), fileno(err.get())});
+    ToolResult result;
+    result.code = waitFor(process);
+    result.output = outputPath.empty() ? contentOf(out) : "";
+    result.errors = contentOf(err);
+    return result;
+}
+
+ToolResult runToolOnTerminal(const std::string& folder, const std::vector<std::string>& arguments) {
+    const int screen = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
+    grantpt(screen);
+    unlockpt(screen);
+    const int terminal = open(ptsname(screen), O_RDWR | O_NOCTTY | O_CLOEXEC);
+    const File in = temporaryFile();
+    const File out = temporaryFile();
+    const pid_t process = start(folder, arguments, {fileno(in.get()), fileno(out.get()), terminal});
+    close(terminal);
+    ToolResult result;
+    result.errors = readAll(screen);
+    result.code = waitFor(process);
+    result.output = contentOf(out);
+    close(screen);
+    return result;
+}
+
+void expectResult(const ToolResult& result, int code, const std::string& output,
+                  const std::string& errors) {
+    EXPECT_EQ(result.output, output);
+    EXPECT_EQ(result.errors, errors);
+    EXPECT_EQ(result.code, code);
+}
+
+}  // namespace tav::test

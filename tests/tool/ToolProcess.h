@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "tests/support/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+#include <string>
+#include <vector>
+
+namespace tav::test {
+
+struct ToolResult {
+    std::string output;
+    std::string errors;
+    int code = -1;  ///< negative: minus the signal that ended it
+};
+
+/// Runs the built tool in `folder` and waits for its end. `outputPath`, if given, is opened as its
+/// standard output.
+ToolResult runTool(const std::string& folder, const std::vector<std::string>& arguments,
+                   const std::string& input = {}, const std::string& outputPath = {});
+/// The same with standard error on a terminal; what that showed is in `errors`.
+ToolResult runToolOnTerminal(const std::string& folder, const std::vector<std::string>& arguments);
+
+/// Tests that run the tool in a folder of their own.
+class ToolTest : public testing::Test {
+protected:
+    ToolResult run(const std::vector<std::string>& arguments, const std::string& input = {}) {
+        return runTool(folder.path().string(), arguments, input);
+    }
+    /// `ula settings FILE …`
+    ToolResult settings(std::vector<std::string> arguments, const std::string& input = {}) {
+        arguments.insert(arguments.begin(), "settings");
+        return run(arguments, input);
+    }
+    void write(const std::string& name, const std::string& text) { writeFile(folder / name, text); }
+    std::string read(const std::string& name) { return readFile(folder / name); }
+
+    TemporaryFolder folder;
+};
+
+/// Fails unless the tool said exactly this.
+void expectResult(const ToolResult& result, int code, const std::string& output,
+                  const std::string& errors);
+
+}  // namespace tav::test

@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace tav::tool {
+
+/// The text with everything that could steer a terminal, or is no UTF-8, written as an escape.
+std::string displayText(std::string_view text);
+/// The same between double quotes, quotes and backslashes escaped.
+std::string quotedText(std::string_view text);
+
+/// The columns that a text made by `displayText` takes on a terminal.
+std::size_t displayWidth(std::string_view text);
+/// The text, cut to `width` columns with "…" at its end when it takes more.
+std::string cutToWidth(const std::string& text, std::size_t width);
+/// The text with blanks up to `width` columns; at least one blank.
+std::string padded(const std::string& text, std::size_t width);
+
+}  // namespace tav::tool

@@ -1,0 +1,191 @@
+// SPDX-License-Identifier: MIT
+#include "tools/ula/SettingsCommand.h"
+
+#include "tools/ula/SettingsCommands.h"
+
+#include <CLI/CLI.hpp>
+#include <memory>
+
+namespace tav::tool {
+
+namespace {
+
+constexpr const char* kSettingsHelp = R"(Examples:
+  ula settings photo.xml list                         every group and key (also without list)
+  ula settings photo.xml get Window Width             one value, bare
+  ula settings photo.xml set Window Width 1280        an int, as it was before
+  ula settings photo.xml set Export Folders a b c     several values: a string array
+  ula settings photo.xml set Import Eject yes --type bool
+  ula settings photo.xml set Import Offset -- -text   values that begin with -
+  ula settings photo.xml unset Window Width
+  ula settings photo.xml export > photo.json
+  ula settings photo.xml import photo.json --backup   keeps photo.xml.bak
+  ula settings photo.xml diff other.xml && echo same
+
+Exit codes:
+  0  done                     3  a file cannot be read, or is not there
+  1  different, or not there  4  a file cannot be written; it is as it was
+  2  wrong usage)";
+
+constexpr const char* kSetHelp = R"(The type of a new key, unless --type says it:
+  several VALUEs      string_array
+  true, false         bool
+  12, -3              int
+  2.5, 1e-3           double
+  anything else       string (so are 007, +1, nan, yes)
+A key that exists keeps its type, and a VALUE that does not fit it is refused.
+For a bool yes, no, on, off, 1 and 0 will do; for a double nan and inf.
+
+Examples:
+  ula settings photo.xml set Window Title "My photographs"
+  ula settings photo.xml set Keywords Favourites --type string_array Été
+  ula settings photo.xml set Recent Folders --json '["/photos", "/old, odd"]'
+  ula settings photo.xml set Metadata Gamma --json '{"type":"double","value":2}'
+FILE is made if there is none.)";
+
+constexpr const char* kImportHelp =
+    R"(The keys of SOURCE are added to those of FILE; where both have one, SOURCE wins.
+The JSON is what export writes:
+  {"version": 1, "groups": {"Window": {"Width": {"type": "int", "value": 1280}}}}
+Types: int, bool, double (also "nan", "inf", "-inf"), string, string_array.
+SOURCE is checked first: with a mistake in it nothing is changed. FILE is made if
+there is none.
+
+Examples:
+  ula settings photo.xml import photo.json
+  ula settings old.xml export | ula settings new.xml import - --replace)";
+
+/// Shared by the verbs: where the file's name will be, and where the exit code is wanted.
+struct Target {
+    CLI::App* settings;
+    std::shared_ptr<std::string> file;
+    ExitCode* result;
+};
+
+CLI::Option* addText(CLI::App* verb, const char* name, std::string& text, const char* help) {
+    return verb->add_option(name, text, help)->transform(&unprotectArgument);
+}
+
+/// A verb with options of its own that live as long as the program.
+template <class Options>
+CLI::App* addVerb(const Target& target, const char* name, const char* help,
+                  const std::shared_ptr<Options>& options,
+                  ExitCode (*run)(const std::string&, const Options&)) {
+    CLI::App* verb = target.settings->add_subcommand(name, help);
+    verb->callback([target, options, run] { *target.result = run(*target.file, *options); });
+    return verb;
+}
+
+void addBackup(CLI::App* verb, bool& keepBackup) {
+    verb->add_flag("--backup", keepBackup, "Keep the file as it was as FILE.bak");
+}
+
+void addList(const Target& target) {
+    auto options = std::make_shared<ListOptions>();
+    CLI::App* verb =
+        addVerb(target, "list", "Show groups, keys, types and values", options, runList);
+    addText(verb, "GROUP", options->group, "Only this group")->each([options](const std::string&) {
+        options->hasGroup = true;
+    });
+    verb->add_flag("--json", options->asJson, "As JSON, as export writes it");
+}
+
+void addGet(const Target& target) {
+    auto options = std::make_shared<GetOptions>();
+    CLI::App* verb = addVerb(
+        target, "get", "Print one value, bare; a string array one entry per line", options, runGet);
+    addText(verb, "GROUP", options->group, "The group")->required();
+    addText(verb, "KEY", options->key, "The key")->required();
+    addText(verb, "--default", options->fallback, "Printed, not stored, when there is no such key")
+        ->each([options](const std::string&) { options->hasFallback = true; })
+        ->type_name("VALUE");
+    verb->add_flag("--json", options->asJson, "With its type, as JSON");
+}
+
+void addSet(const Target& target) {
+    auto options = std::make_shared<SetOptions>();
+    CLI::App* verb = addVerb(target, "set", "Store a value", options, runSet);
+    addText(verb, "GROUP", options->group, "The group")->required();
+    addText(verb, "KEY", options->key, "The key")->required();
+    verb->add_option("VALUE", options->values, "The value; several for a string array")
+        ->transform(&unprotectArgument);
+    verb->add_option("--type", options->type, "int, bool, double, string or string_array")
+        ->check(CLI::IsMember({"int", "bool", "double", "string", "string_array"}))
+        ->type_name("TYPE");
+    verb->add_flag("--json", options->asJson, "VALUE is JSON, bare or with its type");
+    addBackup(verb, options->keepBackup);
+    verb->footer(kSetHelp);
+}
+
+void addUnset(const Target& target) {
+    auto options = std::make_shared<UnsetOptions>();
+    CLI::App* verb =
+        addVerb(target, "unset", "Remove a key, or a group; a group goes with its last key",
+                options, runUnset);
+    addText(verb, "GROUP", options->group, "The group")->required();
+    addText(verb, "KEY", options->key, "The key; without it the whole group goes")
+        ->each([options](const std::string&) { options->hasKey = true; });
+    addBackup(verb, options->keepBackup);
+}
+
+void addImport(const Target& target) {
+    auto options = std::make_shared<ImportOptions>();
+    CLI::App* verb = addVerb(target, "import", "Add the keys of a JSON file", options, runImport);
+    addText(verb, "SOURCE", options->source, "A JSON file, or - for standard input")->required();
+    verb->add_flag("--replace", options->replaceGroups,
+                   "Groups of SOURCE replace those of FILE whole");
+    verb->add_flag("--json", "SOURCE is JSON, as it always is");
+    addBackup(verb, options->keepBackup);
+    verb->footer(kImportHelp);
+}
+
+void addExport(const Target& target) {
+    auto options = std::make_shared<ExportOptions>();
+    CLI::App* verb = addVerb(target, "export", "Write everything as JSON", options, runExport);
+    addText(verb, "TARGET", options->target, "A file to write, or - for standard output");
+    verb->add_flag("--json", "Write JSON, as it always does");
+}
+
+void addDiff(const Target& target) {
+    auto options = std::make_shared<DiffOptions>();
+    CLI::App* verb =
+        addVerb(target, "diff", "Show what differs from another file; exit code 1 if anything does",
+                options, runDiff);
+    addText(verb, "OTHER", options->other, "The other settings file")->required();
+    verb->add_flag("-q,--quiet", options->isQuiet, "Only the exit code");
+}
+
+}  // namespace
+
+std::string protectArgument(const std::string& argument) {
+    const bool isOdd = !argument.empty() && (argument[0] == '[' || argument[0] == '{');
+    return isOdd ? argument + '\1' : argument;
+}
+
+std::string unprotectArgument(const std::string& argument) {
+    const bool isOdd = !argument.empty() && (argument[0] == '[' || argument[0] == '{');
+    return isOdd && argument.back() == '\1' ? argument.substr(0, argument.size() - 1) : argument;
+}
+
+void addSettingsCommand(CLI::App& program, ExitCode& result) {
+    CLI::App* settings =
+        program.add_subcommand("settings", "Look at and change a settings file (XML)");
+    const Target target{settings, std::make_shared<std::string>(), &result};
+    addText(settings, "FILE", *target.file, "The settings file")->required();
+    addList(target);
+    addGet(target);
+    addSet(target);
+    addUnset(target);
+    addImport(target);
+    addExport(target);
+    addDiff(target);
+    // At most one, so that a value may be spelt like a verb.
+    settings->require_subcommand(0, 1);
+    settings->callback([target] {
+        if (target.settings->get_subcommands().empty())
+            *target.result = runList(*target.file, {});
+    });
+    settings->footer(kSettingsHelp);
+}
+
+}  // namespace tav::tool

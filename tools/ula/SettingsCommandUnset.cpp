@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: MIT
+#include "tools/ula/SettingsCommands.h"
+#include "tools/ula/SettingsStore.h"
+
+namespace tav::tool {
+
+namespace {
+
+bool removeKey(GroupMap& groups, const FastString& group, const FastString& key) {
+    const auto keys = groups.find(group);
+    if (keys == groups.end() || keys->second.erase(key) == 0)
+        return false;
+    // A group comes with its first key, so it goes with its last.
+    if (keys->second.empty())
+        groups.erase(keys);
+    return true;
+}
+
+}  // namespace
+
+ExitCode runUnset(const std::string& file, const UnsetOptions& options) {
+    readStore(file);  // for its message when there is no file
+    const auto store = openStore(file);
+    const FastString group(options.group);
+    const bool isRemoved = options.hasKey
+                               ? removeKey(store->groups(), group, FastString(options.key))
+                               : store->groups().erase(group) != 0;
+    if (!isRemoved) {
+        const std::string key = options.hasKey ? "key \"" + options.key + "\" in " : std::string();
+        throw CommandError{ExitDiffers,
+                           file + ": there is no " + key + "group \"" + options.group + "\"",
+                           "'ula settings FILE list' shows what there is"};
+    }
+    writeStore(*store, file, options.keepBackup);
+    return ExitOk;
+}
+
+}  // namespace tav::tool

@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: MIT
+#include "tools/ula/StandardOutput.h"
+
+#include "tools/ula/CommandError.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
+namespace tav::tool {
+
+namespace {
+
+[[noreturn]] void fail() {
+    throw CommandError{ExitCannotWrite,
+                       std::string("cannot write standard output: ") + std::strerror(errno)};
+}
+
+}  // namespace
+
+void print(std::string_view text) {
+    if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size())
+        fail();
+}
+
+void finishOutput() {
+    if (std::fflush(stdout) != 0 || std::ferror(stdout))
+        fail();
+}
+
+}  // namespace tav::tool

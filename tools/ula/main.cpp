@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: MIT
+#include "tools/ula/DisplayText.h"
+#include "tools/ula/SettingsCommand.h"
+#include "tools/ula/StandardOutput.h"
+#include "tools/ula/Warnings.h"
+
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <new>
+
+namespace {
+
+using namespace tav::tool;
+
+constexpr const char* kHelp = R"(Examples:
+  ula settings photo.xml list
+  ula settings photo.xml set Window Width 1280
+  ula settings --help      all about settings files
+  ula settings x set --help    all about storing values
+
+Exit codes: 0 done; 1 different, or not there; 2 wrong usage;
+3 a file cannot be read; 4 a file cannot be written.)";
+
+ExitCode tell(const CommandError& error) {
+    std::fflush(stdout);
+    std::fprintf(stderr, "ula: %s\n", displayText(error.message).c_str());
+    if (!error.hint.empty())
+        std::fprintf(stderr, "     %s\n", displayText(error.hint).c_str());
+    return error.code;
+}
+
+std::string hintFor(const std::string& message) {
+    if (message.find("not expected: -") != std::string::npos)
+        return "put -- before values that begin with -, or see 'ula settings --help'";
+    return "'ula --help' and 'ula settings --help' show how";
+}
+
+ExitCode run(CLI::App& program, const std::vector<std::string>& arguments, const ExitCode& result) {
+    try {
+        program.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
+    } catch (const CLI::Success& success) {
+        program.exit(success);  // help and version
+    } catch (const CLI::ParseError& error) {
+        return tell({ExitUsage, error.what(), hintFor(error.what())});
+    }
+    finishOutput();
+    return result;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    silenceLog();
+    CLI::App program("ula: services of the desktop, from the command line", "ula");
+    program.set_version_flag("--version", "ula " ULA_VERSION);
+    program.require_subcommand(1);
+    program.footer(kHelp);
+    ExitCode result = ExitOk;
+    addSettingsCommand(program, result);
+    std::vector<std::string> arguments;
+    for (int i = 1; i < argc; ++i)
+        arguments.push_back(protectArgument(argv[i]));
+    try {
+        return run(program, arguments, result);
+    } catch (const CommandError& error) {
+        return tell(error);
+    } catch (const std::bad_alloc&) {
+        return tell({ExitCannotRead, "there is not enough memory for this file"});
+    }
+}
