@@ -121,11 +121,11 @@ public:
 private:
     class SlotNode : public detail::SlotBase {
     public:
-        explicit SlotNode(Slot function) : _function(std::move(function)) {}
-        void call(Args... args) const {
-            if (_function)
-                _function(args...);
+        explicit SlotNode(Slot function) : _function(std::move(function)) {
+            if (!_function)
+                _function = [](Args...) {};
         }
+        void call(Args&... args) const { _function(args...); }
 
     private:
         Slot _function;
@@ -162,18 +162,17 @@ private:
 
         void call(Args&... args) {
             const Pin pin(*this);
-            for (const auto& slot : *_slots.load()) {
-                if (_closed.load(std::memory_order_relaxed))
-                    return;
+            for (const auto& slot : *_slots.load())
                 if (slot->isConnected())
                     slot->call(args...);
-            }
         }
 
         /// The signal is going: running emissions end after the slot they are in, and the last of
         /// them keeps `self` until then.
         void close(const std::shared_ptr<SlotList>& self) {
             _closed.store(true, std::memory_order_relaxed);
+            for (const auto& slot : *_slots.load())
+                slot->end();
             {
                 thread::ScopedLock lock(_mutex);
                 if (_pins.load() > 1)
