@@ -48,6 +48,10 @@ inline int compareSignedBytes(const char* left, std::size_t leftLength, const ch
                               std::size_t rightLength) {
     const std::size_t length = std::min(leftLength, rightLength);
     std::size_t done = 0;
+    // Names in a map share long beginnings; equality of a fixed size is a few vector instructions.
+    constexpr std::size_t kStride = 32;
+    while (done + kStride <= length && std::memcmp(left + done, right + done, kStride) == 0)
+        done += kStride;
     for (; done + 8 <= length; done += 8) {
         const auto a = loadWord<std::uint64_t>(left + done);
         const auto b = loadWord<std::uint64_t>(right + done);
