@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <ula/foundation/text/NumberConversion.h>
 
 namespace demo {
 
@@ -23,14 +24,14 @@ public:
         addByte(0xFF);  // in no UTF-8 text: keeps "ab", "c" from being "a", "bc"
     }
     void add(const SettingsBase::Setting& setting) {
-        add(std::to_string(setting.type()));
+        add(std::string_view(std::to_string(setting.type())));
         switch (setting.type()) {
         case SETTINGSTYPE_INT:
-            return add(std::to_string(setting.asInt()));
+            return add(std::string_view(std::to_string(setting.asInt())));
         case SETTINGSTYPE_BOOL:
-            return add(setting.asBool() ? "1" : "0");
+            return add(std::string_view(setting.asBool() ? "1" : "0"));
         case SETTINGSTYPE_DOUBLE:
-            return add(std::to_string(setting.asDouble()));
+            return add(tav::text::dtostr(setting.asDouble()).view());
         case SETTINGSTYPE_STRING:
             return add(setting.asString().view());
         default:
