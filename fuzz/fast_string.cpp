@@ -26,6 +26,10 @@ int referenceOrder(const std::string& left, const std::string& right) {
     return left.size() < right.size() ? -1 : left.size() > right.size() ? 1 : 0;
 }
 
+int signOf(int number) {
+    return number < 0 ? -1 : number > 0 ? 1 : 0;
+}
+
 class Input {
 public:
     Input(const std::uint8_t* data, std::size_t size) : _next(data), _end(data + size) {}
@@ -49,7 +53,7 @@ public:
         const std::uint8_t operation = input.byte();
         const std::size_t to = input.byte() % kStrings;
         const std::size_t from = input.byte() % kStrings;
-        switch (operation % 8) {
+        switch (operation % 10) {
         case 0:
             return set(to, input.bytes(input.byte()));
         case 1:
@@ -66,6 +70,10 @@ public:
             return find(from, static_cast<char>(input.byte()), input.byte());
         case 6:
             return append(to, from);
+        case 7:
+            return findText(to, from, input.byte());
+        case 8:
+            return compareText(to, from);
         default:
             return compare(to, from);
         }
@@ -110,6 +118,19 @@ private:
         expect(place ==
                (offset > _models[from].size() ? String::npos : _models[from].find(byte, offset)));
     }
+    void findText(std::size_t to, std::size_t from, std::size_t offset) {
+        const char* const text = _models[to].c_str();
+        const std::size_t place = _strings[from].find(text, offset);
+        expect(place ==
+               (offset > _models[from].size() ? String::npos : _models[from].find(text, offset)));
+    }
+    /// A zero-terminated text ends at the first zero of the model.
+    void compareText(std::size_t left, std::size_t right) {
+        const char* const text = _models[right].c_str();
+        const int order = referenceOrder(_models[left], text);
+        expect(signOf(_strings[left].compare(text)) == order);
+        expect((_strings[left] == text) == (order == 0));
+    }
     void append(std::size_t to, std::size_t from) {
         if (_models[to].size() + _models[from].size() > 4096)
             return;
@@ -117,8 +138,10 @@ private:
         _models[to] += _models[from];
     }
     void compare(std::size_t left, std::size_t right) {
-        expect(_strings[left].compare(_strings[right]) ==
-               referenceOrder(_models[left], _models[right]));
+        const int order = referenceOrder(_models[left], _models[right]);
+        expect(signOf(_strings[left].compare(_strings[right])) == order);
+        expect((_strings[left] < _strings[right]) == (order < 0));
+        expect((_strings[left] >= _strings[right]) == (order >= 0));
         const bool equal = _models[left] == _models[right];
         expect((_strings[left] == _strings[right]) == equal);
         if (equal)
