@@ -156,7 +156,7 @@ TEST_F(DurableFileTest, TheLongestNameIsReplacedToo) {
 
 TEST_F(DurableFileTest, LeftoversOfAKilledProcessAreRemoved) {
     writeFile(path, "old");
-    writeFile(folder / ".file.ula-new", "half");
+    writeFile(folder / ".file.ula-new-1-1", "half");
     writeFile(folder / ".file.ula-old", "older");
     EXPECT_TRUE(replace(path, "new"));
     EXPECT_EQ(readFile(path), "new");

@@ -8,8 +8,10 @@
 #include <climits>
 #include <cstdint>
 #include <cstring>
+#include <dirent.h>
 #include <fcntl.h>
 #include <functional>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
 
@@ -20,6 +22,7 @@ namespace {
 constexpr int kMostLinks = 40;
 /// How often a hidden name may be taken from us by others who save the same file just now.
 constexpr int kMostCollisions = 1000;
+constexpr const char* kNewPurpose = "new-";
 constexpr const char* kAccessList = "system.posix_acl_access";
 
 /// The path behind a chain of symbolic links; the last one may name nothing. Fails: errno.
@@ -41,13 +44,14 @@ bool followLinks(std::string& path) {
 }
 
 /// ".LEAF.ula-PURPOSE", with a hash in place of the end of a name that is too long for that. The
-/// same for every save of a file, so that what a killed process left is found again.
+/// same begin for every save of a file, so that what a killed process left is found again.
 std::string hiddenName(const std::string& leaf, const char* purpose) {
+    constexpr std::size_t kRoomForNumbers = 40;
     const std::string suffix = std::string(".ula-") + purpose;
     std::string name = leaf;
-    if (1 + name.size() + suffix.size() > NAME_MAX) {
+    if (1 + name.size() + suffix.size() + kRoomForNumbers > NAME_MAX) {
         const std::size_t hash = std::hash<std::string_view>()(leaf);
-        name = name.substr(0, 180) + "." + std::to_string(hash);
+        name = name.substr(0, 160) + "." + std::to_string(hash);
     }
     return "." + name + suffix;
 }
@@ -83,7 +87,21 @@ private:
     bool linkOldFile(const std::string& name);
     bool putInPlace();
     void putBack();
+    void removeLeftovers();
+    void removeIfAbandoned(const char* name);
     void removeTraces();
+
+    /// Tells others that this saver lives; where there are no locks, nothing can be told. Waits
+    /// for one who is just looking whether it does.
+    static void lock(const Descriptor& file) {
+        retryInterrupted([&] { return flock(file.get(), LOCK_EX); });
+    }
+    /// The hidden name of the new file, this saver's alone.
+    std::string ownName() const {
+        const auto serial = reinterpret_cast<std::uintptr_t>(this);
+        return hiddenName(_leaf, kNewPurpose) + std::to_string(getpid()) + "-" +
+               std::to_string(serial);
+    }
 
     bool fail(const char* what, int errorNumber) {
         _error = std::string(what) + " \"" + _path + "\": " + std::strerror(errorNumber);
@@ -148,8 +166,10 @@ bool DurableFile::Replacement::createNewFile() {
     _file = Descriptor(retryInterrupted(
         [&] { return openat(_folder.get(), ".", O_TMPFILE | O_WRONLY | O_CLOEXEC, mode); }));
     // A file without a name gets one through /proc.
-    if (_file && access("/proc/self/fd", X_OK) == 0)
+    if (_file && access("/proc/self/fd", X_OK) == 0) {
+        lock(_file);
         return true;
+    }
     if (!_file && errno != EOPNOTSUPP && errno != EISDIR && errno != EINVAL)
         return false;
 
@@ -157,20 +177,28 @@ bool DurableFile::Replacement::createNewFile() {
     return createNamedFile(mode);
 }
 
-/// For file systems without unnamed files. The name is this saver's alone, for its bytes are still
-/// to come; what is found under it is of a dead process that had the same number.
+/// For file systems without unnamed files. Until it is locked, whoever clears up after dead savers
+/// may take it for a leftover; then another one is made.
 bool DurableFile::Replacement::createNamedFile(mode_t mode) {
-    const auto serial = reinterpret_cast<std::uintptr_t>(this);
-    const std::string purpose = "new-" + std::to_string(getpid()) + "-" + std::to_string(serial);
-    const std::string name = hiddenName(_leaf, purpose.c_str());
-    removeHidden(name);
-    _file = Descriptor(retryInterrupted([&] {
-        return openat(_folder.get(), name.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, mode);
-    }));
-    if (!_file)
-        return false;
-    _newName = name;
-    return true;
+    const std::string name = ownName();
+    for (int i = 0; i < kMostCollisions; ++i) {
+        removeHidden(name);
+        _file = Descriptor(retryInterrupted([&] {
+            return openat(_folder.get(), name.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC,
+                          mode);
+        }));
+        if (!_file)
+            return false;
+        _newName = name;
+        lock(_file);
+        struct stat facts {};
+        if (fstat(_file.get(), &facts) != 0)
+            return false;
+        if (facts.st_nlink != 0)
+            return true;
+    }
+    errno = EEXIST;
+    return false;
 }
 
 bool DurableFile::Replacement::copyPermissions() {
@@ -199,8 +227,8 @@ bool DurableFile::Replacement::write(std::string_view bytes) {
     while (!_failed && !bytes.empty()) {
         const ssize_t written =
             retryInterrupted([&] { return ::write(_file.get(), bytes.data(), bytes.size()); });
-        if (written < 0)
-            _failed = !fail("cannot write", errno);
+        if (written <= 0)
+            _failed = !fail("cannot write", written < 0 ? errno : EIO);
         else
             bytes.remove_prefix(static_cast<std::size_t>(written));
     }
@@ -223,6 +251,7 @@ bool DurableFile::Replacement::replace() {
         errno = reason;
         return false;
     }
+    removeLeftovers();
     return true;
 }
 
@@ -250,7 +279,7 @@ bool DurableFile::Replacement::nameNewFile() {
     if (!_isUnnamed)
         return true;
     const std::string handle = "/proc/self/fd/" + std::to_string(_file.get());
-    const std::string name = hiddenName(_leaf, "new");
+    const std::string name = ownName();
     if (!link(AT_FDCWD, handle.c_str(), name, AT_SYMLINK_FOLLOW))
         return false;
     _newName = name;
@@ -305,16 +334,10 @@ bool DurableFile::Replacement::copyOldFile() {
 }
 
 bool DurableFile::Replacement::putInPlace() {
-    for (int i = 0; i < kMostCollisions; ++i) {
-        if (renameat(_folder.get(), _newName.c_str(), _folder.get(), _leaf.c_str()) == 0) {
-            _newName.clear();
-            return true;
-        }
-        // Somebody who saves the same file put ours in place, or removed it as a leftover.
-        if (errno != ENOENT || !_isUnnamed || !nameNewFile())
-            return false;
-    }
-    return false;
+    if (renameat(_folder.get(), _newName.c_str(), _folder.get(), _leaf.c_str()) != 0)
+        return false;
+    _newName.clear();
+    return true;
 }
 
 void DurableFile::Replacement::putBack() {
@@ -323,6 +346,36 @@ void DurableFile::Replacement::putBack() {
         _oldName.clear();
     else if (!_hasOld)
         unlinkat(_folder.get(), _leaf.c_str(), 0);
+}
+
+/// What savers of this file left behind when they were killed: hidden files that nobody holds a
+/// lock on. Failing to remove one is no failure of the save.
+void DurableFile::Replacement::removeLeftovers() {
+    const std::string prefix = hiddenName(_leaf, kNewPurpose);
+    const int copy = fcntl(_folder.get(), F_DUPFD_CLOEXEC, 0);
+    DIR* entries = copy >= 0 ? fdopendir(copy) : nullptr;
+    if (!entries) {
+        const Descriptor unused(copy);
+        return;
+    }
+    while (const dirent* entry = readdir(entries))
+        if (std::string_view(entry->d_name).starts_with(prefix))
+            removeIfAbandoned(entry->d_name);
+    closedir(entries);
+}
+
+void DurableFile::Replacement::removeIfAbandoned(const char* name) {
+    const Descriptor file(
+        openat(_folder.get(), name, O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    if (!file || flock(file.get(), LOCK_EX | LOCK_NB) != 0)
+        return;
+    // A saver that has just finished may have begun anew under the name.
+    struct stat locked {
+    }, named{};
+    if (fstat(file.get(), &locked) == 0 &&
+        fstatat(_folder.get(), name, &named, AT_SYMLINK_NOFOLLOW) == 0 &&
+        locked.st_ino == named.st_ino)
+        removeHidden(name);
 }
 
 void DurableFile::Replacement::removeTraces() {

@@ -14,7 +14,8 @@ struct DurableFileOptions {
     /// program) may lose the new file; the old or the new one is whole all the same.
     bool sync = true;
     /// Keeps the file that is replaced under this name in the same folder, replacing what had
-    /// the name; empty: not kept.
+    /// the name; empty: not kept. After a failure it may already be the file that is still in
+    /// place.
     std::string keepOldAs;
 };
 
@@ -28,7 +29,8 @@ struct DurableFileOptions {
 /// hidden file that a killed process left behind is removed by the next replacement.
 ///
 /// Several processes may replace the same path at once; each gets its turn and the last one
-/// stays.
+/// stays. The new file is locked (flock) while it has a hidden name, so that they can tell it from
+/// one that a dead process left.
 ///
 /// Thread: one thread uses one object.
 /// Fails: operations give false, `error()` says why, nothing has changed on disk and nothing is

@@ -2,6 +2,7 @@
 #include "ula/src/Core/UnreadableFile.h"
 
 #include "ula/foundation/filesystem/DurableFile.h"
+#include "ula/foundation/xml/XmlDocumentRapid.h"
 
 #include <algorithm>
 #include <ctime>
@@ -33,6 +34,8 @@ std::size_t readPiece(std::ifstream& file, std::vector<char>& piece) {
 
 bool haveSameBytes(const fs::path& left, const fs::path& right) {
     std::error_code ignored;
+    if (fs::equivalent(left, right, ignored))
+        return true;
     if (fs::file_size(left, ignored) != fs::file_size(right, ignored))
         return false;
     std::ifstream leftFile(left, std::ios::binary);
@@ -58,6 +61,16 @@ fs::path findCopy(const fs::path& path, const std::string& prefix) {
             haveSameBytes(path, entry->path()))
             return entry->path();
     return {};
+}
+
+/// A file that is too large to be read is too large to be copied while somebody waits: it gets a
+/// second name, which stays when the first one is replaced.
+bool linkLargeFile(const fs::path& from, const fs::path& to) {
+    std::error_code error;
+    if (fs::file_size(from, error) <= xml::XmlDocumentRapid::kLargestText)
+        return false;
+    fs::create_hard_link(from, to, error);
+    return !error;
 }
 
 bool copyDurably(const fs::path& from, const fs::path& to, std::string& reason) {
@@ -94,7 +107,7 @@ bool keepUnreadableFile(const FastString& path, std::string& result) {
     std::error_code ignored;
     for (int i = 2; fs::exists(fs::symlink_status(free, ignored)); ++i)
         free = name + "-" + std::to_string(i);
-    if (!copyDurably(original, free, result))
+    if (!linkLargeFile(original, free) && !copyDurably(original, free, result))
         return false;
     result = free;
     return true;
