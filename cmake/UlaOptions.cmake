@@ -15,6 +15,10 @@ set(CMAKE_CXX_VISIBILITY_PRESET hidden)
 set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 
+# An installed tree works wherever it stands.
+file(RELATIVE_PATH lib_from_bin /${CMAKE_INSTALL_BINDIR} /${CMAKE_INSTALL_LIBDIR})
+set(CMAKE_INSTALL_RPATH $ORIGIN $ORIGIN/${lib_from_bin})
+
 add_library(ula-flags INTERFACE)
 target_compile_options(ula-flags INTERFACE -Wall -Wextra -Wshadow -Wnon-virtual-dtor
                                            -Woverloaded-virtual -Wconversion -Wsign-conversion)
