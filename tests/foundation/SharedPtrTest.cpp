@@ -82,8 +82,9 @@ TEST_F(SharedPtrTest, LockRacesWithTheLastReleaseWithoutHarm) {
         SharedPtr<Counted> pointer(new Counted(alive));
         const WeakPtr<Counted> weak(pointer);
         std::thread locker([&weak, this] {
-            if (const SharedPtr<Counted> strong = weak.lock())
+            if (const SharedPtr<Counted> strong = weak.lock()) {
                 EXPECT_GT(strong->_alive, 0);
+            }
             static_cast<void>(this);
         });
         pointer.reset();

@@ -5,6 +5,7 @@
 
 #include <CLI/CLI.hpp>
 #include <memory>
+#include <string>
 
 namespace tav::tool {
 
@@ -134,7 +135,7 @@ void addImport(const Target& target) {
     addText(verb, "SOURCE", options->source, "A JSON file, or - for standard input")->required();
     verb->add_flag("--replace", options->replaceGroups,
                    "Groups of SOURCE replace those of FILE whole");
-    verb->add_flag("--json", "SOURCE is JSON, as it always is");
+    verb->add_flag("--json")->description("SOURCE is JSON, as it always is");
     addBackup(verb, options->keepBackup);
     verb->footer(kImportHelp);
 }
@@ -143,7 +144,7 @@ void addExport(const Target& target) {
     auto options = std::make_shared<ExportOptions>();
     CLI::App* verb = addVerb(target, "export", "Write everything as JSON", options, runExport);
     addText(verb, "TARGET", options->target, "A file to write, or - for standard output");
-    verb->add_flag("--json", "Write JSON, as it always does");
+    verb->add_flag("--json")->description("Write JSON, as it always does");
 }
 
 void addDiff(const Target& target) {
