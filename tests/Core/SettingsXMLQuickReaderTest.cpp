@@ -87,7 +87,7 @@ TEST_F(SettingsXMLQuickReaderTest, AnOrdinaryFileReadsTheSameBothWays) {
 }
 
 TEST_F(SettingsXMLQuickReaderTest, UnusualSpellingsReadTheSameBothWays) {
-    for (const char* text :
+    for (const char* spelling :
          {"<settings/>",
           "<settings></settings>",
           "<!-- Q & A --><settings/>",
@@ -119,7 +119,7 @@ TEST_F(SettingsXMLQuickReaderTest, UnusualSpellingsReadTheSameBothWays) {
           "<settings><group name=\"G\"><key name=\"b\" type=\"string_array\"/>"
           "<key name=\"a\" type=\"string_array\"/><key name=\"b\" type=\"string_array\"/></group>"
           "<group name=\"G\"><key name=\"z\" type=\"string_array\"/></group></settings>"})
-        expectSameBothWays(text);
+        expectSameBothWays(spelling);
 }
 
 TEST_F(SettingsXMLQuickReaderTest, EveryTruncationReadsTheSameBothWays) {
@@ -132,15 +132,15 @@ TEST_F(SettingsXMLQuickReaderTest, RandomDamageReadsTheSameBothWays) {
     std::mt19937 random(7);
     const std::string bytes = "<>/\"'&;#= \n\tx0\xC3\xA9";
     for (int round = 0; round < 3000; ++round) {
-        std::string text = kOrdinary;
-        for (unsigned changes = 1 + random() % 3; changes != 0; --changes) {
-            const std::size_t place = random() % text.size();
+        std::string damaged = kOrdinary;
+        for (std::size_t changes = 1 + random() % 3; changes != 0; --changes) {
+            const std::size_t place = random() % damaged.size();
             if (random() % 2 == 0)
-                text[place] = bytes[random() % bytes.size()];
+                damaged[place] = bytes[random() % bytes.size()];
             else
-                text.erase(place, 1 + random() % 4);
+                damaged.erase(place, 1 + random() % 4);
         }
-        expectSameBothWays(text);
+        expectSameBothWays(damaged);
     }
 }
 
