@@ -15,7 +15,7 @@ class DescriptorItem;
 ///
 /// The descriptor stays the caller's, must outlive this object and may be watched once per mode. In
 /// a forked child it is not watched any more, as what it delivers is for the parent.
-class RunLoopDescriptor {
+class __attribute__((visibility("default"))) RunLoopDescriptor {
 public:
     /// Gets what epoll_wait(2) reports. Thread: the run loop's, with no lock held.
     using Callback = std::function<void(std::uint32_t events)>;

@@ -20,6 +20,9 @@ public:
     /// at once, when there is nothing to wait for.
     virtual bool pass(CFStringRef mode, bool mayWait) = 0;
 
+    /// Calls the run loop's hostIsReady() right now, in the surroundings of a pass.
+    virtual void report(CFStringRef mode) = 0;
+
     /// Whether it has input of others than these descriptors in that mode.
     virtual bool hasInputBeside(std::span<const int> descriptors, CFStringRef mode) = 0;
 };

@@ -115,7 +115,10 @@ void RunLoop::setFireDate(Timer& timer, CFAbsoluteTime fireDate) {
 }
 
 void RunLoop::setHost(std::unique_ptr<HostLoop> host) {
-    _host = std::move(host);
+    {
+        std::lock_guard guard(_mutex);
+        _host = std::move(host);
+    }
     itemsChanged();
 }
 
@@ -154,7 +157,7 @@ bool RunLoop::step(Run& run, bool mayWait) {
     // Sources may be signalled without a wake-up, and then no descriptor tells of them.
     bool ready = hasSignalledSource(run.mode);
     if (ready)
-        serveFor(run, run.mode);
+        _host->report(run.mode);
     if (isOver(run))
         return true;
     bool passed = _host->pass(run.mode, mayWait && !ready);
@@ -169,7 +172,6 @@ RunLoop::Run* RunLoop::runBelowHost() const {
 }
 
 void RunLoop::hostIsReady(CFStringRef mode) {
-    bool triggered = std::exchange(_hostTriggered, false);
     Run* run = runBelowHost();
     if (run == nullptr) {
         // Somebody else runs the host: exceptions go through it to them.
@@ -177,8 +179,8 @@ void RunLoop::hostIsReady(CFStringRef mode) {
         return;
     }
     serveFor(*run, mode);
-    // The host ends its wait only for a descriptor.
-    if (triggered && isOver(*run))
+    // The host ends its wait only for a descriptor, and this report may have come without one.
+    if (run->hostTriggered && isOver(*run))
         wake();
 }
 
@@ -196,9 +198,12 @@ void RunLoop::serveFor(Run& run, CFStringRef mode) {
 }
 
 bool RunLoop::hostMayWait(CFStringRef mode) {
-    _hostTriggered = hasSignalledSource(mode);
-    _waiting.store(!_hostTriggered, std::memory_order_relaxed);
-    return !_hostTriggered;
+    bool ready = hasSignalledSource(mode);
+    Run* run = runBelowHost();
+    if (ready && run != nullptr)
+        run->hostTriggered = true;
+    _waiting.store(!ready, std::memory_order_relaxed);
+    return !ready;
 }
 
 bool RunLoop::isStopped(const Run& run) const {

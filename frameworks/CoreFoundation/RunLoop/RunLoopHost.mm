@@ -69,7 +69,7 @@ bool isApplication() {
 class RunLoopHost final : public HostLoop {
   public:
     explicit RunLoopHost(RunLoop& loop)
-        : _loop([NSRunLoop currentRunLoop]), _isMain([NSThread isMainThread]),
+        : _runLoop(loop), _loop([NSRunLoop currentRunLoop]), _isMain([NSThread isMainThread]),
           _watcher([[ULARunLoopWatcher alloc] initWithLoop:&loop host:_loop]) {}
     ~RunLoopHost() override {
         [_watcher forgetLoop];
@@ -80,9 +80,11 @@ class RunLoopHost final : public HostLoop {
 
     void watch(int descriptor, CFStringRef mode) override;
     bool pass(CFStringRef mode, bool mayWait) override;
+    void report(CFStringRef mode) override;
     bool hasInputBeside(std::span<const int> descriptors, CFStringRef mode) override;
 
   private:
+    RunLoop& _runLoop;
     NSRunLoop* _loop;
     bool _isMain;
     ULARunLoopWatcher* _watcher;
@@ -101,6 +103,11 @@ bool RunLoopHost::pass(CFStringRef mode, bool mayWait) {
     AutoreleasePool pool;
     NSDate* limit = mayWait ? [NSDate distantFuture] : [NSDate distantPast];
     return [_loop runMode:text(mode) beforeDate:limit];
+}
+
+void RunLoopHost::report(CFStringRef mode) {
+    AutoreleasePool pool;
+    _runLoop.hostIsReady(mode);
 }
 
 bool RunLoopHost::hasInputBeside(std::span<const int> descriptors, CFStringRef mode) {
