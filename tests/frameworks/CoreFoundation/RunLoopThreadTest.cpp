@@ -36,6 +36,7 @@ public:
     ~LoopThread() {
         if (_thread.joinable())
             end();
+        CFRelease(_loop);
     }
     LoopThread(const LoopThread&) = delete;
     LoopThread& operator=(const LoopThread&) = delete;
@@ -51,7 +52,9 @@ private:
         _source.add();
         {
             std::lock_guard guard(_mutex);
+            // Waking it from outside may come after its thread has ended.
             _loop = CFRunLoopGetCurrent();
+            CFRetain(_loop);
         }
         _condition.notify_all();
         CFRunLoopRun();
