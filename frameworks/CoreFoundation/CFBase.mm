@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: MIT
+#include "AutoreleasePool.h"
+
+#include <CoreFoundation/CFBase.h>
+#include <cstdlib>
+
+namespace {
+
+id object(CFTypeRef reference) { return static_cast<id>(const_cast<void*>(reference)); }
+
+} // namespace
+
+CFTypeRef CFRetain(CFTypeRef reference) {
+    if (reference == nullptr)
+        abort();
+    return [object(reference) retain];
+}
+
+void CFRelease(CFTypeRef reference) {
+    if (reference == nullptr)
+        abort();
+    [object(reference) release];
+}
+
+CFIndex CFGetRetainCount(CFTypeRef reference) {
+    return static_cast<CFIndex>([object(reference) retainCount]);
+}
+
+Boolean CFEqual(CFTypeRef reference, CFTypeRef other) {
+    return reference == other || [object(reference) isEqual:object(other)];
+}
+
+CFHashCode CFHash(CFTypeRef reference) { return [object(reference) hash]; }
+
+CFStringRef CFCopyDescription(CFTypeRef reference) {
+    if (reference == nullptr)
+        return nullptr;
+    cf::AutoreleasePool pool;
+    return reinterpret_cast<CFStringRef>([[object(reference) description] copy]);
+}

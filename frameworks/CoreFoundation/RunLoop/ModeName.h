@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <CoreFoundation/CFRunLoop.h>
+
+namespace cf {
+
+/// The one object that stands for every mode name of that text, so that names of modes compare by
+/// pointer. Owner: the process. Thread: any.
+CFStringRef modeName(CFStringRef name);
+
+/// Those of the default mode and of all common modes together.
+CFStringRef defaultMode();
+CFStringRef commonModes();
+
+}  // namespace cf

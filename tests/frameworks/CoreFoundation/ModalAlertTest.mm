@@ -1,0 +1,83 @@
+// SPDX-License-Identifier: MIT
+// Run-loop items while an application sits in a modal alert. Needs an X server.
+#import <AppKit/AppKit.h>
+
+#include "Workers.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+class ModalAlert : public testing::Test {
+  protected:
+    ModalAlert() : _pool([[NSAutoreleasePool alloc] init]) { [NSApplication sharedApplication]; }
+    ~ModalAlert() override { [_pool release]; }
+
+    // Returns when something has ended the alert. What it answers is that of its buttons alone.
+    void runAlert() {
+        NSAlert* alert = [[[NSAlert alloc] init] autorelease];
+        [alert setMessageText:@"Work goes on"];
+        [alert addButtonWithTitle:@"OK"];
+        [alert runModal];
+    }
+
+    NSAutoreleasePool* _pool;
+};
+
+void endModal() {
+    [NSApp stopModal];
+    // The modal session looks at its state after an event.
+    [NSApp postEvent:[NSEvent otherEventWithType:NSApplicationDefined
+                                        location:NSZeroPoint
+                                   modifierFlags:0
+                                       timestamp:0
+                                    windowNumber:0
+                                         context:nil
+                                         subtype:0
+                                           data1:0
+                                           data2:0]
+             atStart:NO];
+}
+
+} // namespace
+
+TEST_F(ModalAlert, TheModesOfAppKitAreCommonModes) {
+    TestSource source;
+    source.add();
+    for (NSString* mode in @[ NSModalPanelRunLoopMode, NSEventTrackingRunLoopMode ]) {
+        EXPECT_TRUE(CFRunLoopContainsSource(CFRunLoopGetCurrent(), source.get(),
+                                            reinterpret_cast<CFStringRef>(mode)));
+    }
+}
+
+TEST_F(ModalAlert, WorkOfManyThreadsIsServed) {
+    Workers workers(endModal);
+    runAlert();
+    EXPECT_TRUE(workers.allServed());
+}
+
+TEST_F(ModalAlert, ATimerFires) {
+    TestTimer timer(0.01, 0.01, [&] {
+        if (timer.calls() == 5)
+            endModal();
+    });
+    timer.add();
+    runAlert();
+    EXPECT_EQ(timer.calls(), 5);
+}
+
+TEST_F(ModalAlert, WorkIsServedInAnAlertThatACallbackOpens) {
+    bool served = false;
+    TestSource opener([&] {
+        Workers workers(endModal);
+        runAlert();
+        served = workers.allServed();
+    });
+    opener.add().signalAndWake();
+    EXPECT_EQ(CFRunLoopRunInMode(kCFRunLoopDefaultMode, 60, true), kCFRunLoopRunHandledSource);
+    EXPECT_TRUE(served);
+}
+
+TEST_F(ModalAlert, AnApplicationsLoopIsNeverFinished) {
+    EXPECT_EQ(CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0.01, false), kCFRunLoopRunTimedOut);
+}

@@ -1,0 +1,287 @@
+// SPDX-License-Identifier: MIT
+// Run loops and the lives of their threads; forked children.
+#include "RunLoopItems.h"
+
+#include <CoreFoundation/RunLoopDescriptor.h>
+#include <atomic>
+#include <condition_variable>
+#include <dirent.h>
+#include <gtest/gtest.h>
+#include <mutex>
+#include <sys/epoll.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+#include <vector>
+
+namespace {
+
+int openDescriptors() {
+    int count = 0;
+    DIR* folder = opendir("/proc/self/fd");
+    while (readdir(folder) != nullptr)
+        ++count;
+    closedir(folder);
+    return count;
+}
+
+/// A thread that runs its loop until it is stopped.
+class LoopThread {
+public:
+    LoopThread() : _thread([this] { run(); }) {
+        std::unique_lock guard(_mutex);
+        _condition.wait(guard, [this] { return _loop != nullptr; });
+    }
+    ~LoopThread() {
+        if (_thread.joinable())
+            end();
+        CFRelease(_loop);
+    }
+    LoopThread(const LoopThread&) = delete;
+    LoopThread& operator=(const LoopThread&) = delete;
+
+    CFRunLoopRef loop() const { return _loop; }
+    void end() {
+        _source.signalAndWake();
+        _thread.join();
+    }
+
+private:
+    void run() {
+        _source.add();
+        {
+            std::lock_guard guard(_mutex);
+            // Waking it from outside may come after its thread has ended.
+            _loop = CFRunLoopGetCurrent();
+            CFRetain(_loop);
+        }
+        _condition.notify_all();
+        CFRunLoopRun();
+    }
+
+    TestSource _source{stopThisLoop};
+    std::mutex _mutex;
+    std::condition_variable _condition;
+    CFRunLoopRef _loop = nullptr;
+    std::thread _thread;
+};
+
+/// The exit status of a child that runs the function, or -1.
+template <class Function>
+int statusOfChild(Function function) {
+    pid_t child = fork();
+    if (child == 0) {
+        alarm(20);
+        _exit(function());
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+}  // namespace
+
+TEST(RunLoopThread, EveryThreadHasALoopOfItsOwn) {
+    CFRunLoopRef here = CFRunLoopGetCurrent();
+    EXPECT_EQ(here, CFRunLoopGetCurrent());
+    EXPECT_EQ(here, CFRunLoopGetMain());
+    std::thread([here] {
+        EXPECT_NE(CFRunLoopGetCurrent(), here);
+        EXPECT_EQ(CFRunLoopGetMain(), here);
+    }).join();
+}
+
+TEST(RunLoopThread, TheMainLoopCanBeAskedForByAnotherThreadFirst) {
+    TestSource source;
+    std::thread other([&] { source.addTo(CFRunLoopGetMain()).signalAndWake(); });
+    other.join();
+    EXPECT_TRUE(runUntil([&] { return source.calls() == 1; }));
+}
+
+TEST(RunLoopThread, WorkIsServedOnTheLoopsOwnThread) {
+    std::thread::id servedOn;
+    std::atomic<bool> served{false};
+    TestSource source([&] {
+        servedOn = std::this_thread::get_id();
+        served = true;
+        served.notify_all();
+    });
+    LoopThread thread;
+    source.addTo(thread.loop(), kCFRunLoopDefaultMode).signalAndWake();
+    served.wait(false);
+    EXPECT_NE(servedOn, std::this_thread::get_id());
+}
+
+TEST(RunLoopThread, ALoopRetainedPastItsThreadCanStillBeWoken) {
+    CFRunLoopRef loop = nullptr;
+    std::thread([&] { loop = (CFRunLoopRef)CFRetain(CFRunLoopGetCurrent()); }).join();
+    CFRunLoopWakeUp(loop);
+    CFRunLoopStop(loop);
+    TestSource source;
+    source.addTo(loop);
+    EXPECT_FALSE(CFRunLoopContainsSource(loop, source.get(), kCFRunLoopDefaultMode));
+    CFRelease(loop);
+}
+
+TEST(RunLoopThread, TheEndOfAThreadTakesItsItemsOutOfItsLoop) {
+    TestSource source;
+    TestTimer timer(3600, 1);
+    std::thread([&] {
+        source.add();
+        timer.add();
+        EXPECT_EQ(CFGetRetainCount(source.get()), 2);
+    }).join();
+    EXPECT_EQ(CFGetRetainCount(source.get()), 1);
+    EXPECT_EQ(CFGetRetainCount(timer.get()), 1);
+    EXPECT_TRUE(CFRunLoopSourceIsValid(source.get()));
+    timer.add();
+    EXPECT_TRUE(CFRunLoopContainsTimer(CFRunLoopGetCurrent(), timer.get(), kCFRunLoopDefaultMode));
+}
+
+TEST(RunLoopThread, FiveHundredThreadsLeaveNothingBehind) {
+    { LoopThread first; }
+    int before = openDescriptors();
+    for (int round = 0; round < 25; ++round) {
+        std::vector<std::unique_ptr<LoopThread>> threads;
+        for (int i = 0; i < 20; ++i)
+            threads.push_back(std::make_unique<LoopThread>());
+        for (auto& thread : threads)
+            CFRunLoopWakeUp(thread->loop());
+    }
+    EXPECT_EQ(openDescriptors(), before);
+}
+
+TEST(RunLoopThread, InvalidatingWhileTheOtherThreadServesIsSafe) {
+    LoopThread thread;
+    for (int i = 0; i < 500; ++i) {
+        std::atomic<int> calls{0};
+        auto source = std::make_unique<TestSource>([&] { ++calls; });
+        source->addTo(thread.loop()).signalAndWake();
+        CFRunLoopSourceInvalidate(source->get());
+        // What may still be in progress has to end before the counter goes.
+        TestSource barrier([&] { ++calls; });
+        int seen = calls;
+        barrier.addTo(thread.loop()).signalAndWake();
+        while (calls == seen)
+            std::this_thread::yield();
+        std::atomic<bool> last{false};
+        TestSource end([&] { last = true, last.notify_all(); });
+        end.addTo(thread.loop()).signalAndWake();
+        last.wait(false);
+    }
+}
+
+TEST(RunLoopThread, AnIdleLoopIsNotWoken) {
+    LoopThread thread;
+    TestSource source;
+    source.addTo(thread.loop());
+    TestTimer timer(3600, 3600);
+    CFRunLoopAddTimer(thread.loop(), timer.get(), kCFRunLoopCommonModes);
+    while (!CFRunLoopIsWaiting(thread.loop()))
+        std::this_thread::yield();
+    TestSource keeper;
+    keeper.add();
+    // A first wait may still find wake-ups from the set-up.
+    CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0.1, false);
+    rusage before{};
+    rusage after{};
+    getrusage(RUSAGE_SELF, &before);
+    EXPECT_EQ(CFRunLoopRunInMode(kCFRunLoopDefaultMode, 5, false), kCFRunLoopRunTimedOut);
+    getrusage(RUSAGE_SELF, &after);
+    // One is the wait of this thread itself; a sanitizer's or GNUstep's own housekeeping may add
+    // one. Any polling gives dozens.
+    EXPECT_LE(after.ru_nvcsw - before.ru_nvcsw, 3);
+}
+
+TEST(RunLoopFork, TheChildsLoopWorks) {
+    TestSource source;
+    TestTimer timer(3600, 3600);
+    source.add();
+    timer.add();
+    int status = statusOfChild([&] {
+        source.signalAndWake();
+        if (CFRunLoopRunInMode(kCFRunLoopDefaultMode, 10, true) != kCFRunLoopRunHandledSource)
+            return 1;
+        CFRunLoopTimerSetNextFireDate(timer.get(), CFAbsoluteTimeGetCurrent() + 0.001);
+        CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0.1, false);
+        return timer.calls() == 1 && source.calls() == 1 ? 0 : 2;
+    });
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(source.calls(), 0);
+}
+
+TEST(RunLoopFork, TheChildCannotWakeTheParent) {
+    LoopThread thread;
+    TestSource onThread;
+    onThread.addTo(thread.loop());
+    TestSource source;
+    source.add();
+    CFRunLoopRef loop = CFRunLoopGetCurrent();
+    onePass();
+    rusage before{};
+    getrusage(RUSAGE_SELF, &before);
+    int status = statusOfChild([&] {
+        for (int i = 0; i < 1000; ++i) {
+            source.signalAndWake();
+            onThread.signalAndWake();
+            CFRunLoopWakeUp(loop);
+            onePass();
+        }
+        return 0;
+    });
+    EXPECT_EQ(status, 0);
+    rusage after{};
+    getrusage(RUSAGE_SELF, &after);
+    EXPECT_LT(after.ru_nvcsw - before.ru_nvcsw, 50);
+    EXPECT_EQ(onThread.calls(), 0);
+    source.signalAndWake();
+    EXPECT_EQ(CFRunLoopRunInMode(kCFRunLoopDefaultMode, 10, true), kCFRunLoopRunHandledSource);
+}
+
+TEST(RunLoopFork, TheChildDoesNotTakeTheParentsDescriptors) {
+    int ends[2];
+    ASSERT_EQ(pipe(ends), 0);
+    int calls = 0;
+    cf::RunLoopDescriptor watch(ends[0], EPOLLIN, [&](uint32_t) {
+        char byte = 0;
+        EXPECT_EQ(read(ends[0], &byte, 1), 1);
+        ++calls;
+    });
+    watch.schedule(CFRunLoopGetCurrent(), kCFRunLoopDefaultMode);
+    ASSERT_EQ(write(ends[1], "x", 1), 1);
+    EXPECT_EQ(statusOfChild([&] {
+                  CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0.02, true);
+                  return calls;
+              }),
+              0);
+    EXPECT_EQ(CFRunLoopRunInMode(kCFRunLoopDefaultMode, 10, true), kCFRunLoopRunHandledSource);
+    EXPECT_EQ(calls, 1);
+    watch.invalidate();
+    close(ends[0]);
+    close(ends[1]);
+}
+
+TEST(RunLoopFork, ForkingWhileOtherThreadsUseTheLoopLeavesNoLockBehind) {
+    std::atomic<bool> stop{false};
+    CFRunLoopRef loop = CFRunLoopGetCurrent();
+    TestSource keeper;
+    keeper.add();
+    std::thread other([&] {
+        while (!stop) {
+            TestSource source;
+            source.addTo(loop).signalAndWake();
+        }
+    });
+    for (int i = 0; i < 20; ++i) {
+        EXPECT_EQ(statusOfChild([&] {
+                      TestTimer timer(0, 0);
+                      timer.add();
+                      onePass();
+                      return timer.calls() == 1 ? 0 : 1;
+                  }),
+                  0);
+    }
+    stop = true;
+    other.join();
+}
