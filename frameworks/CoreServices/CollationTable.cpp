@@ -58,6 +58,7 @@ CollationTable::CollationTable(const std::string& locale)
     _numberLead = static_cast<uint32_t>(keyOf(u"0")[0]) << 24;
     _shared[_numberLead >> 24] = Sharing::No;
     readContractions();
+    _latin = &page(0);
     _usable = samplesHold();
 }
 
@@ -66,9 +67,14 @@ CollationTable::~CollationTable() {
         delete page.load();
 }
 
-const CollationTable& CollationTable::ofProcess() {
+std::atomic<const CollationTable*> CollationTable::s_ofProcess = nullptr;
+
+const CollationTable* CollationTable::ofProcess() {
     static const CollationTable& table = *new CollationTable(processLocale());
-    return table;
+    if (!table.usable())
+        return nullptr;
+    s_ofProcess.store(&table, std::memory_order_release);
+    return &table;
 }
 
 void CollationTable::readContractions() {
@@ -169,6 +175,8 @@ Character CollationTable::describe(CharacterPage& page, char16_t unit, Weights w
     character.refuses = static_cast<uint8_t>(kOutside | (mark || marked ? kMark : 0) |
                                              (_begins[unit] ? kMark | kJoins : 0));
     if (digit) {
+        if (_begins[unit])
+            return kOutsideCharacter;
         character.kind |= kDigit;
         return character;
     }

@@ -57,9 +57,13 @@ public:
     CollationTable& operator=(const CollationTable&) = delete;
     ~CollationTable();
 
-    // The table of the process's locale. Made at the first call, never destroyed: threads may sort
-    // while the process ends.
-    static const CollationTable& ofProcess();
+    // The table of the process's locale, null when it is not usable. Made at the first call, never
+    // destroyed: threads may sort while the process ends.
+    static const CollationTable* ofProcess();
+    // The same, and null also while it is not made.
+    static const CollationTable* ofProcessIfMade() {
+        return s_ofProcess.load(std::memory_order_acquire);
+    }
 
     // False when this ICU's keys are not made as SortKeyWriter makes them, or its rules (backward
     // second level) are not of the simple kind: then nothing but ICU is to be used.
@@ -69,7 +73,17 @@ public:
         const CharacterPage* page = _pages[unit >> 8].load(std::memory_order_acquire);
         return page != nullptr ? *page : makePage(unit >> 8);
     }
-    const Character& character(char16_t unit) const { return page(unit).characters[unit & 0xFF]; }
+    const Character& character(char16_t unit) const {
+        return unit <= 0xFF ? _latin->characters[unit] : page(unit).characters[unit & 0xFF];
+    }
+
+    // Null when its page is not made yet.
+    const Character* readyCharacter(char16_t unit) const {
+        if (unit <= 0xFF)
+            return &_latin->characters[unit];
+        const CharacterPage* page = _pages[unit >> 8].load(std::memory_order_acquire);
+        return page != nullptr ? &page->characters[unit & 0xFF] : nullptr;
+    }
 
     // The first byte of every number's weight, shared with nothing else.
     uint32_t numberLead() const { return _numberLead; }
@@ -91,7 +105,10 @@ private:
     Weights weightsOf(char16_t unit) const;
     std::vector<uint8_t> keyOf(TextView text) const;
 
-    OwnedCollator _collator;  // used under _making once the constructor is through
+    static std::atomic<const CollationTable*> s_ofProcess;
+
+    const CharacterPage* _latin = nullptr;  // the first page, always there in a usable table
+    OwnedCollator _collator;                // used under _making once the constructor is through
     bool _usable = false;
     uint32_t _numberLead = 0;
     std::bitset<65536> _begins;  // characters that stand in a contraction, not as its last

@@ -11,6 +11,7 @@ namespace coreservices {
 
 namespace {
 
+constexpr size_t kNowhere = static_cast<size_t>(-1);
 constexpr uint32_t kTextEnds = 0;              // below every weight
 constexpr uint32_t kNotCovered = 0xFFFFFFFFu;  // no weight: ICU keeps it for itself
 
@@ -94,72 +95,133 @@ private:
     DigitRun _number{nullptr, nullptr};
 };
 
-size_t commonPrefix(TextView left, TextView right) {
+// The first place at or after `at` where the units differ, or the shorter text's end.
+size_t skipEqualUnits(TextView left, TextView right, size_t at) {
     size_t length = std::min(left.size(), right.size());
-    size_t i = 0;
-    for (; i + 4 <= length; i += 4) {
+    for (; at + 4 <= length; at += 4) {
         uint64_t a, b;
-        std::memcpy(&a, left.data() + i, sizeof a);
-        std::memcpy(&b, right.data() + i, sizeof b);
+        std::memcpy(&a, left.data() + at, sizeof a);
+        std::memcpy(&b, right.data() + at, sizeof b);
         if (a != b)
-            return i + static_cast<size_t>(std::countr_zero(a ^ b)) / 16;
+            return at + static_cast<size_t>(std::countr_zero(a ^ b)) / 16;
     }
-    while (i < length && left[i] == right[i])
-        ++i;
-    return i;
-}
-
-// The last place up to `start`, within the common prefix, from where both texts weigh what they
-// weigh as parts of the whole; nothing when the characters there are not covered.
-std::optional<size_t> safeStart(const CollationTable& table, TextView left, TextView right,
-                                size_t start) {
-    auto digitAt = [](TextView text, size_t i) {
-        return i < text.size() && DigitRun::isDigit(text[i]);
-    };
-    auto kindAt = [&](TextView text, size_t i) {
-        return i < text.size() ? table.character(text[i]).kind : 0;
-    };
-    for (;; --start) {
-        if (start == 0)
-            return start;
-        const Character& before = table.character(left[start - 1]);
-        if ((before.kind & kOutside) != 0 ||
-            (before.refuses & (kindAt(left, start) | kindAt(right, start))) != 0)
-            return std::nullopt;
-        bool splitsNumber =
-            DigitRun::isDigit(left[start - 1]) && (digitAt(left, start) || digitAt(right, start));
-        if (!splitsNumber)
-            return start;
-    }
+    while (at < length && left[at] == right[at])
+        ++at;
+    return at;
 }
 
 int sign(uint32_t left, uint32_t right) {
     return left < right ? -1 : 1;
 }
 
-// The primary weight of a character that has just one and takes it whatever follows; nothing of the
-// kind gives kNotCovered.
-uint32_t plainPrimary(const CollationTable& table, TextView text, size_t at) {
-    const Character& character = table.character(text[at]);
-    uint8_t next = at + 1 < text.size() ? table.character(text[at + 1]).kind : uint8_t{0};
-    constexpr uint8_t special = kSeveral | kDigit | kOutside;
-    return ((character.kind & special) | (character.refuses & next)) == 0 ? character.primary
-                                                                          : kNotCovered;
-}
+// Two texts side by side.
+class Pair {
+public:
+    Pair(const CollationTable& table, TextView left, TextView right)
+        : _table(table), _left(left), _right(right) {}
 
-std::optional<int> comparePrimaries(Walker left, Walker right, uint32_t numberLead) {
+    // The first place where the texts no longer weigh the same unit by unit. All before it does,
+    // within either text and up to what stands there.
+    size_t skipEqualWeights() const {
+        size_t proven = 0;  // nothing before this place changes what stands there
+        for (size_t at = skipEqualUnits(_left, _right, 0);;) {
+            if (at >= _left.size() || at >= _right.size() || !weighTheSame(at) ||
+                (at != proven && !isBoundary(at)))
+                return at;
+            proven = at + 1;
+            at = skipEqualUnits(_left, _right, proven);
+        }
+    }
+
+    // The last place up to `start`, all before which weighs the same, from where both texts weigh
+    // what they weigh as parts of the whole; kNowhere when the characters there are not covered.
+    size_t safeStart(size_t start) const {
+        if (isDigitAt(_left, start) || isDigitAt(_right, start))
+            while (start > 0 && DigitRun::isDigit(_left[start - 1]))
+                --start;
+        return isBoundary(start) ? start : kNowhere;
+    }
+
+    // The order the characters there give when they differ and nothing can change them.
+    int decideAt(size_t at) const {
+        if (at >= _left.size() || at >= _right.size())
+            return kUndecided;
+        if (isDigitAt(_left, at) && isDigitAt(_right, at))
+            return decideNumbersAt(at);
+        if (!isPlain(_left, at) || !isPlain(_right, at))
+            return kUndecided;
+        uint32_t p = characterOf(_left[at]).primary;
+        uint32_t q = characterOf(_right[at]).primary;
+        return p != q ? sign(p, q) : kUndecided;
+    }
+
+private:
+    const Character& characterOf(char16_t unit) const { return _table.character(unit); }
+
+    uint8_t kindAt(TextView text, size_t at) const {
+        return at < text.size() ? characterOf(text[at]).kind : uint8_t{0};
+    }
+
+    // Whether a character has just one weight and keeps it whatever follows.
+    bool isPlain(TextView text, size_t at) const {
+        const Character& character = characterOf(text[at]);
+        constexpr uint8_t special = kSeveral | kDigit | kOutside;
+        return ((character.kind & special) | (character.refuses & kindAt(text, at + 1))) == 0;
+    }
+
+    bool weighTheSame(size_t at) const {
+        const Character& a = characterOf(_left[at]);
+        const Character& b = characterOf(_right[at]);
+        return a.primary == b.primary && a.secondary == b.secondary && isPlain(_left, at) &&
+               isPlain(_right, at);
+    }
+
+    bool isBoundary(size_t at) const {
+        return at == 0 || (endsBefore(_left, at) && endsBefore(_right, at));
+    }
+
+    bool endsBefore(TextView text, size_t at) const {
+        const Character& before = characterOf(text[at - 1]);
+        return ((before.kind & kOutside) | (before.refuses & kindAt(text, at))) == 0;
+    }
+
+    int decideNumbersAt(size_t at) const {
+        DigitRun left(_left.data() + at, _left.data() + _left.size());
+        DigitRun right(_right.data() + at, _right.data() + _right.size());
+        int order = left.compare(right);
+        if (order == 0 || !isWhole(_left, left) || !isWhole(_right, right))
+            return kUndecided;
+        return order < 0 ? -1 : 1;
+    }
+
+    // Whether the number ends where its ASCII digits do.
+    bool isWhole(TextView text, const DigitRun& run) const {
+        auto next = static_cast<size_t>(run.end() - text.data());
+        return !run.isTooLong() && (characterOf(run.end()[-1]).refuses & kindAt(text, next)) == 0;
+    }
+
+    static bool isDigitAt(TextView text, size_t at) {
+        return at < text.size() && DigitRun::isDigit(text[at]);
+    }
+
+    const CollationTable& _table;
+    TextView _left;
+    TextView _right;
+};
+
+int comparePrimaries(Walker left, Walker right, uint32_t numberLead) {
     for (;;) {
         uint32_t p = left.nextPrimary();
         uint32_t q = right.nextPrimary();
         if (p == kNotCovered || q == kNotCovered)
-            return std::nullopt;
+            return kUndecided;
         if (p != q)
             return sign(p, q);
         if (p == kTextEnds)
             return 0;
         if (p == numberLead)
             if (int order = left.number().compare(right.number()))
-                return order;
+                return order < 0 ? -1 : 1;
     }
 }
 
@@ -176,23 +238,21 @@ int compareSecondaries(Walker left, Walker right) {
 
 }  // namespace
 
-std::optional<int> fastCompare(const CollationTable& table, TextView left, TextView right) {
-    size_t prefix = commonPrefix(left, right);
-    if (prefix == left.size() && prefix == right.size())
+int fastCompare(const CollationTable& table, TextView left, TextView right) {
+    const Pair pair(table, left, right);
+    size_t same = pair.skipEqualWeights();
+    if (same == left.size() && same == right.size())
         return 0;
-    std::optional<size_t> start = safeStart(table, left, right, prefix);
-    if (!start)
-        return std::nullopt;
-    // Most pairs are decided by the characters that differ.
-    if (*start < left.size() && *start < right.size()) {
-        uint32_t p = plainPrimary(table, left, *start);
-        uint32_t q = plainPrimary(table, right, *start);
-        if (p != q && p != kNotCovered && q != kNotCovered)
-            return sign(p, q);
-    }
-    const Walker a(table, left.data() + *start, left.data() + left.size());
-    const Walker b(table, right.data() + *start, right.data() + right.size());
-    std::optional<int> order = comparePrimaries(a, b, table.numberLead());
+    size_t start = pair.safeStart(same);
+    if (start == kNowhere)
+        return kUndecided;
+    // Most pairs are decided by the first characters that differ.
+    int order = pair.decideAt(start);
+    if (order != kUndecided)
+        return order;
+    const Walker a(table, left.data() + start, left.data() + left.size());
+    const Walker b(table, right.data() + start, right.data() + right.size());
+    order = comparePrimaries(a, b, table.numberLead());
     return order != 0 ? order : compareSecondaries(a, b);
 }
 

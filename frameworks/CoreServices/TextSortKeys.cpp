@@ -30,8 +30,8 @@ class KeyMaker {
 public:
     explicit KeyMaker(UCCollateOptions options)
         : _options(options), _collator(threadCollator(options)) {
-        if (options == kFinderOptions && CollationTable::ofProcess().usable())
-            _table = &CollationTable::ofProcess();
+        if (options == kFinderOptions)
+            _table = CollationTable::ofProcess();
     }
 
     bool usable() const { return _collator != nullptr; }
