@@ -1,0 +1,84 @@
+// SPDX-License-Identifier: MIT
+#include "AppKit/TrashInfo.h"
+
+#include <algorithm>
+#include <cstring>
+#include <random>
+
+namespace appkit {
+
+namespace {
+
+constexpr unsigned kNumberedAttempts = 32;
+constexpr size_t kLongestExtension = 24;
+
+bool isLiteral(char c) {
+    bool letter = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+    return letter || (c >= '0' && c <= '9') || (c != '\0' && std::strchr("-._~/", c) != nullptr);
+}
+
+std::string percentEncoded(std::string_view path) {
+    constexpr char digits[] = "0123456789ABCDEF";
+    std::string encoded;
+    for (char c : path) {
+        if (isLiteral(c)) {
+            encoded += c;
+            continue;
+        }
+        auto byte = static_cast<unsigned char>(c);
+        encoded += '%';
+        encoded += digits[byte >> 4];
+        encoded += digits[byte & 15];
+    }
+    return encoded;
+}
+
+// The dot of a dot file begins no extension.
+size_t extensionStart(std::string_view leaf) {
+    size_t dot = leaf.rfind('.');
+    bool usable = dot != std::string_view::npos && dot > 0 && leaf.size() - dot < kLongestExtension;
+    return usable ? dot : leaf.size();
+}
+
+// Never longer than `length`, and shorter rather than ending within a character; bytes that are no
+// UTF-8 are cut anywhere.
+std::string_view cutTo(std::string_view text, size_t length) {
+    if (text.size() <= length)
+        return text;
+    size_t end = length;
+    while (end > 0 && length - end < 3 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80)
+        --end;
+    bool withinCharacter = (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80;
+    return text.substr(0, withinCharacter ? length : end);
+}
+
+// Numbers first, for people; where many items of one name are trashed, a number drawn at random
+// saves trying each.
+std::string distinction(unsigned attempt) {
+    if (attempt == 0)
+        return {};
+    if (attempt < kNumberedAttempts)
+        return " " + std::to_string(attempt + 1);
+    return " " + std::to_string(std::random_device()());
+}
+
+}  // namespace
+
+std::string trashInfoText(std::string_view originalPath, std::time_t when) {
+    std::tm local{};
+    localtime_r(&when, &local);
+    char date[32];
+    size_t length = std::strftime(date, sizeof date, "%Y-%m-%dT%H:%M:%S", &local);
+    return "[Trash Info]\nPath=" + percentEncoded(originalPath) +
+           "\nDeletionDate=" + std::string(date, length) + "\n";
+}
+
+std::string trashName(std::string_view leaf, unsigned attempt, size_t maxLength) {
+    size_t dot = extensionStart(leaf);
+    std::string end = distinction(attempt) + std::string(leaf.substr(dot));
+    size_t taken = end.size() + kTrashInfoSuffix.size();
+    size_t room = maxLength > taken ? maxLength - taken : 1;
+    return std::string(cutTo(leaf.substr(0, dot), room)) + end;
+}
+
+}  // namespace appkit

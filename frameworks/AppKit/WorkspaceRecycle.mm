@@ -1,0 +1,63 @@
+// SPDX-License-Identifier: MIT
+// GNUstep's workspace hands every file operation to a workspace application, and answers NO where
+// none runs. The recycle operation is taken over here; the others stay as they are.
+#import <AppKit/NSWorkspace.h>
+#import <Foundation/Foundation.h>
+
+#include "AppKit/Trash.h"
+
+#include <objc/runtime.h>
+
+namespace {
+
+using PerformFileOperation = BOOL (*)(id, SEL, NSString*, NSString*, NSString*, NSArray*,
+                                      NSInteger*);
+
+PerformFileOperation originalPerform = nullptr;
+
+std::string bytesOf(NSString* text) {
+    const char* bytes = [text UTF8String];
+    return bytes != nullptr ? bytes : "";
+}
+
+// One path for each name; nothing when a name is none, so that a folder is never taken for an item
+// in it.
+std::vector<std::string> pathsOf(NSString* folder, NSArray* names) {
+    std::vector<std::string> paths;
+    for (NSString* name in names) {
+        std::string leaf = bytesOf(name);
+        if (leaf.empty() || leaf.find('/') != std::string::npos)
+            return {};
+        paths.push_back(bytesOf(folder) + "/" + leaf);
+    }
+    return paths;
+}
+
+BOOL performFileOperation(id self, SEL command, NSString* operation, NSString* source,
+                          NSString* destination, NSArray* files, NSInteger* tag) {
+    if (![operation isEqualToString:NSWorkspaceRecycleOperation])
+        return originalPerform(self, command, operation, source, destination, files, tag);
+    std::vector<std::string> paths = pathsOf(source, files);
+    bool done = paths.size() == [files count] && appkit::recycle(paths);
+    // The work is over when this returns: 0, or negative where it failed.
+    if (tag != nullptr)
+        *tag = done ? 0 : -1;
+    return done ? YES : NO;
+}
+
+} // namespace
+
+@interface ULWorkspaceRecycle : NSObject
+@end
+
+@implementation ULWorkspaceRecycle
+
+// Looked up, not sent a message: that would initialize the workspace before the program has begun.
++ (void)load {
+    SEL selector = @selector(performFileOperation:source:destination:files:tag:);
+    Method method = class_getInstanceMethod(objc_getClass("NSWorkspace"), selector);
+    originalPerform = reinterpret_cast<PerformFileOperation>(
+        method_setImplementation(method, reinterpret_cast<IMP>(performFileOperation)));
+}
+
+@end

@@ -1,0 +1,7 @@
+// SPDX-License-Identifier: MIT
+// Umbrella header: what this system needs of the platform's CoreServices, under the platform's
+// own names.
+#pragma once
+
+#include <CoreServices/MacTypes.h>
+#include <CoreServices/UnicodeUtilities.h>
