@@ -3,19 +3,15 @@
 # nor @autoreleasepool in a .mm file. Include this file where languages may be enabled.
 include_guard(GLOBAL)
 
-if(NOT CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
-  message(FATAL_ERROR "Objective-C++ needs clang++, not ${CMAKE_CXX_COMPILER}")
+# C++ may be g++'s all the same. Left to itself CMake would take it for these, too.
+if(NOT CMAKE_C_COMPILER)
+  set(CMAKE_C_COMPILER clang)
 endif()
-
-# Left to itself CMake may take the first compilers on the path, which need not be the one for C++.
-string(REPLACE "clang++" "clang" clang ${CMAKE_CXX_COMPILER})
-foreach(language IN ITEMS C OBJC)
-  if(NOT CMAKE_${language}_COMPILER)
-    set(CMAKE_${language}_COMPILER ${clang})
-  endif()
-endforeach()
+if(NOT CMAKE_OBJC_COMPILER)
+  set(CMAKE_OBJC_COMPILER clang)
+endif()
 if(NOT CMAKE_OBJCXX_COMPILER)
-  set(CMAKE_OBJCXX_COMPILER ${CMAKE_CXX_COMPILER})
+  set(CMAKE_OBJCXX_COMPILER clang++)
 endif()
 enable_language(C OBJC OBJCXX)
 set(CMAKE_OBJCXX_STANDARD ${CMAKE_CXX_STANDARD})

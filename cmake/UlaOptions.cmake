@@ -34,8 +34,13 @@ if(ULA_SANITIZE)
   add_link_options(-fsanitize=${ULA_SANITIZE})
 endif()
 
-# ula_target(NAME): warnings and the include root for a target of this project.
+# ula_target(NAME): warnings and the include root for a target of this project. A program built with
+# sanitizers also gets what they are not to report of the system's libraries.
 function(ula_target name)
+  get_target_property(type ${name} TYPE)
+  if(ULA_SANITIZE AND type STREQUAL "EXECUTABLE")
+    target_link_libraries(${name} PRIVATE ula-sanitizer-defaults)
+  endif()
   target_link_libraries(${name} PRIVATE $<BUILD_INTERFACE:ula-flags>)
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
 endfunction()
