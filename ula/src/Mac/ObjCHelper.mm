@@ -1,0 +1,103 @@
+// SPDX-License-Identifier: MIT
+#import "ula/ObjCHelper.h"
+
+#include "ula/foundation/thread/ScratchPad.h"
+
+#include <CoreServices/CoreServices.h>
+
+using tav::ula::FastString;
+
+namespace {
+
+constexpr UCCollateOptions kFinderOrder =
+    kUCCollateComposeInsensitiveMask | kUCCollateWidthInsensitiveMask |
+    kUCCollateCaseInsensitiveMask | kUCCollatePunctuationSignificantMask |
+    kUCCollateDigitsOverrideMask | kUCCollateDigitsAsNumberMask;
+static_assert(kFinderOrder == 0x3800E);
+
+std::vector<UniChar> charactersOf(NSString* text) {
+    std::vector<UniChar> characters([text length]);
+    [text getCharacters:characters.data()];
+    return characters;
+}
+
+} // namespace
+
+@implementation NSString (ObjCHelper)
+
+- (std::string)toStdString {
+    return [self UTF8String];
+}
+
+- (FastString)toUTF8String {
+    return [self UTF8String];
+}
+
++ (NSString*)fromStdString:(const std::string&)text {
+    return [NSString stringWithUTF8String:text.c_str()];
+}
+
++ (NSString*)fromUTF8String:(const FastString&)text {
+    return [NSString stringWithUTF8String:tav::thread::globalScratchPad().zeroTerminated(text)];
+}
+
+- (NSComparisonResult)compareLikeFinder:(NSString*)other {
+    const std::vector<UniChar> left = charactersOf(self);
+    const std::vector<UniChar> right = charactersOf(other);
+    SInt32 order = 0;
+    UCCompareTextDefault(kFinderOrder, left.data(), left.size(), right.data(), right.size(),
+                         nullptr, &order);
+    if (order == 0)
+        return NSOrderedSame;
+    return order < 0 ? NSOrderedAscending : NSOrderedDescending;
+}
+
+@end
+
+@implementation NSArray (ObjCHelper)
+
+- (std::vector<std::string>)toStdStringArray {
+    std::vector<std::string> texts;
+    texts.reserve([self count]);
+    for (NSString* text in self)
+        texts.push_back([text toStdString]);
+    return texts;
+}
+
+- (std::vector<FastString>)toUtf8StringArray {
+    std::vector<FastString> texts;
+    texts.reserve([self count]);
+    for (NSString* text in self)
+        texts.push_back([text toUTF8String]);
+    return texts;
+}
+
+- (std::set<std::string>)toStdStringSet {
+    std::set<std::string> texts;
+    for (NSString* text in self)
+        texts.insert([text toStdString]);
+    return texts;
+}
+
++ (NSArray*)fromStdStringArray:(const std::vector<std::string>&)texts {
+    NSMutableArray* array = [NSMutableArray arrayWithCapacity:texts.size()];
+    for (const std::string& text : texts)
+        [array addObject:[NSString fromStdString:text]];
+    return array;
+}
+
++ (NSArray*)fromUTF8StringArray:(const std::vector<FastString>&)texts {
+    NSMutableArray* array = [NSMutableArray arrayWithCapacity:texts.size()];
+    for (const FastString& text : texts)
+        [array addObject:[NSString fromUTF8String:text]];
+    return array;
+}
+
++ (NSArray*)fromStdStringSet:(const std::set<std::string>&)texts {
+    NSMutableArray* array = [NSMutableArray arrayWithCapacity:texts.size()];
+    for (const std::string& text : texts)
+        [array addObject:[NSString fromStdString:text]];
+    return array;
+}
+
+@end
