@@ -16,13 +16,17 @@ inline void retainReference(int volatile* count) {
         atomicIncrementAcquire(count);
 }
 
+/// Drops a reference and returns how many are left.
+inline int dropReference(int volatile* count) {
+    if (!__libc_single_threaded)
+        return atomicDecrementRelease(count);
+    *count = *count - 1;
+    return *count;
+}
+
 /// Drops a reference; true when it was the last one.
 inline bool releaseReference(int volatile* count) {
-    if (__libc_single_threaded) {
-        *count = *count - 1;
-        return *count == 0;
-    }
-    return atomicDecrementRelease(count) == 0;
+    return dropReference(count) == 0;
 }
 
 }  // namespace tav::thread

@@ -43,15 +43,42 @@ public:
 
     void retainWeak() { thread::retainReference(&_weakCount); }
     /// Deletes the block with the last reference.
-    void releaseWeak() {
-        if (thread::releaseReference(&_weakCount))
-            delete this;
-    }
+    inline void releaseWeak();
 
 private:
+    friend class EmbeddedCountBlock;
+
+    /// Stays in the weak count of a block that is part of something else.
+    static constexpr int kEmbedded = 1 << 30;
+    explicit CountBlock(int weakCount) : _weakCount(weakCount) {}
+
     int volatile _refCount = 1;
     int volatile _weakCount = 1;
 };
+
+/// Counts that stand in one piece of memory with the object they count, for objects that are made
+/// too often for an allocation each. The object's `operator delete` must leave the memory alone;
+/// `dispose` is called with the last reference of either kind to give it back.
+class EmbeddedCountBlock : public CountBlock {
+public:
+    using Dispose = void (*)(EmbeddedCountBlock*);
+
+    explicit EmbeddedCountBlock(Dispose dispose) : CountBlock(kEmbedded + 1), _dispose(dispose) {}
+
+private:
+    friend class CountBlock;
+    Dispose _dispose;
+};
+
+void CountBlock::releaseWeak() {
+    const int left = thread::dropReference(&_weakCount);
+    if (left == 0)
+        delete this;
+    else if (left == kEmbedded) {
+        auto* const embedded = static_cast<EmbeddedCountBlock*>(this);
+        embedded->_dispose(embedded);
+    }
+}
 
 template <class T>
 class WeakPtr;

@@ -1,0 +1,77 @@
+// SPDX-License-Identifier: MIT
+#include "ula/foundation/debug/Assertion.h"
+#include "ula/src/Core/ForkedCallers.h"
+#include "ula/src/Core/JobBlock.h"
+
+namespace tav::ula {
+
+namespace {
+
+/// Throws the exception that was kept for a synchronous caller, with the type that it has.
+void raiseKept(ExecutionJob& job) {
+    util::ScopedPtr<Exception> kept;
+    kept.swap(job.exception);
+    if (kept)
+        kept->raise();
+}
+
+}  // namespace
+
+JobBasedMainThreadCaller::JobBasedMainThreadCaller() : _queue(new JobQueue(state())) {
+    ForkedCallers::add(_queue);
+}
+
+JobBasedMainThreadCaller::~JobBasedMainThreadCaller() {
+    ForkedCallers::remove(_queue);
+    // Also notifies: a call that came in too late must not leave its thread waiting for ever.
+    _queue->cancelAll();
+}
+
+util::SharedPtr<CallHandle>
+JobBasedMainThreadCaller::callAsync(const util::Function0<void>& function) {
+    _queue->reportCrowd(98);
+    auto [job, handle] = JobBlock::makeJobAndHandle(function, _queue);
+    const thread::ScopedLock lock(_queue->mutex());
+    _queue->append(std::move(job));
+    wakeUpMainThread();
+    return handle;
+}
+
+void JobBasedMainThreadCaller::callSync(const util::Function0<void>& function) {
+    if (isMainThread()) {
+        if (function)
+            function();
+        return;
+    }
+    const util::SharedPtr<JobQueue> queue = _queue;
+    queue->reportCrowd(125);
+    const Job job = JobBlock::makeJob(function, queue);
+    {
+        thread::ScopedLock lock(queue->mutex());
+        queue->append(job);
+        wakeUpMainThread();
+        queue->waitUntilDone(*job, lock);
+    }
+    raiseKept(*job);
+}
+
+void JobBasedMainThreadCaller::processJobs() {
+    if (isMainThread())
+        runPendingJobs();
+    else
+        debug::assertionFailed("MainThreadCaller", 82, "isMainThread()");
+}
+
+void JobBasedMainThreadCaller::runPendingJobs() {
+    if (!isMainThread())
+        debug::assertionFailed("src/Core/MainThreadCaller", 142, "isMainThread()");
+    // Kept here, as a job may destroy this object.
+    const util::SharedPtr<JobQueue> queue = _queue;
+    queue->drain();
+}
+
+void JobBasedMainThreadCaller::cancelAllJobs() {
+    _queue->cancelAll();
+}
+
+}  // namespace tav::ula

@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "ula/NativeTimer.h"
+
+#include <CoreFoundation/CoreFoundation.h>
+
+namespace tav::ula {
+
+class NativeTimerMac : public NativeTimer {
+public:
+    NativeTimerMac(unsigned int interval, const util::Function0<void>& function);
+    ~NativeTimerMac() override;
+
+private:
+    static void callOut(CFRunLoopTimerRef timer, void* self);
+
+    CFRunLoopTimerRef _timer;
+};
+
+}  // namespace tav::ula
