@@ -7,11 +7,20 @@
 #include "ula/foundation/util/Signal.h"
 
 #include <atomic>
+#include <chrono>
 #include <cstdint>
 
 namespace tav::ula {
 
+class CallOwner;
 class JobQueue;
+
+/// How a call with a time limit ended.
+enum class CallOutcome {
+    Done,         ///< the function has run
+    Cancelled,    ///< it has not begun and never will
+    StillRunning  ///< it has begun and goes on; what it throws later is dropped
+};
 
 /// Speaks of one call made with `MainThreadCaller::callAsync`; it does not keep the call alive.
 /// Thread: any, several at once too.
@@ -60,6 +69,17 @@ public:
     /// `std::exception` as a `tav::Exception` with its text, anything else as an empty one.
     /// Thread: any.
     virtual void callSync(const util::Function0<void>& function) = 0;
+
+    /// As `callSync`, but waits no longer than `limit`; a function that has not begun by then is
+    /// cancelled. On the main thread the function is simply called, whatever the limit.
+    /// Fails: what a finished function throws is thrown here, as with `callSync`.
+    /// Thread: any.
+    CallOutcome callSyncWithin(std::chrono::milliseconds limit,
+                               const util::Function0<void>& function);
+    /// As `callAsync`, for a function that uses an object: it does not begin once the object's
+    /// `CallOwner` has gone. Thread: any, while the owner lives.
+    util::SharedPtr<CallHandle> callAsyncOwned(const CallOwner& owner,
+                                               const util::Function0<void>& function);
 
     virtual ~MainThreadCaller();
 

@@ -73,8 +73,11 @@ text::FormatStream logf(const char* sourceFile, int line, LogLevel level, const 
 namespace tav {
 
 void log_with_stacktrace(const char* message) {
-    using namespace debug;
-    deliver({{}, 0, LogLevelError, orEmpty(message), StackTrace::capture().toString()});
+    log_with_stacktrace(message, debug::StackTrace::capture());
+}
+
+void log_with_stacktrace(const char* message, const debug::StackTrace& trace) {
+    debug::deliver({{}, 0, debug::LogLevelError, debug::orEmpty(message), trace.toString()});
 }
 
 }  // namespace tav

@@ -9,6 +9,8 @@
 
 namespace tav::debug {
 
+class StackTrace;
+
 /// How much a line matters; greater is graver.
 enum LogLevel {
     LogLevelTrace = 1,         ///< progress notes
@@ -48,5 +50,7 @@ namespace tav {
 /// Logs the message (source empty, line 0, level 4) with the calling thread's stack trace.
 /// Thread: any.
 TAV_FOUNDATION_API void log_with_stacktrace(const char* message);
+/// The same with a stack trace that was taken elsewhere.
+TAV_FOUNDATION_API void log_with_stacktrace(const char* message, const debug::StackTrace& trace);
 
 }  // namespace tav

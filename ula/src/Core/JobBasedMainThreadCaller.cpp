@@ -1,21 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "ula/foundation/debug/Assertion.h"
+#include "ula/src/Core/ExceptionCopy.h"
 #include "ula/src/Core/ForkedCallers.h"
 #include "ula/src/Core/JobBlock.h"
 
 namespace tav::ula {
-
-namespace {
-
-/// Throws the exception that was kept for a synchronous caller, with the type that it has.
-void raiseKept(ExecutionJob& job) {
-    util::ScopedPtr<Exception> kept;
-    kept.swap(job.exception);
-    if (kept)
-        kept->raise();
-}
-
-}  // namespace
 
 JobBasedMainThreadCaller::JobBasedMainThreadCaller() : _queue(new JobQueue(state())) {
     ForkedCallers::add(_queue);
@@ -52,7 +41,7 @@ void JobBasedMainThreadCaller::callSync(const util::Function0<void>& function) {
         wakeUpMainThread();
         queue->waitUntilDone(*job, lock);
     }
-    raiseKept(*job);
+    raise(job->exception);
 }
 
 void JobBasedMainThreadCaller::processJobs() {

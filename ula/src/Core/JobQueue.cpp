@@ -3,8 +3,7 @@
 
 #include "ula/foundation/debug/Assertion.h"
 #include "ula/foundation/thread/Thread.h"
-
-#include <exception>
+#include "ula/src/Core/ExceptionCopy.h"
 
 namespace tav::ula {
 
@@ -14,19 +13,6 @@ using Lock = thread::ScopedLock<thread::Mutex>;
 
 /// More than any application has reason to keep waiting.
 constexpr std::size_t kCrowd = 10000;
-
-/// A copy of the exception that is being handled, with its type where that is one of ours.
-Exception* copyOfCurrentException() {
-    try {
-        throw;
-    } catch (const Exception& exception) {
-        return exception.clone();
-    } catch (const std::exception& exception) {
-        return new Exception(exception.what());
-    } catch (...) {
-        return new Exception;
-    }
-}
 
 }  // namespace
 
@@ -78,11 +64,7 @@ void JobQueue::run(ExecutionJob& job) {
         if (job.function)
             job.function();
     } catch (...) {
-        try {
-            job.exception.reset(copyOfCurrentException());
-        } catch (...) {
-            // Its copy constructor throws, or memory is gone: the call counts as quiet.
-        }
+        job.exception.reset(copyOfCurrentException());
     }
 }
 
