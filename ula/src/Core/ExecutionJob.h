@@ -25,6 +25,7 @@ struct ExecutionJob {
     bool begun = false;  ///< somebody runs it or has run it
     bool done = false;   ///< run or cancelled
     bool cancelled = false;
+    int waiters = 0;
     /// Of a run in the queue's own course. Written before `done`, read after it.
     util::ScopedPtr<Exception> exception;
 

@@ -11,7 +11,10 @@ namespace tav::ula {
 class JobList {
 public:
     JobList() = default;
-    JobList(const JobList&) = delete;
+    JobList(JobList&& other) noexcept
+        : _first(std::exchange(other._first, nullptr)),
+          _last(std::exchange(other._last, nullptr)),
+          _size(std::exchange(other._size, 0)) {}
     JobList& operator=(const JobList&) = delete;
     ~JobList() {
         while (takeFront())

@@ -31,11 +31,11 @@ void JobQueue::append(Job job) {
     _size.store(_executionJobs.size(), std::memory_order_relaxed);
 }
 
-void JobQueue::waitUntilDone(const ExecutionJob& job, Lock& lock) {
-    ++_waiters;
+void JobQueue::waitUntilDone(ExecutionJob& job, Lock& lock) {
+    ++job.waiters;
     while (!job.done)
         _jobDone->wait(lock);
-    --_waiters;
+    --job.waiters;
 }
 
 void JobQueue::drain() {
@@ -69,13 +69,14 @@ void JobQueue::run(ExecutionJob& job) {
 }
 
 void JobQueue::finish(ExecutionJob& job) {
-    bool waiters = false;
+    bool isAwaited = false;
     {
         const Lock lock(_mutex);
         job.done = true;
-        waiters = _waiters > 0;
+        isAwaited = job.waiters > 0;
     }
-    if (waiters)
+    // All waiters share one condition variable: it is left alone where nobody waits for this job.
+    if (isAwaited)
         _jobDone->notify_all();
 }
 
@@ -84,28 +85,37 @@ void JobQueue::markCancelled(ExecutionJob& job) {
     job.done = true;
 }
 
-void JobQueue::cancelAll() {
+JobList JobQueue::takeAllCancelled() {
     JobList jobs;
-    {
-        const Lock lock(_mutex);
-        while (Job job = _executionJobs.takeFront()) {
-            markCancelled(*job);
-            jobs.append(std::move(job));
-        }
-        _size.store(0, std::memory_order_relaxed);
+    const Lock lock(_mutex);
+    while (Job job = _executionJobs.takeFront()) {
+        markCancelled(*job);
+        jobs.append(std::move(job));
     }
+    _size.store(0, std::memory_order_relaxed);
+    return jobs;
+}
+
+void JobQueue::cancelAll() {
+    // Without the lock: what the functions hold may make calls as it goes.
+    takeAllCancelled();
     _jobDone->notify_all();
 }
 
+Job JobQueue::takeCancelled(ExecutionJob& job, bool& isAwaited) {
+    const Lock lock(_mutex);
+    markCancelled(job);
+    isAwaited = job.waiters > 0;
+    Job queued = _executionJobs.remove(job);
+    _size.store(_executionJobs.size(), std::memory_order_relaxed);
+    return queued;
+}
+
 void JobQueue::cancel(ExecutionJob& job) {
-    Job removed;
-    {
-        const Lock lock(_mutex);
-        markCancelled(job);
-        removed = _executionJobs.remove(job);
-        _size.store(_executionJobs.size(), std::memory_order_relaxed);
-    }
-    _jobDone->notify_all();
+    bool isAwaited = false;
+    takeCancelled(job, isAwaited);
+    if (isAwaited)
+        _jobDone->notify_all();
 }
 
 void JobQueue::wait(ExecutionJob& job) {
@@ -149,7 +159,6 @@ void JobQueue::afterForkInChild() {
     // The threads that wait do not exist here, and the condition variable would wait for them.
     static_cast<void>(_jobDone.release());
     _jobDone = std::make_unique<thread::ConditionVariable>();
-    _waiters = 0;
     if (_isForkedByMainThread)
         _state->mainThreadId = thread::getThreadId();
     // Not destroyed: what the functions hold may need a lock that nobody here will give back.

@@ -26,7 +26,7 @@ public:
     thread::Mutex& mutex() { return _mutex; }
     /// The two that follow: with the lock held.
     void append(Job job);
-    void waitUntilDone(const ExecutionJob& job, thread::ScopedLock<thread::Mutex>& lock);
+    void waitUntilDone(ExecutionJob& job, thread::ScopedLock<thread::Mutex>& lock);
 
     /// Runs the jobs that are pending now, on the calling thread.
     void drain();
@@ -47,6 +47,9 @@ private:
     static void run(ExecutionJob& job);
     void runHere(ExecutionJob& job);
     void finish(ExecutionJob& job);
+    JobList takeAllCancelled();
+    /// The queue's reference; empty when the job was not queued any more.
+    Job takeCancelled(ExecutionJob& job, bool& isAwaited);
     static void markCancelled(ExecutionJob& job);
 
     const util::SharedPtr<MainThreadCaller::State> _state;
@@ -54,7 +57,6 @@ private:
     /// Of any job; each waiter looks at its own.
     std::unique_ptr<thread::ConditionVariable> _jobDone =
         std::make_unique<thread::ConditionVariable>();
-    int _waiters = 0;
     JobList _executionJobs;
     /// The list's size, to be read without the lock.
     std::atomic<std::size_t> _size = 0;
