@@ -11,10 +11,7 @@ namespace tav::ula {
 class JobList {
 public:
     JobList() = default;
-    JobList(JobList&& other) noexcept
-        : _first(std::exchange(other._first, nullptr)),
-          _last(std::exchange(other._last, nullptr)),
-          _size(std::exchange(other._size, 0)) {}
+    JobList(const JobList&) = delete;
     JobList& operator=(const JobList&) = delete;
     ~JobList() {
         while (takeFront())

@@ -85,12 +85,13 @@ void JobQueue::markCancelled(ExecutionJob& job) {
     job.done = true;
 }
 
-JobList JobQueue::takeAllCancelled() {
-    JobList jobs;
+std::vector<Job> JobQueue::takeAllCancelled() {
+    std::vector<Job> jobs;
     const Lock lock(_mutex);
+    jobs.reserve(_executionJobs.size());
     while (Job job = _executionJobs.takeFront()) {
         markCancelled(*job);
-        jobs.append(std::move(job));
+        jobs.push_back(std::move(job));
     }
     _size.store(0, std::memory_order_relaxed);
     return jobs;

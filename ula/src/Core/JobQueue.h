@@ -6,6 +6,7 @@
 
 #include <atomic>
 #include <memory>
+#include <vector>
 
 namespace tav::ula {
 
@@ -47,7 +48,7 @@ private:
     static void run(ExecutionJob& job);
     void runHere(ExecutionJob& job);
     void finish(ExecutionJob& job);
-    JobList takeAllCancelled();
+    std::vector<Job> takeAllCancelled();
     /// The queue's reference; empty when the job was not queued any more.
     Job takeCancelled(ExecutionJob& job, bool& isAwaited);
     static void markCancelled(ExecutionJob& job);
