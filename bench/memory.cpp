@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: MIT
-// Bytes of heap for each key of a store, and allocations for each call. The times that are printed
-// mean nothing here; the counters do.
+// Bytes of heap for each key of a store and each pending job, and allocations for each call. The
+// times that are printed mean nothing here; the counters do.
 #include "bench/AllocationCount.h"
 #include "bench/PeerFiles.h"
 #include "bench/Stores.h"
+#include "ula/MainThreadCaller.h"
 #include "ula/foundation/util/Signal.h"
+
+#include <CoreFoundation/CoreFoundation.h>
 
 namespace {
 
@@ -98,6 +101,56 @@ void allocationsOfEmit(benchmark::State& state) {
     allocationsOf(state, [&signal] { signal.emit(); });
 }
 
+/// The jobs that are pending, and how to be rid of them.
+struct OurJobs {
+    void add() {
+        tav::ula::MainThreadCaller::instance()->callAsync([] { benchmark::ClobberMemory(); });
+    }
+    void run() { CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0, false); }
+};
+
+struct GLibJobs {
+    void add() {
+        g_idle_add([](gpointer) -> gboolean { return G_SOURCE_REMOVE; }, nullptr);
+    }
+    void run() {
+        while (g_main_context_iteration(nullptr, FALSE))
+            continue;
+    }
+};
+
+/// Fewer than ours warns of.
+constexpr int kPendingJobs = 9000;
+
+template <class Jobs>
+void bytesOfPendingJob(benchmark::State& state) {
+    Jobs jobs;
+    jobs.add();
+    jobs.run();
+    for (auto _ : state) {
+        const std::size_t before = heapBytes();
+        for (int i = 0; i < kPendingJobs; ++i)
+            jobs.add();
+        const auto bytes = static_cast<double>(heapBytes() - before);
+        state.counters["bytes_per_job"] = bytes / kPendingJobs;
+        jobs.run();
+    }
+}
+
+template <class Jobs>
+void allocationsOfJob(benchmark::State& state) {
+    Jobs jobs;
+    jobs.add();
+    jobs.run();
+    for (auto _ : state) {
+        const std::size_t before = allocationCount();
+        for (int i = 0; i < kPendingJobs; ++i)
+            jobs.add();
+        report(state, allocationCount() - before, kPendingJobs);
+        jobs.run();
+    }
+}
+
 template <class Store>
 void registerAll(const std::string& name, void (*bytes)(benchmark::State&)) {
     const auto once = [&name](const std::string& topic, auto function) {
@@ -112,6 +165,14 @@ void registerAll(const std::string& name, void (*bytes)(benchmark::State&)) {
     });
 }
 
+template <class Jobs>
+void registerJobs(const std::string& name) {
+    benchmark::RegisterBenchmark(("bytesPendingJob/" + name).c_str(), bytesOfPendingJob<Jobs>)
+        ->Iterations(1);
+    benchmark::RegisterBenchmark(("allocationsCallAsync/" + name).c_str(), allocationsOfJob<Jobs>)
+        ->Iterations(1);
+}
+
 const bool kRegistered = [] {
     registerAll<OurStore>("ula", bytesOf<OurStore>);
     registerAll<MapStore<StdMapOf>>("std::map", bytesOf<MapStore<StdMapOf>>);
@@ -122,6 +183,8 @@ const bool kRegistered = [] {
     benchmark::RegisterBenchmark("allocationsCopy/ula", allocationsOfCopy)->Iterations(1);
     benchmark::RegisterBenchmark("allocationsSubstring/ula", allocationsOfSubstring)->Iterations(1);
     benchmark::RegisterBenchmark("allocationsEmit/ula", allocationsOfEmit)->Iterations(1);
+    registerJobs<OurJobs>("ula");
+    registerJobs<GLibJobs>("GLib");
     return true;
 }();
 

@@ -18,6 +18,8 @@ import sys
 LENGTHS = ["8", "24", "200"]
 STORES = ["10", "1000", "100000"]
 FILES = ["1000", "100000", "1000000"]
+THREADS = ["1", "2", "4"]
+PERIODS = ["1", "10"]
 KEYS = {"10": "10", "1000": "1k", "100000": "100k", "1000000": "1M"}
 NANOSECONDS = {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}
 
@@ -64,17 +66,50 @@ COMPARISONS = [
     ("allocations of a copy", "allocationsCopy/ula", None, [""], 0),
     ("allocations of a substring", "allocationsSubstring/ula", None, [""], 0),
     ("allocations of an emit", "allocationsEmit/ula", None, [""], 0),
+    ("a job queued and run", "post/ula", "post/uv", THREADS, 1.3),
+    ("a job queued and run", "post/ula", "post/Qt", THREADS, 0.25),
+    ("a job queued and run", "post/ula", "post/eventfd", THREADS, None),
+    ("a job queued and run", "post/ula", "post/asio", THREADS, None),
+    ("a job queued and run", "post/ula", "post/GLib", THREADS, None),
+    ("round trip, half below", "roundTrip.p50/ula", "roundTrip.p50/Qt", [""], 1.0),
+    ("round trip, half below", "roundTrip.p50/ula", "roundTrip.p50/ping-pong", [""], 1.2),
+    ("round trip, half below", "roundTrip.p50/ula", "roundTrip.p50/eventfd", [""], 1.2),
+    ("round trip, half below", "roundTrip.p50/ula", "roundTrip.p50/uv", [""], None),
+    ("round trip, half below", "roundTrip.p50/ula", "roundTrip.p50/asio", [""], None),
+    ("round trip, half below", "roundTrip.p50/ula", "roundTrip.p50/GLib", [""], None),
+    ("round trip, 99 % below", "roundTrip.p99/ula", "roundTrip.p99/Qt", [""], None),
+    ("round trip, 99 % below", "roundTrip.p99/ula", "roundTrip.p99/ping-pong", [""], None),
+    ("allocations of a queued job", "allocationsCallAsync/ula", None, [""], 1),
+    ("bytes per pending job", "bytesPendingJob/ula", "bytesPendingJob/GLib", [""], None),
+    ("timer off its period, half below", "timer.p50/ula", "timer.p50/asio", PERIODS, 1.2),
+    ("timer off its period, half below", "timer.p50/ula", "timer.p50/timerfd", PERIODS, None),
+    ("timer off its period, half below", "timer.p50/ula", "timer.p50/uv", PERIODS, None),
+    ("timer off its period, half below", "timer.p50/ula", "timer.p50/GLib", PERIODS, None),
+    ("timer off its period, half below", "timer.p50/ula", "timer.p50/Qt", PERIODS, None),
+    ("timer drift per call", "timer.drift/ula", None, PERIODS, 1000),
+    ("timer drift per call", "timer.drift/ula", "timer.drift/asio", PERIODS, None),
+    ("timer drift per call", "timer.drift/ula", "timer.drift/uv", PERIODS, None),
 ]
 
 
 def amount(entry):
     """What the benchmark is about: a counter, or else nanoseconds: of the processor, which a busy
     machine disturbs less, but of the clock where a disk is waited for."""
-    for counter in ("bytes_per_key", "allocations_per_call"):
+    for counter in ("bytes_per_key", "bytes_per_job", "allocations_per_call", "ns_per_job"):
         if counter in entry:
             return entry[counter]
     clock = "real_time" if entry["name"].startswith("replace") else "cpu_time"
     return entry[clock] * NANOSECONDS[entry["time_unit"]]
+
+
+def named_amounts(entry):
+    """The amounts under their names; several where the benchmark is about a distribution."""
+    name = entry["name"].split("/iterations:")[0].replace("/real_time", "")
+    distribution = [counter for counter in ("p50_ns", "p99_ns", "drift_ns") if counter in entry]
+    if not distribution:
+        return [(name, amount(entry))]
+    topic, rest = name.split("/", 1)
+    return [(f"{topic}.{counter[:-3]}/{rest}", entry[counter]) for counter in distribution]
 
 
 def read(paths):
@@ -84,11 +119,11 @@ def read(paths):
         with open(path, encoding="utf-8") as file:
             entries = json.load(file)["benchmarks"]
         for entry in entries:
-            name = entry["name"].split("/iterations:")[0].replace("/real_time", "")
             if entry.get("error_occurred"):
-                errors.append(f"{name}: {entry['error_message']}")
+                errors.append(f"{entry['name']}: {entry['error_message']}")
             elif entry.get("run_type") == "iteration":
-                amounts.setdefault(name, []).append(amount(entry))
+                for name, value in named_amounts(entry):
+                    amounts.setdefault(name, []).append(value)
     return amounts, sorted(set(errors))
 
 
@@ -124,6 +159,10 @@ def show(name, value):
 def size_label(name, size):
     if name.startswith(("copy", "substring", "find1000")):
         return size + " bytes"
+    if name.startswith("post"):
+        return size + (" thread" if size == "1" else " threads")
+    if name.startswith("timer"):
+        return size + " ms"
     return "" if name.startswith("emit") or not size else KEYS[size] + " keys"
 
 
