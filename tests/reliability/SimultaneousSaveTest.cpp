@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-#include "tests/reliability/support/ChildProcess.h"
 #include "tests/reliability/support/MarkedSettings.h"
 #include "tests/reliability/support/SaveProblems.h"
 #include "tests/reliability/support/SystemCalls.h"
+#include "tests/support/ChildProcess.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Files made to cost as much time and memory as a file of their size can, read as an application
 // reads them at its start: in a process of its own, against a limit of time and one of memory.
-#include "tests/reliability/support/ChildProcess.h"
+#include "tests/support/ChildProcess.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include "ula/SettingsException.h"

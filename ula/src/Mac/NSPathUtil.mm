@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: MIT
+#import "ula/NSPathUtil.h"
+
+#import "ula/ObjCHelper.h"
+#include "ula/ScopedARPool.h"
+
+#import <AppKit/AppKit.h>
+#include <mutex>
+#include <sys/stat.h>
+
+namespace {
+
+NSString* const kVolumes = @"/Volumes/";
+
+/// Whether the entry is a link to the system's root directory.
+bool leadsToRoot(NSString* path) {
+    if (![NSPathUtil isLink:path])
+        return false;
+    NSFileWrapper* const wrapper = [[NSFileWrapper alloc] initWithPath:path];
+    const bool leads = [wrapper isSymbolicLink] &&
+                       [[wrapper symbolicLinkDestination] isEqual:NSOpenStepRootDirectory()];
+    [wrapper release];
+    return leads;
+}
+
+NSString* findNameForRootDisk() {
+    NSFileManager* const files = [NSFileManager defaultManager];
+    for (NSString* entry in [files directoryContentsAtPath:@"/Volumes"]) {
+        if (leadsToRoot([kVolumes stringByAppendingString:entry]))
+            return entry;
+    }
+    return [files displayNameAtPath:@"/"];
+}
+
+} // namespace
+
+@implementation NSPathUtil
+
++ (NSString*)getNameForRootDisk {
+    static NSString* name = nil;
+    // Several threads may ask first.
+    static std::once_flag once;
+    std::call_once(once, [] {
+        const tav::ula::ScopedARPool pool;
+        name = [findNameForRootDisk() retain];
+    });
+    return name;
+}
+
++ (NSString*)normalizeToRootDisk:(NSString*)path {
+    return [[path copy] autorelease];
+}
+
++ (BOOL)isLink:(NSString*)path {
+    struct stat item {};
+    if (lstat([path fileSystemRepresentation], &item) != 0)
+        return NO;
+    return S_ISLNK(item.st_mode);
+}
+
+@end
+
+namespace tav::ula::NSPathUtilNameSpace {
+
+std::string nameForRootDisk() {
+    const ScopedARPool pool;
+    return [[NSPathUtil getNameForRootDisk] toStdString];
+}
+
+std::string normalizeMacPathToRoot(const std::string& path) {
+    const ScopedARPool pool;
+    return [[NSPathUtil normalizeToRootDisk:[NSString fromStdString:path]] toStdString];
+}
+
+} // namespace tav::ula::NSPathUtilNameSpace
