@@ -155,14 +155,17 @@ TEST_F(RecycleBin, AnotherItemOfTheNameIsNotRestoredForIt) {
 TEST_F(RecycleBin, ItemOfAFolderThatMayNotBeChangedStaysAndIsToldWhy) {
     const FastString file = makeFile("locked/file");
     fs::permissions(folder.path(), static_cast<fs::perms>(0755));
-    EXPECT_THAT(test::runInChild([&] {
-                    constexpr uid_t kNobody = 65534;
-                    Results results;
-                    if (setuid(kNobody) != 0 || moveToRecycleBin({file}, results))
-                        return std::string();
-                    return results.at(0).error.toStdString();
-                }),
-                testing::HasSubstr("may not be changed"));
+    constexpr uid_t kNobody = 65534;
+    fs::create_directory(folder / "own");
+    ASSERT_EQ(chown((folder / "own").c_str(), kNobody, kNobody), 0);
+    const std::string error = test::runInChild([&] {
+        setenv("XDG_DATA_HOME", (folder / "own").c_str(), 1);
+        Results results;
+        if (setuid(kNobody) != 0 || moveToRecycleBin({file}, results))
+            return std::string();
+        return results.at(0).error.toStdString();
+    });
+    EXPECT_THAT(error, testing::HasSubstr("may not be changed"));
     EXPECT_TRUE(isThere("locked/file"));
 }
 

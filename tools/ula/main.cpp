@@ -2,6 +2,8 @@
 #include "tools/ula/DisplayText.h"
 #include "tools/ula/SettingsCommand.h"
 #include "tools/ula/StandardOutput.h"
+#include "tools/ula/TrashCommand.h"
+#include "tools/ula/VolumesCommand.h"
 #include "tools/ula/Warnings.h"
 
 #include <CLI/CLI.hpp>
@@ -15,6 +17,8 @@ using namespace tav::tool;
 constexpr const char* kHelp = R"(Examples:
   ula settings photo.xml list
   ula settings photo.xml set Window Width 1280
+  ula volumes              the start-up disk and mounted volumes by their names
+  ula trash old.jpg        moves a file to the trash, and says where it is now
   ula settings --help      all about settings files
   ula settings x set --help    all about storing values
 
@@ -32,7 +36,7 @@ ExitCode tell(const CommandError& error) {
 std::string hintFor(const std::string& message) {
     if (message.find("not expected: -") != std::string::npos)
         return "put -- before values that begin with -, or see 'ula settings --help'";
-    return "'ula --help' and 'ula settings --help' show how";
+    return "'ula --help' and 'ula COMMAND --help' show how";
 }
 
 ExitCode run(CLI::App& program, const std::vector<std::string>& arguments, const ExitCode& result) {
@@ -57,6 +61,8 @@ int main(int argc, char** argv) {
     program.footer(kHelp);
     ExitCode result = ExitOk;
     addSettingsCommand(program, result);
+    addTrashCommand(program, result);
+    addVolumesCommand(program, result);
     std::vector<std::string> arguments;
     for (int i = 1; i < argc; ++i)
         arguments.push_back(protectArgument(argv[i]));

@@ -1,0 +1,147 @@
+// SPDX-License-Identifier: MIT
+#include "tools/ula/TrashCommand.h"
+
+#include "tools/ula/DisplayText.h"
+#include "tools/ula/SettingsCommand.h"
+#include "tools/ula/StandardOutput.h"
+#include "ula/RecycleBin.h"
+
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+#include <memory>
+#include <nlohmann/json.hpp>
+
+namespace tav::tool {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+using ula::FastString;
+using ula::RecycleBinReceipt;
+using ula::RecycleBinResult;
+
+constexpr const char* kHelp = R"(Examples:
+  ula trash old.jpg "old folder"          says where each is now
+  ula trash old.jpg --json > gone.json    keeps the receipts
+  ula trash --restore gone.json           puts everything back where it was
+
+A symbolic link goes itself, not what it leads to. Nothing is ever replaced.
+Exit codes: 0 done; 1 something stayed where it was; 2 wrong usage; 3 the receipts
+cannot be read.)";
+
+struct Options {
+    std::vector<std::string> files;
+    std::string receipts;
+    bool asJson = false;
+};
+
+std::string textOf(const FastString& text) {
+    return displayText(text.view());
+}
+
+void report(const RecycleBinResult& result, const FastString& item) {
+    std::fflush(stdout);
+    std::fprintf(stderr, "ula: %s: %s\n", textOf(item).c_str(), textOf(result.error).c_str());
+}
+
+Json jsonOf(const RecycleBinResult& result) {
+    const RecycleBinReceipt& receipt = result.receipt;
+    Json json{{"original", receipt.originalPath.toStdString()}};
+    if (!result.done) {
+        json["error"] = result.error.toStdString();
+        return json;
+    }
+    json["trashed"] = receipt.trashedPath.toStdString();
+    json["device"] = receipt.device;
+    json["inode"] = receipt.inode;
+    return json;
+}
+
+ExitCode put(const Options& options) {
+    std::vector<FastString> paths;
+    for (const std::string& file : options.files)
+        paths.emplace_back(std::filesystem::absolute(file).string());
+    std::vector<RecycleBinResult> results;
+    const bool all = ula::moveToRecycleBin(paths, results);
+    Json list = Json::array();
+    for (const RecycleBinResult& result : results) {
+        list.push_back(jsonOf(result));
+        if (!result.done)
+            report(result, result.receipt.originalPath);
+        else if (!options.asJson)
+            print(textOf(result.receipt.originalPath) + " -> " +
+                  textOf(result.receipt.trashedPath) + "\n");
+    }
+    if (options.asJson)
+        print(list.dump(2, ' ', false, Json::error_handler_t::replace) + "\n");
+    return all ? ExitOk : ExitDiffers;
+}
+
+std::string readAll(const std::string& path) {
+    if (path == "-")
+        return {std::istreambuf_iterator<char>(std::cin), {}};
+    std::ifstream file(path, std::ios::binary);
+    if (!file)
+        throw CommandError{ExitCannotRead, path + ": the receipts cannot be read",
+                           "'ula trash FILE --json > receipts.json' makes such a file"};
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+std::vector<RecycleBinReceipt> readReceipts(const std::string& path) {
+    std::vector<RecycleBinReceipt> receipts;
+    try {
+        for (const Json& json : Json::parse(readAll(path))) {
+            // What stayed where it was has no receipt.
+            if (!json.at("original").is_string() || !json.contains("trashed"))
+                continue;
+            receipts.push_back({FastString(json["original"].get<std::string>()),
+                                FastString(json["trashed"].get<std::string>()),
+                                json.at("device").get<std::uint64_t>(),
+                                json.at("inode").get<std::uint64_t>()});
+        }
+    } catch (const Json::exception& error) {
+        throw CommandError{ExitCannotRead, path + ": these are no receipts: " + error.what(),
+                           "'ula trash FILE --json > receipts.json' makes such a file"};
+    }
+    return receipts;
+}
+
+ExitCode restore(const Options& options) {
+    ExitCode code = ExitOk;
+    for (const RecycleBinReceipt& receipt : readReceipts(options.receipts)) {
+        const RecycleBinResult result = ula::restoreFromRecycleBin(receipt);
+        if (result.done) {
+            print(textOf(receipt.originalPath) + "\n");
+            continue;
+        }
+        report(result, receipt.originalPath);
+        code = ExitDiffers;
+    }
+    return code;
+}
+
+}  // namespace
+
+void addTrashCommand(CLI::App& program, ExitCode& result) {
+    const auto options = std::make_shared<Options>();
+    CLI::App* const trash =
+        program.add_subcommand("trash", "Move files and folders to the trash, and back");
+    CLI::Option* const files =
+        trash->add_option("FILE", options->files, "What is to go")->transform(&unprotectArgument);
+    trash->add_flag("--json", options->asJson, "Print receipts, as JSON");
+    trash->add_option("--restore", options->receipts, "Put back what these receipts tell of")
+        ->type_name("RECEIPTS")
+        ->excludes(files);
+    trash->callback([options, &result] {
+        if (options->files.empty() && options->receipts.empty())
+            throw CLI::RequiredError("FILE");
+        result = options->receipts.empty() ? put(*options) : restore(*options);
+    });
+    trash->footer(kHelp);
+}
+
+}  // namespace tav::tool
