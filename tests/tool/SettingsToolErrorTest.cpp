@@ -7,7 +7,7 @@ namespace tav::test {
 
 namespace {
 
-constexpr const char* kUsageHint = "     'ula --help' and 'ula settings --help' show how\n";
+constexpr const char* kUsageHint = "     'ula --help' and 'ula COMMAND --help' show how\n";
 
 class SettingsToolError : public ToolTest {
 protected:
