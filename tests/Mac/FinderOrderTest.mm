@@ -72,6 +72,12 @@ TEST_F(FinderOrder, EmptyTextComesFirst) {
     EXPECT_EQ(order("", "a"), NSOrderedAscending);
 }
 
+TEST_F(FinderOrder, LongTextsCompareToTheirEnd) {
+    const std::string longText(1000, 'x');
+    EXPECT_EQ(order(longText + "2", longText + "10"), NSOrderedAscending);
+    EXPECT_EQ(order(longText + "a", longText + "A"), NSOrderedSame);
+}
+
 TEST_F(FinderOrder, ListSortedByTheWrapperIsAsTheFinderShowsIt) {
     std::vector<std::string> names{"Item 10", "item 9", "b", "\u00c4pfel", "Apfel", "Item 1"};
     std::sort(names.begin(), names.end(), [](const std::string& left, const std::string& right) {
