@@ -17,7 +17,8 @@ using bench::allocationCount;
 constexpr std::size_t kTimes = 1000;
 
 /// For so many calls of the function, in a pool of their own.
-template <class Function> std::size_t allocationsOf(Function function) {
+template <class Function>
+std::size_t allocationsOf(Function function) {
     const ScopedARPool pool;
     function();
     const std::size_t before = allocationCount();
@@ -59,5 +60,5 @@ TEST(AllocationTest, SynchronousCallTakesOneAllocation) {
     EXPECT_EQ(allocations, kTimes);
 }
 
-} // namespace
-} // namespace tav::ula
+}  // namespace
+}  // namespace tav::ula

@@ -12,13 +12,13 @@ namespace {
 using ObjCFunctionsWrapper::compareLikeFinderWrapper;
 
 class FinderOrder : public testing::Test {
-  protected:
+protected:
     /// The message itself, of two texts.
     static NSComparisonResult order(const std::string& left, const std::string& right) {
         return [[NSString fromStdString:left] compareLikeFinder:[NSString fromStdString:right]];
     }
 
-  private:
+private:
     const ScopedARPool _pool;
 };
 
@@ -87,5 +87,5 @@ TEST_F(FinderOrder, ListSortedByTheWrapperIsAsTheFinderShowsIt) {
                 testing::ElementsAre("Apfel", "\u00c4pfel", "b", "Item 1", "item 9", "Item 10"));
 }
 
-} // namespace
-} // namespace tav::ula
+}  // namespace
+}  // namespace tav::ula

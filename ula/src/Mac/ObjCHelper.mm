@@ -18,7 +18,7 @@ static_assert(kFinderOrder == 0x3800E);
 
 /// The UTF-16 characters of a text; those of a name need no memory of their own.
 class Characters {
-  public:
+public:
     explicit Characters(NSString* text) : _length([text length]) {
         if (_length > std::size(_few))
             _many.resize(_length);
@@ -30,7 +30,7 @@ class Characters {
     const UniChar* data() const { return _many.empty() ? _few : _many.data(); }
     std::size_t length() const { return _length; }
 
-  private:
+private:
     UniChar* buffer() { return _many.empty() ? _few : _many.data(); }
 
     std::size_t _length;
@@ -38,7 +38,7 @@ class Characters {
     std::vector<UniChar> _many;
 };
 
-} // namespace
+}  // namespace
 
 @implementation NSString (ObjCHelper)
 
