@@ -35,8 +35,13 @@ void Report::note(const std::string& line) {
 }
 
 void Report::progress(int done, int total, const std::string& line) {
-    if (!isTerminal())
+    if (!isTerminal()) {
+        const auto quarters = static_cast<int>(4LL * done / total);
+        if (quarters > _quarters)
+            note(line);
+        _quarters = quarters;
         return;
+    }
     constexpr int kWidth = 40;
     std::string bar;
     for (int i = 0; i < kWidth; ++i)

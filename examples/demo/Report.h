@@ -12,7 +12,7 @@ public:
     /// Returns `isTrue`.
     bool check(bool isTrue, const std::string& line);
     void note(const std::string& line);
-    /// A bar in place, on a terminal only; gone with the next line.
+    /// A bar in place, gone with the next line; where there is no terminal, a line every quarter.
     void progress(int done, int total, const std::string& line);
     int exitCode() const { return _isGood ? 0 : 1; }
 
@@ -21,6 +21,7 @@ private:
 
     bool _isGood = true;
     bool _hasProgress = false;
+    int _quarters = 0;
 };
 
 class StopWatch {

@@ -172,16 +172,18 @@ RunLoop::Run* RunLoop::runBelowHost() const {
 }
 
 void RunLoop::hostIsReady(CFStringRef mode) {
+    bool triggered = _hostTriggered;
     Run* run = runBelowHost();
-    if (run == nullptr) {
-        // Somebody else runs the host: exceptions go through it to them.
+    // Where somebody else runs the host, exceptions go through it to them.
+    if (run == nullptr)
         serve(mode, false);
-        return;
-    }
-    serveFor(*run, mode);
-    // The host ends its wait only for a descriptor, and this report may have come without one.
-    if (run->hostTriggered && isOver(*run))
+    else
+        serveFor(*run, mode);
+    // After a report without a descriptor the host goes on to wait, for what it knew of before: not
+    // for an event, a timer or an end that a call-back has brought about.
+    if (triggered)
         wake();
+    _hostTriggered = triggered;
 }
 
 // Exceptions are carried around the host, which would not be left in order by them.
@@ -199,9 +201,7 @@ void RunLoop::serveFor(Run& run, CFStringRef mode) {
 
 bool RunLoop::hostMayWait(CFStringRef mode) {
     bool ready = hasSignalledSource(mode);
-    Run* run = runBelowHost();
-    if (ready && run != nullptr)
-        run->hostTriggered = true;
+    _hostTriggered = ready;
     _waiting.store(!ready, std::memory_order_relaxed);
     return !ready;
 }

@@ -84,9 +84,6 @@ private:
         /// How many passes were in progress when it began.
         unsigned passes;
         bool handled = false;
-        /// Whether hostMayWait() has made the host report without a descriptor. There may be
-        /// several such reports for one answer, as the host asks for each of its watches.
-        bool hostTriggered = false;
         /// Guarded by _mutex, as any thread may stop the loop.
         bool stopped = false;
         std::exception_ptr exception = nullptr;
@@ -124,6 +121,9 @@ private:
     /// These are the own thread's. How many passes are in progress, each in a call-back of the
     /// last.
     unsigned _passes = 0;
+    /// Whether hostMayWait() has made the host report without a descriptor. There may be several
+    /// such reports for one answer, as the host asks for each of its watches.
+    bool _hostTriggered = false;
     std::unique_ptr<HostLoop> _host;
 };
 

@@ -56,6 +56,15 @@ TEST_F(ModalAlert, WorkOfManyThreadsIsServed) {
     EXPECT_TRUE(workers.allServed());
 }
 
+TEST_F(ModalAlert, ItIsEndedByASourceThatWasSignalledWithoutAWakeUp) {
+    TestSource ending(endModal);
+    TestSource opening([&] { ending.signal(); });
+    ending.add();
+    opening.add().signalAndWake();
+    runAlert();
+    EXPECT_EQ(ending.calls(), 1);
+}
+
 TEST_F(ModalAlert, ATimerFires) {
     TestTimer timer(0.01, 0.01, [&] {
         if (timer.calls() == 5)
