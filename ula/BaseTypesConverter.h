@@ -18,4 +18,4 @@ ULA_API CGRect fromTavRectf(const math::GenRect<float>& rectangle);
 /// The differences are computed in int.
 ULA_API CGRect fromTavRecti(const math::GenRect<int>& rectangle);
 
-} // namespace tav::ula::BaseTypesConverter
+}  // namespace tav::ula::BaseTypesConverter

@@ -15,7 +15,7 @@ ULA_API std::string nameForRootDisk();
 /// The path as the library speaks of it: in this version the very same.
 ULA_API std::string normalizeMacPathToRoot(const std::string& path);
 
-} // namespace tav::ula::NSPathUtilNameSpace
+}  // namespace tav::ula::NSPathUtilNameSpace
 
 #ifdef __OBJC__
 

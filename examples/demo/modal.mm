@@ -41,7 +41,7 @@ void closeAlert() {
 
 /// The jobs, and what the main thread has seen of them.
 class Work {
-  public:
+public:
     Work(int jobCount, Report& report)
         : _runs(static_cast<std::size_t>(jobCount)), _report(report) {}
     ~Work() {
@@ -58,13 +58,13 @@ class Work {
     }
     void tell() const;
 
-  private:
+private:
     int total() const { return static_cast<int>(_runs.size()); }
     void send(int thread);
     void ran(int job);
     void showProgress() const;
 
-    std::vector<int> _runs; ///< how often each has run
+    std::vector<int> _runs;  ///< how often each has run
     int _ran = 0;
     int _ranInAlert = 0;
     int _mostPending = 0;
@@ -123,7 +123,7 @@ NSInteger runAlert() {
     return [alert runModal];
 }
 
-} // namespace
+}  // namespace
 
 int main(int argc, char** argv) {
     const int jobCount = argc > 1 ? std::atoi(argv[1]) : 100000;

@@ -45,7 +45,7 @@ BOOL performFileOperation(id self, SEL command, NSString* operation, NSString* s
     return done ? YES : NO;
 }
 
-} // namespace
+}  // namespace
 
 @interface ULWorkspaceRecycle : NSObject
 @end

@@ -7,14 +7,14 @@ namespace cf {
 
 /// An autorelease pool for a scope. Threads that GNUstep has never seen have none of their own.
 class AutoreleasePool {
-  public:
+public:
     AutoreleasePool() : _pool([[NSAutoreleasePool alloc] init]) {}
     ~AutoreleasePool() { [_pool release]; }
     AutoreleasePool(const AutoreleasePool&) = delete;
     AutoreleasePool& operator=(const AutoreleasePool&) = delete;
 
-  private:
+private:
     NSAutoreleasePool* _pool;
 };
 
-} // namespace cf
+}  // namespace cf

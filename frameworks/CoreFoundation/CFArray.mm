@@ -9,13 +9,19 @@ NSArray* values(CFArrayRef array) {
     return reinterpret_cast<NSArray*>(const_cast<__CFArray*>(array));
 }
 
-id object(const void* value) { return static_cast<id>(const_cast<void*>(value)); }
+id object(const void* value) {
+    return static_cast<id>(const_cast<void*>(value));
+}
 
-const void* retainObject(CFAllocatorRef, const void* value) { return CFRetain(value); }
+const void* retainObject(CFAllocatorRef, const void* value) {
+    return CFRetain(value);
+}
 
-void releaseObject(CFAllocatorRef, const void* value) { CFRelease(value); }
+void releaseObject(CFAllocatorRef, const void* value) {
+    CFRelease(value);
+}
 
-} // namespace
+}  // namespace
 
 const CFArrayCallBacks kCFTypeArrayCallBacks = {0, retainObject, releaseObject, CFCopyDescription,
                                                 CFEqual};
@@ -41,7 +47,9 @@ CFMutableArrayRef CFArrayCreateMutable(CFAllocatorRef, CFIndex, const CFArrayCal
     return reinterpret_cast<CFMutableArrayRef>([[NSMutableArray alloc] init]);
 }
 
-CFIndex CFArrayGetCount(CFArrayRef array) { return static_cast<CFIndex>([values(array) count]); }
+CFIndex CFArrayGetCount(CFArrayRef array) {
+    return static_cast<CFIndex>([values(array) count]);
+}
 
 const void* CFArrayGetValueAtIndex(CFArrayRef array, CFIndex index) {
     return [values(array) objectAtIndex:static_cast<NSUInteger>(index)];

@@ -6,9 +6,11 @@
 
 namespace {
 
-id object(CFTypeRef reference) { return static_cast<id>(const_cast<void*>(reference)); }
+id object(CFTypeRef reference) {
+    return static_cast<id>(const_cast<void*>(reference));
+}
 
-} // namespace
+}  // namespace
 
 CFTypeRef CFRetain(CFTypeRef reference) {
     if (reference == nullptr)
@@ -30,7 +32,9 @@ Boolean CFEqual(CFTypeRef reference, CFTypeRef other) {
     return reference == other || [object(reference) isEqual:object(other)];
 }
 
-CFHashCode CFHash(CFTypeRef reference) { return [object(reference) hash]; }
+CFHashCode CFHash(CFTypeRef reference) {
+    return [object(reference) hash];
+}
 
 CFStringRef CFCopyDescription(CFTypeRef reference) {
     if (reference == nullptr)

@@ -38,7 +38,7 @@ NSArray* chosen(NSArray* localizations, NSArray* preferences) {
     return [localizations subarrayWithRange:NSMakeRange(0, length)];
 }
 
-} // namespace
+}  // namespace
 
 CFArrayRef CFBundleCopyLocalizationsForPreferences(CFArrayRef localizations,
                                                    CFArrayRef preferences) {

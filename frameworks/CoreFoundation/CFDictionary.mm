@@ -15,15 +15,21 @@ NSMutableDictionary* table(CFMutableDictionaryRef dictionary) {
     return reinterpret_cast<NSMutableDictionary*>(dictionary);
 }
 
-id object(const void* value) { return static_cast<id>(const_cast<void*>(value)); }
+id object(const void* value) {
+    return static_cast<id>(const_cast<void*>(value));
+}
 
-const void* retainObject(CFAllocatorRef, const void* value) { return CFRetain(value); }
+const void* retainObject(CFAllocatorRef, const void* value) {
+    return CFRetain(value);
+}
 
 const void* copyString(CFAllocatorRef allocator, const void* value) {
     return CFStringCreateCopy(allocator, static_cast<CFStringRef>(value));
 }
 
-void releaseObject(CFAllocatorRef, const void* value) { CFRelease(value); }
+void releaseObject(CFAllocatorRef, const void* value) {
+    CFRelease(value);
+}
 
 bool forObjects(const CFDictionaryKeyCallBacks* keys, const CFDictionaryValueCallBacks* values) {
     return (keys == &kCFTypeDictionaryKeyCallBacks ||
@@ -31,7 +37,7 @@ bool forObjects(const CFDictionaryKeyCallBacks* keys, const CFDictionaryValueCal
            values == &kCFTypeDictionaryValueCallBacks;
 }
 
-} // namespace
+}  // namespace
 
 const CFDictionaryKeyCallBacks kCFTypeDictionaryKeyCallBacks = {
     0, retainObject, releaseObject, CFCopyDescription, CFEqual, CFHash};

@@ -9,7 +9,7 @@ NSLocale* settings(CFLocaleRef locale) {
     return reinterpret_cast<NSLocale*>(const_cast<__CFLocale*>(locale));
 }
 
-} // namespace
+}  // namespace
 
 const CFLocaleKey kCFLocaleIdentifier = reinterpret_cast<CFLocaleKey>(NSLocaleIdentifier);
 const CFLocaleKey kCFLocaleLanguageCode = reinterpret_cast<CFLocaleKey>(NSLocaleLanguageCode);

@@ -28,7 +28,8 @@ bool isReal(NSNumber* value) {
            strcmp([value objCType], @encode(float)) == 0;
 }
 
-template <class T> T nearest(double value) {
+template <class T>
+T nearest(double value) {
     if constexpr (std::is_integral_v<T>) {
         // The largest integers have no exact double: from 2^63 on the cast would be undefined.
         if (value >= static_cast<double>(std::numeric_limits<T>::max()))
@@ -41,7 +42,8 @@ template <class T> T nearest(double value) {
     }
 }
 
-template <class T> T nearest(long long value) {
+template <class T>
+T nearest(long long value) {
     if constexpr (std::is_integral_v<T>) {
         if (value > std::numeric_limits<T>::max())
             return std::numeric_limits<T>::max();
@@ -51,7 +53,8 @@ template <class T> T nearest(long long value) {
     return static_cast<T>(value);
 }
 
-template <class T> bool store(NSNumber* source, void* target) {
+template <class T>
+bool store(NSNumber* source, void* target) {
     T stored{};
     bool exact = false;
     if (isReal(source)) {
@@ -68,7 +71,8 @@ template <class T> bool store(NSNumber* source, void* target) {
 }
 
 // Calls action with a value of the C type that the number type names.
-template <class Action> auto withType(CFNumberType type, Action action) -> decltype(action(int{})) {
+template <class Action>
+auto withType(CFNumberType type, Action action) -> decltype(action(int{})) {
     switch (type) {
     case kCFNumberSInt8Type:
     case kCFNumberCharType:
@@ -95,12 +99,14 @@ template <class Action> auto withType(CFNumberType type, Action action) -> declt
     }
 }
 
-} // namespace
+}  // namespace
 
 const CFBooleanRef kCFBooleanTrue = boolean(YES);
 const CFBooleanRef kCFBooleanFalse = boolean(NO);
 
-Boolean CFBooleanGetValue(CFBooleanRef value) { return [number(value) boolValue]; }
+Boolean CFBooleanGetValue(CFBooleanRef value) {
+    return [number(value) boolValue];
+}
 
 CFNumberRef CFNumberCreate(CFAllocatorRef, CFNumberType type, const void* value) {
     cf::AutoreleasePool pool;

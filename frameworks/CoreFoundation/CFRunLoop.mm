@@ -19,14 +19,16 @@ namespace {
 
 constexpr CFTimeInterval forever = 1e10;
 
-} // namespace
+}  // namespace
 
 CFRunLoopRef CFRunLoopGetCurrent(void) {
     cf::RunLoop* loop = ThreadRunLoop::current();
     return loop == nullptr ? nullptr : loop->object();
 }
 
-CFRunLoopRef CFRunLoopGetMain(void) { return ThreadRunLoop::main().object(); }
+CFRunLoopRef CFRunLoopGetMain(void) {
+    return ThreadRunLoop::main().object();
+}
 
 void CFRunLoopRun(void) {
     CFRunLoopRunResult result = 0;
@@ -43,9 +45,13 @@ CFRunLoopRunResult CFRunLoopRunInMode(CFRunLoopMode mode, CFTimeInterval seconds
     return loop->run(modeName(mode), seconds, returnAfterSourceHandled != 0);
 }
 
-void CFRunLoopStop(CFRunLoopRef runLoop) { loopOf(runLoop).stop(); }
+void CFRunLoopStop(CFRunLoopRef runLoop) {
+    loopOf(runLoop).stop();
+}
 
-void CFRunLoopWakeUp(CFRunLoopRef runLoop) { loopOf(runLoop).wake(); }
+void CFRunLoopWakeUp(CFRunLoopRef runLoop) {
+    loopOf(runLoop).wake();
+}
 
 Boolean CFRunLoopIsWaiting(CFRunLoopRef runLoop) {
     cf::RunLoop& loop = loopOf(runLoop);
@@ -72,19 +78,25 @@ CFRunLoopSourceRef CFRunLoopSourceCreate(CFAllocatorRef, CFIndex order,
     return cf::newSource(order, *context);
 }
 
-CFIndex CFRunLoopSourceGetOrder(CFRunLoopSourceRef source) { return sourceOf(source).order(); }
+CFIndex CFRunLoopSourceGetOrder(CFRunLoopSourceRef source) {
+    return sourceOf(source).order();
+}
 
 void CFRunLoopSourceGetContext(CFRunLoopSourceRef source, CFRunLoopSourceContext* context) {
     *context = sourceOf(source).context();
 }
 
-void CFRunLoopSourceSignal(CFRunLoopSourceRef source) { sourceOf(source).signal(); }
+void CFRunLoopSourceSignal(CFRunLoopSourceRef source) {
+    sourceOf(source).signal();
+}
 
 void CFRunLoopSourceInvalidate(CFRunLoopSourceRef source) {
     Membership::invalidate(sourceOf(source));
 }
 
-Boolean CFRunLoopSourceIsValid(CFRunLoopSourceRef source) { return sourceOf(source).isValid(); }
+Boolean CFRunLoopSourceIsValid(CFRunLoopSourceRef source) {
+    return sourceOf(source).isValid();
+}
 
 void CFRunLoopAddSource(CFRunLoopRef runLoop, CFRunLoopSourceRef source, CFRunLoopMode mode) {
     Membership::add(loopOf(runLoop), sourceOf(source), modeName(mode));
@@ -111,7 +123,9 @@ CFTimeInterval CFRunLoopTimerGetInterval(CFRunLoopTimerRef timer) {
     return timerOf(timer).intervalSeconds();
 }
 
-Boolean CFRunLoopTimerDoesRepeat(CFRunLoopTimerRef timer) { return timerOf(timer).repeats(); }
+Boolean CFRunLoopTimerDoesRepeat(CFRunLoopTimerRef timer) {
+    return timerOf(timer).repeats();
+}
 
 CFAbsoluteTime CFRunLoopTimerGetNextFireDate(CFRunLoopTimerRef timer) {
     return timerOf(timer).isValid() ? timerOf(timer).nextFireDate() : 0;
@@ -121,9 +135,13 @@ void CFRunLoopTimerSetNextFireDate(CFRunLoopTimerRef timer, CFAbsoluteTime fireD
     Membership::setFireDate(timerOf(timer), fireDate);
 }
 
-void CFRunLoopTimerInvalidate(CFRunLoopTimerRef timer) { Membership::invalidate(timerOf(timer)); }
+void CFRunLoopTimerInvalidate(CFRunLoopTimerRef timer) {
+    Membership::invalidate(timerOf(timer));
+}
 
-Boolean CFRunLoopTimerIsValid(CFRunLoopTimerRef timer) { return timerOf(timer).isValid(); }
+Boolean CFRunLoopTimerIsValid(CFRunLoopTimerRef timer) {
+    return timerOf(timer).isValid();
+}
 
 void CFRunLoopTimerGetContext(CFRunLoopTimerRef timer, CFRunLoopTimerContext* context) {
     *context = timerOf(timer).context();
@@ -141,7 +159,9 @@ Boolean CFRunLoopContainsTimer(CFRunLoopRef runLoop, CFRunLoopTimerRef timer, CF
     return loopOf(runLoop).contains(timerOf(timer), modeName(mode));
 }
 
-int ULARunLoopGetDescriptor(CFRunLoopRef runLoop) { return loopOf(runLoop).pollDescriptor(); }
+int ULARunLoopGetDescriptor(CFRunLoopRef runLoop) {
+    return loopOf(runLoop).pollDescriptor();
+}
 
 Boolean ULARunLoopServe(CFRunLoopRef runLoop) {
     cf::RunLoop& loop = loopOf(runLoop);

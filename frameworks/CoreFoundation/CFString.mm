@@ -15,7 +15,9 @@ NSString* text(CFStringRef string) {
     return reinterpret_cast<NSString*>(const_cast<__CFString*>(string));
 }
 
-CFStringRef reference(NSString* string) { return reinterpret_cast<CFStringRef>(string); }
+CFStringRef reference(NSString* string) {
+    return reinterpret_cast<CFStringRef>(string);
+}
 
 NSStringEncoding encodingOf(CFStringEncoding encoding) {
     switch (encoding) {
@@ -34,7 +36,7 @@ NSStringEncoding encodingOf(CFStringEncoding encoding) {
     }
 }
 
-} // namespace
+}  // namespace
 
 CFStringRef CFStringCreateWithCString(CFAllocatorRef allocator, const char* characters,
                                       CFStringEncoding encoding) {

@@ -6,7 +6,9 @@
 
 namespace {
 
-NSURL* location(CFURLRef url) { return reinterpret_cast<NSURL*>(const_cast<__CFURL*>(url)); }
+NSURL* location(CFURLRef url) {
+    return reinterpret_cast<NSURL*>(const_cast<__CFURL*>(url));
+}
 
 NSString* text(CFStringRef string) {
     return reinterpret_cast<NSString*>(const_cast<__CFString*>(string));
@@ -20,7 +22,7 @@ NSString* pathOf(CFURLRef url) {
     return path;
 }
 
-} // namespace
+}  // namespace
 
 CFURLRef CFURLCreateWithFileSystemPath(CFAllocatorRef, CFStringRef path, CFURLPathStyle style,
                                        Boolean isDirectory) {

@@ -42,7 +42,7 @@ std::string infoPathOf(const std::string& trashedPath) {
            ".trashinfo";
 }
 
-} // namespace
+}  // namespace
 
 @implementation NSFileManager (ULATrash)
 

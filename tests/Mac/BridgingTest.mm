@@ -131,4 +131,4 @@ TEST_F(Bridging, IntegerEdgesBecomeOriginAndSize) {
     EXPECT_EQ(rectangle.size.height, 40);
 }
 
-} // namespace tav::ula
+}  // namespace tav::ula

@@ -12,13 +12,13 @@ namespace {
 using ObjCFunctionsWrapper::compareLikeFinderWrapper;
 
 class FinderOrder : public testing::Test {
-  protected:
+protected:
     /// The message itself, of two texts.
     static NSComparisonResult order(const std::string& left, const std::string& right) {
         return [[NSString fromStdString:left] compareLikeFinder:[NSString fromStdString:right]];
     }
 
-  private:
+private:
     const ScopedARPool _pool;
 };
 
@@ -72,6 +72,12 @@ TEST_F(FinderOrder, EmptyTextComesFirst) {
     EXPECT_EQ(order("", "a"), NSOrderedAscending);
 }
 
+TEST_F(FinderOrder, LongTextsCompareToTheirEnd) {
+    const std::string longText(1000, 'x');
+    EXPECT_EQ(order(longText + "2", longText + "10"), NSOrderedAscending);
+    EXPECT_EQ(order(longText + "a", longText + "A"), NSOrderedSame);
+}
+
 TEST_F(FinderOrder, ListSortedByTheWrapperIsAsTheFinderShowsIt) {
     std::vector<std::string> names{"Item 10", "item 9", "b", "\u00c4pfel", "Apfel", "Item 1"};
     std::sort(names.begin(), names.end(), [](const std::string& left, const std::string& right) {
@@ -81,5 +87,5 @@ TEST_F(FinderOrder, ListSortedByTheWrapperIsAsTheFinderShowsIt) {
                 testing::ElementsAre("Apfel", "\u00c4pfel", "b", "Item 1", "item 9", "Item 10"));
 }
 
-} // namespace
-} // namespace tav::ula
+}  // namespace
+}  // namespace tav::ula

@@ -138,5 +138,5 @@ TEST_F(PathUtil, OnlyASymbolicLinkItselfIsALink) {
     fs::remove_all(folder);
 }
 
-} // namespace
-} // namespace tav::ula
+}  // namespace
+}  // namespace tav::ula

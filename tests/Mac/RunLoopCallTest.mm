@@ -21,7 +21,7 @@ namespace {
 using Handle = util::SharedPtr<CallHandle>;
 
 class RunLoopCall : public testing::Test {
-  protected:
+protected:
     RunLoopCall() : _pool([[NSAutoreleasePool alloc] init]) { MainThreadCaller::instance(); }
     ~RunLoopCall() override {
         MainThreadCaller::destroyInstance();
@@ -44,7 +44,7 @@ class RunLoopCall : public testing::Test {
     int calls = 0;
     const util::Function0<void> count = [this] { ++calls; };
 
-  private:
+private:
     NSAutoreleasePool* _pool;
 };
 
@@ -207,7 +207,8 @@ TEST_F(RunLoopCall, IdleLoopTakesNoWakeUps) {
 }
 
 /// Runs the function in a forked child and gives its exit code.
-template <class Function> int inChild(Function function) {
+template <class Function>
+int inChild(Function function) {
     const pid_t child = fork();
     if (child == 0)
         _exit(function());
@@ -260,5 +261,5 @@ TEST_F(RunLoopCall, ForkWhileOtherThreadsQueueLeavesNoLockBehind) {
     stop = true;
 }
 
-} // namespace
-} // namespace tav::ula
+}  // namespace
+}  // namespace tav::ula

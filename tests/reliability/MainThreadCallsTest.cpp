@@ -6,6 +6,7 @@
 
 #include <CoreFoundation/CoreFoundation.h>
 #include <barrier>
+#include <cstdlib>
 #include <gtest/gtest.h>
 #include <malloc.h>
 #include <memory>
@@ -97,6 +98,13 @@ private:
     std::minstd_rand _random;
 };
 
+/// ULA_CALLS=10000000 takes a minute; fewer do for every day.
+std::size_t callsOfAThread() {
+    const char* const wanted = std::getenv("ULA_CALLS");
+    const std::size_t calls = wanted ? std::strtoull(wanted, nullptr, 10) : 2'000'000;
+    return calls / kThreads / ULA_ROUNDS_DIVISOR;
+}
+
 std::size_t allocatedBytes() {
     return mallinfo2().uordblks + mallinfo2().hblkhd;
 }
@@ -104,14 +112,14 @@ std::size_t allocatedBytes() {
 }  // namespace
 
 TEST(MainThreadCalls, EachRunsExactlyOnceOrIsCancelled) {
-    constexpr std::size_t kCallsOfAThread = 10'000'000 / kThreads / ULA_ROUNDS_DIVISOR;
-    Record record(kCallsOfAThread * kThreads);
+    const std::size_t calls = callsOfAThread();
+    Record record(calls * kThreads);
     MainThreadCaller::instance();
     std::atomic<int> working = kThreads;
     std::vector<std::jthread> threads;
     for (std::size_t i = 0; i < kThreads; ++i)
         threads.emplace_back([&, i] {
-            Worker(record, i * kCallsOfAThread, kCallsOfAThread).work();
+            Worker(record, i * calls, calls).work();
             if (--working == 0)
                 MainThreadCaller::instance()->callSync([] { CFRunLoopStop(CFRunLoopGetMain()); });
         });

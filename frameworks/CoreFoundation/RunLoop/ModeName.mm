@@ -17,7 +17,7 @@ namespace cf {
 namespace {
 
 class ModeNames {
-  public:
+public:
     CFStringRef find(CFStringRef name) {
         std::lock_guard guard(_mutex);
         for (CFStringRef known : _names) {
@@ -33,12 +33,12 @@ class ModeNames {
         return _names.back();
     }
 
-  private:
+private:
     std::mutex _mutex;
     std::vector<CFStringRef> _names;
 };
 
-} // namespace
+}  // namespace
 
 CFStringRef modeName(CFStringRef name) {
     static auto* const names = new ModeNames;
@@ -55,4 +55,4 @@ CFStringRef commonModes() {
     return name;
 }
 
-} // namespace cf
+}  // namespace cf

@@ -58,7 +58,9 @@ NSString* text(CFStringRef string) {
     return reinterpret_cast<NSString*>(const_cast<__CFString*>(string));
 }
 
-void* handle(int descriptor) { return reinterpret_cast<void*>(static_cast<intptr_t>(descriptor)); }
+void* handle(int descriptor) {
+    return reinterpret_cast<void*>(static_cast<intptr_t>(descriptor));
+}
 
 // Asked of the dynamic linker, as programs without windows do not load AppKit.
 bool isApplication() {
@@ -67,9 +69,11 @@ bool isApplication() {
 }
 
 class RunLoopHost final : public HostLoop {
-  public:
+public:
     explicit RunLoopHost(RunLoop& loop)
-        : _runLoop(loop), _loop([NSRunLoop currentRunLoop]), _isMain([NSThread isMainThread]),
+        : _runLoop(loop),
+          _loop([NSRunLoop currentRunLoop]),
+          _isMain([NSThread isMainThread]),
           _watcher([[ULARunLoopWatcher alloc] initWithLoop:&loop host:_loop]) {}
     ~RunLoopHost() override {
         [_watcher forgetLoop];
@@ -83,7 +87,7 @@ class RunLoopHost final : public HostLoop {
     void report(CFStringRef mode) override;
     bool hasInputBeside(std::span<const int> descriptors, CFStringRef mode) override;
 
-  private:
+private:
     RunLoop& _runLoop;
     NSRunLoop* _loop;
     bool _isMain;
@@ -124,10 +128,10 @@ bool RunLoopHost::hasInputBeside(std::span<const int> descriptors, CFStringRef m
     return hasInput;
 }
 
-} // namespace
+}  // namespace
 
 std::unique_ptr<HostLoop> makeRunLoopHost(RunLoop& loop) {
     return std::make_unique<RunLoopHost>(loop);
 }
 
-} // namespace cf
+}  // namespace cf

@@ -12,7 +12,7 @@
 // The CF objects: they only hold the C++ objects and count their references.
 
 @interface ULARunLoop : NSObject {
-  @public
+@public
     std::optional<cf::RunLoop> _loop;
 }
 @end
@@ -21,7 +21,7 @@
 @end
 
 @interface ULARunLoopSource : NSObject {
-  @public
+@public
     std::optional<cf::Source> _source;
 }
 @end
@@ -46,7 +46,7 @@
 @end
 
 @interface ULARunLoopTimer : NSObject {
-  @public
+@public
     std::optional<cf::Timer> _timer;
 }
 @end
@@ -56,7 +56,9 @@
 
 namespace cf {
 
-RunLoop& loopOf(CFRunLoopRef reference) { return *reinterpret_cast<ULARunLoop*>(reference)->_loop; }
+RunLoop& loopOf(CFRunLoopRef reference) {
+    return *reinterpret_cast<ULARunLoop*>(reference)->_loop;
+}
 
 Source& sourceOf(CFRunLoopSourceRef reference) {
     return *reinterpret_cast<ULARunLoopSource*>(reference)->_source;
@@ -86,4 +88,4 @@ CFRunLoopTimerRef newTimer(CFAbsoluteTime fireDate, CFTimeInterval intervalSecon
     return reference;
 }
 
-} // namespace cf
+}  // namespace cf

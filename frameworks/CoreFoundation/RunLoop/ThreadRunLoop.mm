@@ -25,7 +25,7 @@ thread_local bool threadHasEnded = false;
 
 /// Ends the loop with its thread. NSRunLoop is not touched then: GNUstep may have taken it apart.
 class ThreadEnd {
-  public:
+public:
     ThreadEnd() = default;
     ~ThreadEnd() {
         threadHasEnded = true;
@@ -49,7 +49,9 @@ std::mutex& mainMutex() {
 
 RunLoop* mainLoop = nullptr;
 
-bool isMainThread() { return getpid() == gettid(); }
+bool isMainThread() {
+    return getpid() == gettid();
+}
 
 // The main loop lives as long as the process.
 RunLoop& madeMain() {
@@ -75,9 +77,11 @@ void attachFromElsewhere() {
                                                  modes:modes];
 }
 
-} // namespace
+}  // namespace
 
-RunLoop* ThreadRunLoop::ofThisThread() { return threadLoop; }
+RunLoop* ThreadRunLoop::ofThisThread() {
+    return threadLoop;
+}
 
 RunLoop* ThreadRunLoop::current() {
     if (threadLoop != nullptr || threadHasEnded)
@@ -106,11 +110,15 @@ RunLoop& ThreadRunLoop::main() {
     return loop;
 }
 
-void ThreadRunLoop::enter(RunLoop& loop) { ForkGuard::instance().enter(loop); }
+void ThreadRunLoop::enter(RunLoop& loop) {
+    ForkGuard::instance().enter(loop);
+}
 
-void ThreadRunLoop::leave(RunLoop& loop) { ForkGuard::instance().leave(loop); }
+void ThreadRunLoop::leave(RunLoop& loop) {
+    ForkGuard::instance().leave(loop);
+}
 
-} // namespace cf
+}  // namespace cf
 
 @implementation ULAMainLoopAttachment
 

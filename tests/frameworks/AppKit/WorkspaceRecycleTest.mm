@@ -15,7 +15,7 @@ using namespace trashtest;
 // The workspace posts to the distributed notification centre; a TMP of the test's own (see
 // CMakeLists.txt) gives it a daemon of its own.
 class WorkspaceRecycle : public testing::Test {
-  protected:
+protected:
     void SetUp() override {
         setenv("XDG_DATA_HOME", (sandbox / "data").c_str(), 1);
         pool = [[NSAutoreleasePool alloc] init];
@@ -85,4 +85,4 @@ TEST_F(WorkspaceRecycle, LeavesOtherOperationsToTheWorkspace) {
     EXPECT_TRUE(exists(sandbox / "one"));
 }
 
-} // namespace
+}  // namespace

@@ -9,7 +9,7 @@
 namespace {
 
 class ModalAlert : public testing::Test {
-  protected:
+protected:
     ModalAlert() : _pool([[NSAutoreleasePool alloc] init]) { [NSApplication sharedApplication]; }
     ~ModalAlert() override { [_pool release]; }
 
@@ -39,7 +39,7 @@ void endModal() {
              atStart:NO];
 }
 
-} // namespace
+}  // namespace
 
 TEST_F(ModalAlert, TheModesOfAppKitAreCommonModes) {
     TestSource source;

@@ -9,7 +9,7 @@
 #include <thread>
 
 @interface NSRunLoopTestTarget : NSObject {
-  @public
+@public
     int _calls;
 }
 - (void)call;
@@ -29,7 +29,7 @@
 namespace {
 
 class NSRunLoopTest : public testing::Test {
-  protected:
+protected:
     NSRunLoopTest() : _pool([[NSAutoreleasePool alloc] init]), _target([NSRunLoopTestTarget new]) {}
     ~NSRunLoopTest() override {
         [_target release];
@@ -48,7 +48,7 @@ class NSRunLoopTest : public testing::Test {
     NSRunLoopTestTarget* _target;
 };
 
-} // namespace
+}  // namespace
 
 TEST_F(NSRunLoopTest, ItServesSourcesSignalledByManyThreads) {
     std::atomic<int> posted{0};

@@ -12,7 +12,7 @@
 namespace {
 
 class CoreFoundation : public testing::Test {
-  protected:
+protected:
     CoreFoundation() : _pool([[NSAutoreleasePool alloc] init]) {}
     ~CoreFoundation() override { [_pool release]; }
 
@@ -37,9 +37,11 @@ std::string takenText(CFStringRef string) {
     return text;
 }
 
-CFArrayRef arrayOf(NSArray* array) { return reinterpret_cast<CFArrayRef>(array); }
+CFArrayRef arrayOf(NSArray* array) {
+    return reinterpret_cast<CFArrayRef>(array);
+}
 
-} // namespace
+}  // namespace
 
 TEST_F(CoreFoundation, WhatIsCreatedBelongsToTheCaller) {
     CFStringRef string = made("caf\xc3\xa9 ownership");

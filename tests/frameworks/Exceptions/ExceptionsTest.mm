@@ -11,13 +11,13 @@
 namespace {
 
 class Pool {
-  public:
+public:
     Pool() : _pool([[NSAutoreleasePool alloc] init]) {}
     ~Pool() { [_pool release]; }
     Pool(const Pool&) = delete;
     Pool& operator=(const Pool&) = delete;
 
-  private:
+private:
     NSAutoreleasePool* _pool;
 };
 
@@ -37,7 +37,7 @@ void throwWithLocals() {
     InCpp::throwRuntimeError();
 }
 
-} // namespace
+}  // namespace
 
 TEST(Exceptions, ACatchClauseInObjectiveCppCatchesWhatObjectiveCppThrows) {
     EXPECT_EQ(InObjectiveCpp::caught(InObjectiveCpp::throwRuntimeError), "from Objective-C++");
@@ -112,7 +112,7 @@ namespace {
 
 // Runs the loop with a source that throws once, and says what came out.
 class ThrowingSource {
-  public:
+public:
     explicit ThrowingSource(Action action) : _action(action) {
         CFRunLoopSourceContext context{};
         context.info = this;
@@ -133,7 +133,7 @@ class ThrowingSource {
     }
     int calls() const { return _calls; }
 
-  private:
+private:
     void perform() {
         ++_calls;
         if (_calls == 1)
@@ -145,9 +145,11 @@ class ThrowingSource {
     CFRunLoopSourceRef _source;
 };
 
-void runLoop() { CFRunLoopRunInMode(kCFRunLoopDefaultMode, 5, true); }
+void runLoop() {
+    CFRunLoopRunInMode(kCFRunLoopDefaultMode, 5, true);
+}
 
-} // namespace
+}  // namespace
 
 TEST(Exceptions, ACallbackThrowsThroughTheRunLoopToItsCaller) {
     ThrowingSource source(InObjectiveCpp::throwRuntimeError);

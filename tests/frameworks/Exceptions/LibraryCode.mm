@@ -5,9 +5,13 @@
 
 #include "ThrowingCode.h"
 
-void InLibrary::throwRuntimeError() { throw std::runtime_error("from a library"); }
+void InLibrary::throwRuntimeError() {
+    throw std::runtime_error("from a library");
+}
 
-void InLibrary::raise() { [NSException raise:@"LibraryException" format:@"from a library"]; }
+void InLibrary::raise() {
+    [NSException raise:@"LibraryException" format:@"from a library"];
+}
 
 std::string InLibrary::caught(Action action) {
     try {

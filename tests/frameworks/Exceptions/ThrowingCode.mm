@@ -5,9 +5,13 @@
 
 #include "ThrowingCode.h"
 
-void InObjectiveCpp::throwRuntimeError() { throw std::runtime_error("from Objective-C++"); }
+void InObjectiveCpp::throwRuntimeError() {
+    throw std::runtime_error("from Objective-C++");
+}
 
-void InObjectiveCpp::raise() { [NSException raise:@"TestException" format:@"from Objective-C"]; }
+void InObjectiveCpp::raise() {
+    [NSException raise:@"TestException" format:@"from Objective-C"];
+}
 
 std::string InObjectiveCpp::caught(Action action) {
     try {
@@ -20,4 +24,6 @@ std::string InObjectiveCpp::caught(Action action) {
     return "nothing";
 }
 
-void InObjectiveCpp::throwThroughNoexcept() noexcept { InCpp::throwRuntimeError(); }
+void InObjectiveCpp::throwThroughNoexcept() noexcept {
+    InCpp::throwRuntimeError();
+}

@@ -18,4 +18,4 @@ CGRect fromTavRecti(const math::GenRect<int>& rectangle) {
     return CGRectMake(rectangle.left, rectangle.top, rectangle.width(), rectangle.height());
 }
 
-} // namespace tav::ula::BaseTypesConverter
+}  // namespace tav::ula::BaseTypesConverter

@@ -5,7 +5,9 @@
 
 namespace tav::ula {
 
-MainThreadCaller* createPlatformMainThreadCaller() { return new MainThreadCallerMacCF; }
+MainThreadCaller* createPlatformMainThreadCaller() {
+    return new MainThreadCallerMacCF;
+}
 
 MainThreadCallerMacCF::MainThreadCallerMacCF() {
     CFRunLoopSourceContext context{};
@@ -30,4 +32,4 @@ void MainThreadCallerMacCF::perform(void* caller) {
     static_cast<MainThreadCallerMacCF*>(caller)->runPendingJobs();
 }
 
-} // namespace tav::ula
+}  // namespace tav::ula

@@ -32,7 +32,7 @@ NSString* findNameForRootDisk() {
     return [files displayNameAtPath:@"/"];
 }
 
-} // namespace
+}  // namespace
 
 @implementation NSPathUtil
 
@@ -72,4 +72,4 @@ std::string normalizeMacPathToRoot(const std::string& path) {
     return [[NSPathUtil normalizeToRootDisk:[NSString fromStdString:path]] toStdString];
 }
 
-} // namespace tav::ula::NSPathUtilNameSpace
+}  // namespace tav::ula::NSPathUtilNameSpace

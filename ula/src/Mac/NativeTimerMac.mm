@@ -27,4 +27,4 @@ void NativeTimerMac::callOut(CFRunLoopTimerRef, void* self) {
     static_cast<NativeTimerMac*>(self)->fire();
 }
 
-} // namespace tav::ula
+}  // namespace tav::ula

@@ -19,7 +19,9 @@ void* stdPathStringToNSDisplayString(const std::string& text) {
     return display;
 }
 
-void releaseNSObject(void* object) { [static_cast<NSObject*>(object) release]; }
+void releaseNSObject(void* object) {
+    [static_cast<NSObject*>(object) release];
+}
 
 int compareLikeFinderWrapper(void* first, void* second) {
     // Turned round on purpose: callers sort with a positive result for "comes first".
@@ -33,4 +35,4 @@ int compareLikeFinderWrapper(const std::string& first, const std::string& second
                                     [NSString fromStdString:second]);
 }
 
-} // namespace tav::ula::ObjCFunctionsWrapper
+}  // namespace tav::ula::ObjCFunctionsWrapper

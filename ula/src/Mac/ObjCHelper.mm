@@ -4,6 +4,7 @@
 #include "ula/foundation/thread/ScratchPad.h"
 
 #include <CoreServices/CoreServices.h>
+#include <iterator>
 
 using tav::ula::FastString;
 
@@ -15,13 +16,29 @@ constexpr UCCollateOptions kFinderOrder =
     kUCCollateDigitsOverrideMask | kUCCollateDigitsAsNumberMask;
 static_assert(kFinderOrder == 0x3800E);
 
-std::vector<UniChar> charactersOf(NSString* text) {
-    std::vector<UniChar> characters([text length]);
-    [text getCharacters:characters.data()];
-    return characters;
-}
+/// The UTF-16 characters of a text; those of a name need no memory of their own.
+class Characters {
+public:
+    explicit Characters(NSString* text) : _length([text length]) {
+        if (_length > std::size(_few))
+            _many.resize(_length);
+        [text getCharacters:buffer()];
+    }
+    Characters(const Characters&) = delete;
+    Characters& operator=(const Characters&) = delete;
 
-} // namespace
+    const UniChar* data() const { return _many.empty() ? _few : _many.data(); }
+    std::size_t length() const { return _length; }
+
+private:
+    UniChar* buffer() { return _many.empty() ? _few : _many.data(); }
+
+    std::size_t _length;
+    UniChar _few[128];
+    std::vector<UniChar> _many;
+};
+
+}  // namespace
 
 @implementation NSString (ObjCHelper)
 
@@ -42,10 +59,10 @@ std::vector<UniChar> charactersOf(NSString* text) {
 }
 
 - (NSComparisonResult)compareLikeFinder:(NSString*)other {
-    const std::vector<UniChar> left = charactersOf(self);
-    const std::vector<UniChar> right = charactersOf(other);
+    const Characters left(self);
+    const Characters right(other);
     SInt32 order = 0;
-    UCCompareTextDefault(kFinderOrder, left.data(), left.size(), right.data(), right.size(),
+    UCCompareTextDefault(kFinderOrder, left.data(), left.length(), right.data(), right.length(),
                          nullptr, &order);
     if (order == 0)
         return NSOrderedSame;

@@ -45,7 +45,9 @@ NSURL* urlOf(const FastString& path) {
     return [NSURL fileURLWithPath:[NSString fromUTF8String:path]];
 }
 
-FastString descriptionOf(NSError* error) { return [[error localizedDescription] toUTF8String]; }
+FastString descriptionOf(NSError* error) {
+    return [[error localizedDescription] toUTF8String];
+}
 
 RecycleBinResult failed(const RecycleBinReceipt& receipt, const char* error) {
     return {false, receipt, FastString(error)};
@@ -68,7 +70,7 @@ RecycleBinResult recycleWithReceipt(const FastString& path) {
     return result;
 }
 
-} // namespace
+}  // namespace
 
 bool moveToRecycleBin(const FastString& path, bool, bool, void*) {
     const ScopedARPool pool;
@@ -117,4 +119,4 @@ RecycleBinResult restoreFromRecycleBin(const RecycleBinReceipt& receipt) {
     return result;
 }
 
-} // namespace tav::ula
+}  // namespace tav::ula

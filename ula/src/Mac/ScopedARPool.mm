@@ -5,8 +5,11 @@
 
 namespace tav::ula {
 
-ScopedARPool::ScopedARPool() : _pool([[NSAutoreleasePool alloc] init]) {}
+ScopedARPool::ScopedARPool() : _pool([[NSAutoreleasePool alloc] init]) {
+}
 
-ScopedARPool::~ScopedARPool() { [static_cast<NSAutoreleasePool*>(_pool) release]; }
+ScopedARPool::~ScopedARPool() {
+    [static_cast<NSAutoreleasePool*>(_pool) release];
+}
 
-} // namespace tav::ula
+}  // namespace tav::ula
