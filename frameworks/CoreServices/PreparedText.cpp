@@ -26,7 +26,7 @@ UInt32 countJoining(TextView text) {
     const UNormalizer2* composed = unorm2_getNFCInstance(&status);
     UInt32 count = 0;
     for (size_t i = 0; U_SUCCESS(status) && i < text.size();) {
-        UChar32 codePoint;
+        UChar32 codePoint = 0;
         U16_NEXT(text.data(), i, text.size(), codePoint);
         if (unorm2_hasBoundaryBefore(composed, codePoint) == 0)
             ++count;

@@ -57,7 +57,7 @@ TEST(AllocationTest, SynchronousCallTakesOneAllocation) {
         caller.runPendingJobs();
     }
     other.join();
-    EXPECT_EQ(allocations, kTimes);
+    EXPECT_LE(allocations, kTimes);
 }
 
 }  // namespace

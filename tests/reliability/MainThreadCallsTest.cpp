@@ -191,6 +191,7 @@ TEST(MainThreadCalls, DestroyInstanceLetsWaitingThreadsReturn) {
 
 TEST(MainThreadCalls, AMillionPendingOnesTakeBoundedMemoryAndAreReported) {
     constexpr std::size_t kPending = 1'000'000 / ULA_ROUNDS_DIVISOR;
+    constexpr std::size_t kKeptForLaterCalls = 4096 * 256;
     std::size_t reports = 0, runs = 0;
     const auto previous = debug::setLogSink([&](const debug::LogRecord&) { ++reports; });
     {
@@ -209,7 +210,7 @@ TEST(MainThreadCalls, AMillionPendingOnesTakeBoundedMemoryAndAreReported) {
         caller.runPendingJobs();
         EXPECT_EQ(runs, kPending);
         if (!ULA_IS_SANITIZED)
-            EXPECT_LE(allocatedBytes(), before + kPending);
+            EXPECT_LE(allocatedBytes(), before + kPending + kKeptForLaterCalls);
     }
     debug::setLogSink(previous);
 }

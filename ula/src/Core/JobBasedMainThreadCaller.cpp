@@ -20,9 +20,7 @@ util::SharedPtr<CallHandle>
 JobBasedMainThreadCaller::callAsync(const util::Function0<void>& function) {
     _queue->reportCrowd(98);
     auto [job, handle] = JobBlock::makeJobAndHandle(function, _queue);
-    const thread::ScopedLock lock(_queue->mutex());
-    _queue->append(std::move(job));
-    wakeUpMainThread();
+    _queue->append(std::move(job), [this] { wakeUpMainThread(); });
     return handle;
 }
 
@@ -35,12 +33,8 @@ void JobBasedMainThreadCaller::callSync(const util::Function0<void>& function) {
     const util::SharedPtr<JobQueue> queue = _queue;
     queue->reportCrowd(125);
     const Job job = JobBlock::makeJob(function, queue);
-    {
-        thread::ScopedLock lock(queue->mutex());
-        queue->append(job);
-        wakeUpMainThread();
-        queue->waitUntilDone(*job, lock);
-    }
+    queue->append(job, [this] { wakeUpMainThread(); });
+    queue->waitUntilDone(*job);
     raise(job->exception);
 }
 

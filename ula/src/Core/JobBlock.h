@@ -2,6 +2,7 @@
 #pragma once
 
 #include "ula/src/Core/JobHandle.h"
+#include "ula/src/Core/JobMemory.h"
 
 #include <atomic>
 #include <new>
@@ -28,6 +29,12 @@ public:
         util::SharedPtr<CallHandle> handle = block->handle(job);
         return {std::move(job), std::move(handle)};
     }
+
+    static void* operator new(std::size_t) {
+        static_assert(sizeof(JobBlock) <= JobMemory::kSize);
+        return JobMemory::take();
+    }
+    static void operator delete(void* block) { JobMemory::give(block); }
 
 private:
     struct Count : util::EmbeddedCountBlock {

@@ -28,6 +28,18 @@ public:
         ++_size;
     }
 
+    /// Takes over all of another list's, behind its own.
+    void appendAll(JobList& other) {
+        if (!other._first)
+            return;
+        other._first->previous = _last;
+        (_last ? _last->next : _first) = other._first;
+        _last = other._last;
+        _size += other._size;
+        other._first = other._last = nullptr;
+        other._size = 0;
+    }
+
     /// Gives the list's reference; an empty one when there is nothing.
     Job takeFront() { return _first ? remove(*_first) : Job(); }
 

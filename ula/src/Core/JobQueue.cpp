@@ -21,42 +21,69 @@ bool JobQueue::isMainThread() const {
 }
 
 void JobQueue::reportCrowd(int line) const {
-    // Outside the lock: a log sink may make calls of its own.
-    if (_size.load(std::memory_order_relaxed) >= kCrowd)
+    // Outside the locks: a log sink may make calls of its own.
+    const std::size_t atMost =
+        _incomingSize.load(std::memory_order_relaxed) + _takenSize.load(std::memory_order_relaxed);
+    if (atMost >= kCrowd && countPending() >= kCrowd)
         debug::assertionFailed("src/Core/MainThreadCaller", line, "_executionJobs.size() < 10000");
 }
 
-void JobQueue::append(Job job) {
-    _executionJobs.append(std::move(job));
-    _size.store(_executionJobs.size(), std::memory_order_relaxed);
+std::size_t JobQueue::countPending() const {
+    const Lock lock(_mutex);
+    const Lock incomingLock(_incomingMutex);
+    _takenSize.store(_executionJobs.size(), std::memory_order_relaxed);
+    return _executionJobs.size() + _incoming.size();
 }
 
-void JobQueue::waitUntilDone(ExecutionJob& job, Lock& lock) {
+void JobQueue::takeIncoming() {
+    const Lock lock(_incomingMutex);
+    _executionJobs.appendAll(_incoming);
+    _incomingSize.store(0, std::memory_order_relaxed);
+    _takenSize.store(_executionJobs.size(), std::memory_order_relaxed);
+}
+
+void JobQueue::waitUntilDone(ExecutionJob& job) {
+    Lock lock(_mutex);
     ++job.waiters;
     while (!job.done)
         _jobDone->wait(lock);
     --job.waiters;
 }
 
+std::size_t JobQueue::takePending() {
+    const Lock lock(_mutex);
+    takeIncoming();
+    return _executionJobs.size();
+}
+
 void JobQueue::drain() {
-    for (std::size_t left = _size.load(); left > 0; --left) {
-        const Job job = takeFirst();
+    Job job;
+    for (std::size_t left = takePending(); left > 0; --left) {
+        job = finishAndTakeNext(job.get());
         if (!job)
             return;
         run(*job);
-        finish(*job);
     }
+    if (job)
+        finish(*job);
 }
 
-Job JobQueue::takeFirst() {
-    const Lock lock(_mutex);
-    if (!_state->running)
-        return Job();
-    Job job = _executionJobs.takeFront();
-    _size.store(_executionJobs.size(), std::memory_order_relaxed);
-    if (job)
-        job->begun = true;
-    return job;
+/// Both at once, as the lock is most of what they cost.
+Job JobQueue::finishAndTakeNext(ExecutionJob* finished) {
+    Job next;
+    bool isAwaited = false;
+    {
+        const Lock lock(_mutex);
+        if (finished)
+            isAwaited = markDone(*finished);
+        if (_state->running)
+            next = _executionJobs.takeFront();
+        if (next)
+            next->begun = true;
+    }
+    if (isAwaited)
+        _jobDone->notify_all();
+    return next;
 }
 
 void JobQueue::run(ExecutionJob& job) {
@@ -72,12 +99,16 @@ void JobQueue::finish(ExecutionJob& job) {
     bool isAwaited = false;
     {
         const Lock lock(_mutex);
-        job.done = true;
-        isAwaited = job.waiters > 0;
+        isAwaited = markDone(job);
     }
-    // All waiters share one condition variable: it is left alone where nobody waits for this job.
     if (isAwaited)
         _jobDone->notify_all();
+}
+
+/// All waiters share one condition variable: it is left alone where nobody waits for this job.
+bool JobQueue::markDone(ExecutionJob& job) {
+    job.done = true;
+    return job.waiters > 0;
 }
 
 void JobQueue::markCancelled(ExecutionJob& job) {
@@ -88,12 +119,12 @@ void JobQueue::markCancelled(ExecutionJob& job) {
 std::vector<Job> JobQueue::takeAllCancelled() {
     std::vector<Job> jobs;
     const Lock lock(_mutex);
+    takeIncoming();
     jobs.reserve(_executionJobs.size());
     while (Job job = _executionJobs.takeFront()) {
         markCancelled(*job);
         jobs.push_back(std::move(job));
     }
-    _size.store(0, std::memory_order_relaxed);
     return jobs;
 }
 
@@ -107,9 +138,12 @@ Job JobQueue::takeCancelled(ExecutionJob& job, bool& isAwaited) {
     const Lock lock(_mutex);
     markCancelled(job);
     isAwaited = job.waiters > 0;
-    Job queued = _executionJobs.remove(job);
-    _size.store(_executionJobs.size(), std::memory_order_relaxed);
-    return queued;
+    return remove(job);
+}
+
+Job JobQueue::remove(ExecutionJob& job) {
+    takeIncoming();
+    return _executionJobs.remove(job);
 }
 
 void JobQueue::cancel(ExecutionJob& job) {
@@ -121,9 +155,9 @@ void JobQueue::cancel(ExecutionJob& job) {
 
 void JobQueue::wait(ExecutionJob& job) {
     if (isMainThread())
-        return runHere(job);
-    Lock lock(_mutex);
-    waitUntilDone(job, lock);
+        runHere(job);
+    else
+        waitUntilDone(job);
 }
 
 void JobQueue::runHere(ExecutionJob& job) {
@@ -134,8 +168,7 @@ void JobQueue::runHere(ExecutionJob& job) {
         if (job.done || job.begun)
             return;
         job.begun = true;
-        removed = _executionJobs.remove(job);
-        _size.store(_executionJobs.size(), std::memory_order_relaxed);
+        removed = remove(job);
     }
     // Also when the function throws: the job does not run a second time.
     struct Finish {
@@ -149,10 +182,12 @@ void JobQueue::runHere(ExecutionJob& job) {
 
 void JobQueue::beforeFork() {
     _mutex.lock();
+    _incomingMutex.lock();
     _isForkedByMainThread = isMainThread();
 }
 
 void JobQueue::afterForkInParent() {
+    _incomingMutex.unlock();
     _mutex.unlock();
 }
 
@@ -162,9 +197,10 @@ void JobQueue::afterForkInChild() {
     _jobDone = std::make_unique<thread::ConditionVariable>();
     if (_isForkedByMainThread)
         _state->mainThreadId = thread::getThreadId();
+    _incomingMutex.unlock();
+    takeIncoming();
     // Not destroyed: what the functions hold may need a lock that nobody here will give back.
     _executionJobs.abandon(markCancelled);
-    _size = 0;
     _mutex.unlock();
 }
 

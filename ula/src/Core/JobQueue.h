@@ -23,11 +23,15 @@ public:
     /// Logs the assertion when so many jobs are pending that something must be wrong.
     void reportCrowd(int line) const;
 
-    /// Guards the queue and the flags of every job.
-    thread::Mutex& mutex() { return _mutex; }
-    /// The two that follow: with the lock held.
-    void append(Job job);
-    void waitUntilDone(ExecutionJob& job, thread::ScopedLock<thread::Mutex>& lock);
+    /// Calls `wakeUp` with the lock of those that queue held.
+    template <class WakeUp>
+    void append(Job job, WakeUp&& wakeUp) {
+        const thread::ScopedLock lock(_incomingMutex);
+        _incoming.append(std::move(job));
+        _incomingSize.store(_incoming.size(), std::memory_order_relaxed);
+        wakeUp();
+    }
+    void waitUntilDone(ExecutionJob& job);
 
     /// Runs the jobs that are pending now, on the calling thread.
     void drain();
@@ -43,24 +47,42 @@ public:
     void afterForkInChild();
 
 private:
-    /// Claims the first job; an empty one when nothing is left or the caller is going.
-    Job takeFirst();
+    std::size_t countPending() const;
+    /// How many a drain that begins now is to run.
+    std::size_t takePending();
+    /// Claims the first job; gives an empty one when nothing is left or the caller is going.
+    Job finishAndTakeNext(ExecutionJob* finished);
     static void run(ExecutionJob& job);
     void runHere(ExecutionJob& job);
     void finish(ExecutionJob& job);
+    /// Whether somebody waits for it. With the lock held.
+    static bool markDone(ExecutionJob& job);
     std::vector<Job> takeAllCancelled();
     /// The queue's reference; empty when the job was not queued any more.
     Job takeCancelled(ExecutionJob& job, bool& isAwaited);
     static void markCancelled(ExecutionJob& job);
 
+    /// Out of the queue, wherever it is. With `_mutex` held.
+    Job remove(ExecutionJob& job);
+    /// Has everything in `_executionJobs`. With `_mutex` held.
+    void takeIncoming();
+
     const util::SharedPtr<MainThreadCaller::State> _state;
-    thread::Mutex _mutex;
+
+    /// Those that queue have a lock of their own, so that they and the main thread seldom meet.
+    /// Taken after `_mutex` where both are needed.
+    mutable thread::Mutex _incomingMutex;
+    JobList _incoming;
+    /// To be read without a lock: the list's size, and at least as many as `_executionJobs` has.
+    std::atomic<std::size_t> _incomingSize = 0;
+    mutable std::atomic<std::size_t> _takenSize = 0;
+
+    /// Guards what follows, and the flags of every job.
+    mutable thread::Mutex _mutex;
     /// Of any job; each waiter looks at its own.
     std::unique_ptr<thread::ConditionVariable> _jobDone =
         std::make_unique<thread::ConditionVariable>();
     JobList _executionJobs;
-    /// The list's size, to be read without the lock.
-    std::atomic<std::size_t> _size = 0;
     bool _isForkedByMainThread = false;
 };
 
