@@ -56,8 +56,7 @@ Json jsonOf(const RecycleBinResult& result) {
         return json;
     }
     json["trashed"] = receipt.trashedPath.toStdString();
-    json["device"] = receipt.device;
-    json["inode"] = receipt.inode;
+    json["identity"] = receipt.identity.toStdString();
     return json;
 }
 
@@ -100,8 +99,7 @@ std::vector<RecycleBinReceipt> readReceipts(const std::string& path) {
                 continue;
             receipts.push_back({FastString(json["original"].get<std::string>()),
                                 FastString(json["trashed"].get<std::string>()),
-                                json.at("device").get<std::uint64_t>(),
-                                json.at("inode").get<std::uint64_t>()});
+                                FastString(json.at("identity").get<std::string>())});
         }
     } catch (const Json::exception& error) {
         throw CommandError{ExitCannotRead, path + ": these are no receipts: " + error.what(),
