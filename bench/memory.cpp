@@ -8,6 +8,7 @@
 #include "ula/foundation/util/Signal.h"
 
 #include <CoreFoundation/CoreFoundation.h>
+#include <array>
 
 namespace {
 
@@ -109,6 +110,14 @@ struct OurJobs {
     void run() { CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0, false); }
 };
 
+/// With a function object of five words, for which there is no room in a std::function.
+struct OurLongJobs : OurJobs {
+    void add() {
+        tav::ula::MainThreadCaller::instance()->callAsync(
+            [words = std::array<void*, 5>{}] { benchmark::DoNotOptimize(words.data()); });
+    }
+};
+
 struct GLibJobs {
     void add() {
         g_idle_add([](gpointer) -> gboolean { return G_SOURCE_REMOVE; }, nullptr);
@@ -184,6 +193,7 @@ const bool kRegistered = [] {
     benchmark::RegisterBenchmark("allocationsSubstring/ula", allocationsOfSubstring)->Iterations(1);
     benchmark::RegisterBenchmark("allocationsEmit/ula", allocationsOfEmit)->Iterations(1);
     registerJobs<OurJobs>("ula");
+    registerJobs<OurLongJobs>("ula, five words");
     registerJobs<GLibJobs>("GLib");
     return true;
 }();

@@ -85,6 +85,7 @@ COMPARISONS = [
     ("round trip, 99 % below", "roundTrip.p99/ula", "roundTrip.p99/Qt", [""], None),
     ("round trip, 99 % below", "roundTrip.p99/ula", "roundTrip.p99/ping-pong", [""], None),
     ("allocations of a queued job", "allocationsCallAsync/ula", None, [""], 1),
+    ("allocations, job of five words", "allocationsCallAsync/ula, five words", None, [""], 1),
     ("bytes per pending job", "bytesPendingJob/ula", "bytesPendingJob/GLib", [""], None),
     ("timer off its period, half below", "timer.p50/ula", "timer.p50/asio", PERIODS, 1.2),
     ("timer off its period, half below", "timer.p50/ula", "timer.p50/timerfd", PERIODS, None),

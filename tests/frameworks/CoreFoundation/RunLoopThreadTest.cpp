@@ -186,11 +186,10 @@ TEST(RunLoopThread, AnIdleLoopIsNotWoken) {
     CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0.1, false);
     rusage before{};
     rusage after{};
-    getrusage(RUSAGE_SELF, &before);
+    getrusage(RUSAGE_THREAD, &before);
     EXPECT_EQ(CFRunLoopRunInMode(kCFRunLoopDefaultMode, 5, false), kCFRunLoopRunTimedOut);
-    getrusage(RUSAGE_SELF, &after);
-    // One is the wait of this thread itself; a sanitizer's or GNUstep's own housekeeping may add
-    // one. Any polling gives dozens.
+    getrusage(RUSAGE_THREAD, &after);
+    // One is the wait of this thread itself. Any polling gives dozens.
     EXPECT_LE(after.ru_nvcsw - before.ru_nvcsw, 3);
 }
 
@@ -220,7 +219,7 @@ TEST(RunLoopFork, TheChildCannotWakeTheParent) {
     CFRunLoopRef loop = CFRunLoopGetCurrent();
     onePass();
     rusage before{};
-    getrusage(RUSAGE_SELF, &before);
+    getrusage(RUSAGE_THREAD, &before);
     int status = statusOfChild([&] {
         for (int i = 0; i < 1000; ++i) {
             source.signalAndWake();
@@ -232,7 +231,7 @@ TEST(RunLoopFork, TheChildCannotWakeTheParent) {
     });
     EXPECT_EQ(status, 0);
     rusage after{};
-    getrusage(RUSAGE_SELF, &after);
+    getrusage(RUSAGE_THREAD, &after);
     EXPECT_LT(after.ru_nvcsw - before.ru_nvcsw, 50);
     EXPECT_EQ(onThread.calls(), 0);
     source.signalAndWake();
