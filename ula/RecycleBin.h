@@ -37,6 +37,11 @@ struct RecycleBinResult {
 ULA_API bool moveToRecycleBin(const std::vector<FastString>& paths,
                               std::vector<RecycleBinResult>& results);
 
+/// Receipts for the items of the trash that came from a place, whoever trashed them; the last one
+/// trashed comes first. Empty when there are none.
+/// Thread: any.
+ULA_API std::vector<RecycleBinReceipt> findInRecycleBin(const FastString& originalPath);
+
 /// Puts an item back where it was, making the folders that have gone since. What has taken its
 /// place stays, and so does what has taken its name in the trash.
 /// Fails: a result that is not done; the item is in the trash as it was.

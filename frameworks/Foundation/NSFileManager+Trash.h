@@ -26,6 +26,10 @@ enum {
 /// Fails: nil where there is no such item.
 - (NSString*)identityOfItemAtURL:(NSURL*)url;
 
+/// Ours: where the items are now that were trashed from a place, the last one trashed first,
+/// whoever trashed them. URLs; empty when there are none.
+- (NSArray*)trashedItemURLsOfURL:(NSURL*)url;
+
 /// Ours: puts an item of the trash back where it was, making the folders that have gone since. What
 /// has taken its place stays, and so does an item of another identity.
 /// Fails: NO, with the item in the trash as it was.

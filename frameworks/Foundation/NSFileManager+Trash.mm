@@ -99,6 +99,15 @@ std::string infoPathOf(const std::string& trashedPath) {
     return [NSString stringWithUTF8String:textOf(identity).c_str()];
 }
 
+- (NSArray*)trashedItemURLsOfURL:(NSURL*)url {
+    NSMutableArray* urls = [NSMutableArray array];
+    for (const appkit::TrashReceipt& receipt :
+         appkit::findInTrash(pathOf(url), appkit::TrashPlaces::ofProcess()))
+        if (NSURL* trashed = urlOf(receipt.trashedPath))
+            [urls addObject:trashed];
+    return urls;
+}
+
 - (BOOL)restoreTrashedItemAtURL:(NSURL*)trashedURL
                        identity:(NSString*)identity
                           toURL:(NSURL*)url

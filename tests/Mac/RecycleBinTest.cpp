@@ -137,6 +137,21 @@ TEST_F(RecycleBin, WhatHasTakenTheItemsPlaceStays) {
     EXPECT_EQ(readFile(receipt.trashedPath.toStdString()), "old");
 }
 
+TEST_F(RecycleBin, ReceiptsOfAPlaceAreFoundTheLastTrashedFirst) {
+    trash(makeFile("file", "first"));
+    trash(makeFile("other"));
+    const RecycleBinReceipt last = trash(makeFile("file", "second"));
+    const std::vector<RecycleBinReceipt> found = findInRecycleBin(path("file"));
+    ASSERT_EQ(found.size(), 2u);
+    EXPECT_EQ(found[0].originalPath, last.originalPath);
+    EXPECT_EQ(found[0].trashedPath, last.trashedPath);
+    EXPECT_EQ(found[0].identity, last.identity);
+    EXPECT_TRUE(restoreFromRecycleBin(found[0]).done);
+    EXPECT_EQ(readFile(folder / "file"), "second");
+    EXPECT_THAT(findInRecycleBin(path("none")), IsEmpty());
+    EXPECT_THAT(findInRecycleBin(FastString()), IsEmpty());
+}
+
 TEST_F(RecycleBin, ItemThatHasLeftTheTrashIsNotRestored) {
     const RecycleBinReceipt receipt = trash(makeFile("file"));
     fs::remove(receipt.trashedPath.toStdString());

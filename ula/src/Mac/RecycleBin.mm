@@ -104,6 +104,19 @@ bool moveToRecycleBin(const std::vector<FastString>& paths,
     return all;
 }
 
+std::vector<RecycleBinReceipt> findInRecycleBin(const FastString& originalPath) {
+    const ScopedARPool pool;
+    std::vector<RecycleBinReceipt> receipts;
+    NSURL* const original = urlOf(originalPath);
+    if (original == nil)
+        return receipts;
+    NSFileManager* const files = [NSFileManager defaultManager];
+    for (NSURL* trashed in [files trashedItemURLsOfURL:original])
+        receipts.push_back({textOf([original path]), textOf([trashed path]),
+                            textOf([files identityOfItemAtURL:trashed])});
+    return receipts;
+}
+
 RecycleBinResult restoreFromRecycleBin(const RecycleBinReceipt& receipt) {
     const ScopedARPool pool;
     NSURL* const trashed = urlOf(receipt.trashedPath);
