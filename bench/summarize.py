@@ -20,6 +20,7 @@ STORES = ["10", "1000", "100000"]
 FILES = ["1000", "100000", "1000000"]
 THREADS = ["1", "2", "4"]
 PERIODS = ["1", "10"]
+PAIRS = ["0", "1"]
 KEYS = {"10": "10", "1000": "1k", "100000": "100k", "1000000": "1M"}
 NANOSECONDS = {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}
 
@@ -95,6 +96,12 @@ COMPARISONS = [
     ("timer drift per call", "timer.drift/ula", None, PERIODS, 1000),
     ("timer drift per call", "timer.drift/ula", "timer.drift/asio", PERIODS, None),
     ("timer drift per call", "timer.drift/ula", "timer.drift/uv", PERIODS, None),
+    ("compare two names", "compareNames/ula", "compareNames/ICU", PAIRS, 0.35),
+    ("compare two names", "compareNames/ula", "compareNames/QCollator", PAIRS, None),
+    ("sort names", "sortNames/ula", "sortNames/ICU keys", ["100000"], 0.65),
+    ("sort names", "sortNames/ula", "sortNames/QCollator keys", ["100000"], None),
+    ("sort names", "sortNames/ula", "sortNames/bytes", ["100000"], None),
+    ("sort names, comparing", "sortNames/ula compare", "sortNames/ICU compare", ["100000"], None),
 ]
 
 
@@ -169,6 +176,10 @@ def size_label(name, size):
         return size + (" thread" if size == "1" else " threads")
     if name.startswith("timer"):
         return size + " ms"
+    if name.startswith("compareNames"):
+        return ["drawn at random", "neighbours"][int(size)]
+    if name.startswith("sortNames"):
+        return "100k names"
     return "" if name.startswith("emit") or not size else KEYS[size] + " keys"
 
 

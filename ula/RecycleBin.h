@@ -4,7 +4,6 @@
 #include "ula/Export.h"
 #include "ula/FastString.h"
 
-#include <cstdint>
 #include <vector>
 
 namespace tav::ula {
@@ -19,23 +18,29 @@ ULA_API bool moveToRecycleBin(const FastString& path, bool = false, bool = false
 ULA_API bool moveToRecycleBin(const std::vector<FastString>& paths, bool = false, bool = false,
                               void* = nullptr);
 
-/// Where an item went, and which one it was.
+/// Where an item went. Texts only, so that a receipt can be kept in a file; it holds good as long
+/// as the item is in the trash, also after a restart.
 struct RecycleBinReceipt {
-    FastString originalPath;
+    FastString originalPath;  ///< absolute
     FastString trashedPath;
-    std::uint64_t device = 0;
-    std::uint64_t inode = 0;
+    FastString identity;  ///< tells the item from another that takes its name in the trash later
 };
 
 struct RecycleBinResult {
     bool done = false;
-    RecycleBinReceipt receipt;  ///< without `trashedPath` where it was not done
+    RecycleBinReceipt receipt;  ///< of what was not done only `originalPath`, as it was given
     FastString error;           ///< why not, in English; empty when done
 };
 
-/// As above, and tells for each path, in order, what became of it.
+/// As above, and tells for each path, in order, what became of it. `results` is filled anew.
+/// Thread: any.
 ULA_API bool moveToRecycleBin(const std::vector<FastString>& paths,
                               std::vector<RecycleBinResult>& results);
+
+/// Receipts for the items of the trash that came from a place, whoever trashed them; the last one
+/// trashed comes first. Empty when there are none.
+/// Thread: any.
+ULA_API std::vector<RecycleBinReceipt> findInRecycleBin(const FastString& originalPath);
 
 /// Puts an item back where it was, making the folders that have gone since. What has taken its
 /// place stays, and so does what has taken its name in the trash.

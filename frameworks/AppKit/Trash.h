@@ -73,6 +73,13 @@ TRASH_EXPORT TrashOutcome moveToTrash(const std::string& path, const TrashPlaces
 // Thread: any.
 TRASH_EXPORT TrashOutcome restoreFromTrash(const TrashReceipt& receipt);
 
+// The items of the trash that came from `originalPath`, as their info files say, whoever trashed
+// them; the last one trashed comes first. Looks into the user's own trash and into those of the
+// file systems above the path.
+// Thread: any.
+TRASH_EXPORT std::vector<TrashReceipt> findInTrash(const std::string& originalPath,
+                                                   const TrashPlaces& places);
+
 // Moves all to the process's trash, attempting every one. False when one did not get there.
 TRASH_EXPORT bool recycle(const std::vector<std::string>& paths) noexcept;
 

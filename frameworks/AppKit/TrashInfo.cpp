@@ -33,6 +33,30 @@ std::string percentEncoded(std::string_view path) {
     return encoded;
 }
 
+int digitValue(char c) {
+    if (c >= '0' && c <= '9')
+        return c - '0';
+    char lower = static_cast<char>(c | 0x20);
+    return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
+}
+
+// A sign that begins no escape stands for itself.
+std::string percentDecoded(std::string_view text) {
+    std::string decoded;
+    for (size_t i = 0; i < text.size(); ++i) {
+        bool whole = text[i] == '%' && i + 2 < text.size();
+        int high = whole ? digitValue(text[i + 1]) : -1;
+        int low = whole ? digitValue(text[i + 2]) : -1;
+        if (high < 0 || low < 0) {
+            decoded += text[i];
+            continue;
+        }
+        decoded += static_cast<char>(high * 16 + low);
+        i += 2;
+    }
+    return decoded;
+}
+
 // The dot of a dot file begins no extension.
 size_t extensionStart(std::string_view leaf) {
     size_t dot = leaf.rfind('.');
@@ -71,6 +95,25 @@ std::string trashInfoText(std::string_view originalPath, std::time_t when) {
     size_t length = std::strftime(date, sizeof date, "%Y-%m-%dT%H:%M:%S", &local);
     return "[Trash Info]\nPath=" + percentEncoded(originalPath) +
            "\nDeletionDate=" + std::string(date, length) + "\n";
+}
+
+std::optional<TrashInfo> parseTrashInfo(std::string_view text) {
+    TrashInfo info;
+    bool inSection = false;
+    while (!text.empty()) {
+        std::string_view line = text.substr(0, text.find('\n'));
+        text.remove_prefix(std::min(text.size(), line.size() + 1));
+        if (!line.empty() && line[0] == '[')
+            inSection = line == "[Trash Info]";
+        // The first of each counts.
+        else if (inSection && line.substr(0, 5) == "Path=" && info.path.empty())
+            info.path = percentDecoded(line.substr(5));
+        else if (inSection && line.substr(0, 13) == "DeletionDate=" && info.date.empty())
+            info.date = line.substr(13);
+    }
+    if (info.path.empty() || info.path.find('\0') != std::string::npos)
+        return std::nullopt;
+    return info;
 }
 
 std::string trashName(std::string_view leaf, unsigned attempt, size_t maxLength) {

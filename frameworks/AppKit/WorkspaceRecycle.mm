@@ -21,14 +21,17 @@ std::string bytesOf(NSString* text) {
 }
 
 // One path for each name; nothing when a name is none, so that a folder is never taken for an item
-// in it.
+// in it. Without a folder the names are those of the working folder, not of "/".
 std::vector<std::string> pathsOf(NSString* folder, NSArray* names) {
     std::vector<std::string> paths;
+    std::string source = bytesOf(folder);
+    if (!source.empty())
+        source += "/";
     for (NSString* name in names) {
         std::string leaf = bytesOf(name);
         if (leaf.empty() || leaf.find('/') != std::string::npos)
             return {};
-        paths.push_back(bytesOf(folder) + "/" + leaf);
+        paths.push_back(source + leaf);
     }
     return paths;
 }

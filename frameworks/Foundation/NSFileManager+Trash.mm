@@ -5,6 +5,7 @@
 
 #include <cerrno>
 #include <fcntl.h>
+#include <string>
 
 namespace {
 
@@ -13,21 +14,58 @@ std::string pathOf(NSURL* url) {
     return path != nullptr ? path : "";
 }
 
+// Nil for bytes that are no text.
 NSURL* urlOf(const std::string& path) {
-    return [NSURL fileURLWithPath:[NSString stringWithUTF8String:path.c_str()]];
+    NSString* text = [NSString stringWithUTF8String:path.c_str()];
+    return text == nil ? nil : [NSURL fileURLWithPath:text];
+}
+
+NSInteger codeOf(const appkit::TrashOutcome& outcome) {
+    using appkit::TrashStatus;
+    switch (outcome.status) {
+    case TrashStatus::Missing:
+    case TrashStatus::ItemChanged:
+        return NSFileNoSuchFileError;
+    case TrashStatus::NotPermitted:
+        return NSFileWriteNoPermissionError;
+    case TrashStatus::ReadOnly:
+        return NSFileWriteVolumeReadOnlyError;
+    case TrashStatus::PlaceTaken:
+        return NSFileWriteFileExistsError;
+    case TrashStatus::InTrash:
+    case TrashStatus::NoTrash:
+        return NSFeatureUnsupportedError;
+    default:
+        return outcome.systemError == ENOSPC ? NSFileWriteOutOfSpaceError : NSFileWriteUnknownError;
+    }
+}
+
+NSError* errorOf(const appkit::TrashOutcome& outcome) {
+    NSMutableDictionary* details = [NSMutableDictionary dictionary];
+    [details setObject:[NSString stringWithUTF8String:outcome.explanation().c_str()]
+                forKey:NSLocalizedDescriptionKey];
+    if (outcome.systemError != 0)
+        [details setObject:[NSError errorWithDomain:NSPOSIXErrorDomain
+                                               code:outcome.systemError
+                                           userInfo:nil]
+                    forKey:NSUnderlyingErrorKey];
+    return [NSError errorWithDomain:NSCocoaErrorDomain code:codeOf(outcome) userInfo:details];
 }
 
 // YES, or NO with the error told.
 BOOL answer(const appkit::TrashOutcome& outcome, NSError** error) {
-    if (outcome.done())
-        return YES;
-    if (error != nullptr) {
-        NSString* why = [NSString stringWithUTF8String:outcome.explanation().c_str()];
-        *error = [NSError errorWithDomain:NSPOSIXErrorDomain
-                                     code:outcome.systemError
-                                 userInfo:@{NSLocalizedDescriptionKey : why}];
-    }
-    return NO;
+    if (!outcome.done() && error != nullptr)
+        *error = errorOf(outcome);
+    return outcome.done();
+}
+
+std::string textOf(const appkit::ItemIdentity& identity) {
+    return std::to_string(identity.inode) + "-" + std::to_string(identity.birthTimeNs);
+}
+
+bool isItem(const appkit::ItemIdentity& identity, NSString* text) {
+    const char* bytes = [text UTF8String];
+    return bytes != nullptr && textOf(identity) == bytes;
 }
 
 // ".../info/NAME.trashinfo" for ".../files/NAME": the two folders of every trash. Empty for a path
@@ -54,11 +92,33 @@ std::string infoPathOf(const std::string& trashedPath) {
     return answer(outcome, error);
 }
 
-- (BOOL)restoreTrashedItemAtURL:(NSURL*)trashedURL toURL:(NSURL*)url error:(NSError**)error {
-    appkit::TrashReceipt receipt{
-        pathOf(url), pathOf(trashedURL), infoPathOf(pathOf(trashedURL)), {}};
-    if (!appkit::readIdentity(AT_FDCWD, receipt.trashedPath, &receipt.identity))
-        return answer({appkit::TrashStatus::Missing, errno, receipt}, error);
+- (NSString*)identityOfItemAtURL:(NSURL*)url {
+    appkit::ItemIdentity identity;
+    if (!appkit::readIdentity(AT_FDCWD, pathOf(url), &identity))
+        return nil;
+    return [NSString stringWithUTF8String:textOf(identity).c_str()];
+}
+
+- (NSArray*)trashedItemURLsOfURL:(NSURL*)url {
+    NSMutableArray* urls = [NSMutableArray array];
+    for (const appkit::TrashReceipt& receipt :
+         appkit::findInTrash(pathOf(url), appkit::TrashPlaces::ofProcess()))
+        if (NSURL* trashed = urlOf(receipt.trashedPath))
+            [urls addObject:trashed];
+    return urls;
+}
+
+- (BOOL)restoreTrashedItemAtURL:(NSURL*)trashedURL
+                       identity:(NSString*)identity
+                          toURL:(NSURL*)url
+                          error:(NSError**)error {
+    using appkit::TrashStatus;
+    const std::string trashedPath = pathOf(trashedURL);
+    appkit::TrashReceipt receipt{pathOf(url), trashedPath, infoPathOf(trashedPath), {}};
+    if (!appkit::readIdentity(AT_FDCWD, trashedPath, &receipt.identity))
+        return answer({TrashStatus::Missing, errno, receipt}, error);
+    if (!isItem(receipt.identity, identity))
+        return answer({TrashStatus::ItemChanged, 0, receipt}, error);
     return answer(appkit::restoreFromTrash(receipt), error);
 }
 

@@ -137,11 +137,26 @@ TEST_F(RecycleBin, WhatHasTakenTheItemsPlaceStays) {
     EXPECT_EQ(readFile(receipt.trashedPath.toStdString()), "old");
 }
 
+TEST_F(RecycleBin, ReceiptsOfAPlaceAreFoundTheLastTrashedFirst) {
+    trash(makeFile("file", "first"));
+    trash(makeFile("other"));
+    const RecycleBinReceipt last = trash(makeFile("file", "second"));
+    const std::vector<RecycleBinReceipt> found = findInRecycleBin(path("file"));
+    ASSERT_EQ(found.size(), 2u);
+    EXPECT_EQ(found[0].originalPath, last.originalPath);
+    EXPECT_EQ(found[0].trashedPath, last.trashedPath);
+    EXPECT_EQ(found[0].identity, last.identity);
+    EXPECT_TRUE(restoreFromRecycleBin(found[0]).done);
+    EXPECT_EQ(readFile(folder / "file"), "second");
+    EXPECT_THAT(findInRecycleBin(path("none")), IsEmpty());
+    EXPECT_THAT(findInRecycleBin(FastString()), IsEmpty());
+}
+
 TEST_F(RecycleBin, ItemThatHasLeftTheTrashIsNotRestored) {
     const RecycleBinReceipt receipt = trash(makeFile("file"));
     fs::remove(receipt.trashedPath.toStdString());
     EXPECT_EQ(restoreFromRecycleBin(receipt).error, "the item has left the trash");
-    EXPECT_EQ(restoreFromRecycleBin({}).error, "the item has left the trash");
+    EXPECT_EQ(restoreFromRecycleBin({}).error, "the receipt tells of no item");
 }
 
 TEST_F(RecycleBin, AnotherItemOfTheNameIsNotRestoredForIt) {
@@ -150,6 +165,67 @@ TEST_F(RecycleBin, AnotherItemOfTheNameIsNotRestoredForIt) {
     fs::rename(folder / "other", receipt.trashedPath.toStdString());
     EXPECT_EQ(restoreFromRecycleBin(receipt).error, "another item has its name in the trash");
     EXPECT_FALSE(isThere("file"));
+}
+
+/// File systems use the number of a removed item again for the next one.
+TEST_F(RecycleBin, LaterItemOfTheSameNameAndNumberIsNotRestoredForIt) {
+    const RecycleBinReceipt first = trash(makeFile("file", "first"));
+    fs::remove_all(folder / "data/Trash");
+    const RecycleBinReceipt second = trash(makeFile("file", "second"));
+    ASSERT_EQ(second.trashedPath, first.trashedPath);
+    EXPECT_EQ(restoreFromRecycleBin(first).error, "another item has its name in the trash");
+    EXPECT_TRUE(restoreFromRecycleBin(second).done);
+    EXPECT_EQ(readFile(folder / "file"), "second");
+}
+
+TEST_F(RecycleBin, NamesWithEveryKindOfCharacterGoAndComeBack) {
+    for (const char* name : {"100% #1?;x&y=.txt", "a:b\\c", "  blanks  ", "Gru\u0308n \u5199",
+                             "%41", "new\nline", "-", "~", "*"}) {
+        const RecycleBinReceipt receipt = trash(makeFile(name, name));
+        EXPECT_FALSE(isThere(name)) << name;
+        EXPECT_EQ(receipt.originalPath, path(name));
+        EXPECT_EQ(restoreFromRecycleBin(receipt).error, "") << name;
+        EXPECT_EQ(readFile(folder / name), name);
+    }
+}
+
+TEST_F(RecycleBin, FolderWithASlashAtItsEndComesBack) {
+    makeFile("folder/inner");
+    const RecycleBinReceipt receipt = trash(path("folder/"));
+    EXPECT_EQ(receipt.originalPath, path("folder"));
+    EXPECT_TRUE(restoreFromRecycleBin(receipt).done);
+    EXPECT_TRUE(isThere("folder/inner"));
+}
+
+/// Of "/" and its items nothing must ever go by such a path.
+TEST_F(RecycleBin, RelativePathIsOneOfTheWorkingFolder) {
+    makeFile("first", "text");
+    makeFile("second", "text");
+    fs::current_path(folder.path());
+    EXPECT_TRUE(moveToRecycleBin(FastString("first")));
+    EXPECT_TRUE(isTrashed("first"));
+    const RecycleBinReceipt receipt = trash(FastString("second"));
+    fs::current_path("/");
+    EXPECT_EQ(receipt.originalPath, path("second"));
+    EXPECT_TRUE(restoreFromRecycleBin(receipt).done);
+    EXPECT_TRUE(isThere("second"));
+}
+
+TEST_F(RecycleBin, NameThatIsNoTextIsRefusedAndStays) {
+    const FastString file = makeFile("bad \xff name");
+    EXPECT_FALSE(moveToRecycleBin(file));
+    Results results;
+    EXPECT_FALSE(moveToRecycleBin({file}, results));
+    EXPECT_EQ(results.at(0).error, "its path is no text in UTF-8");
+    EXPECT_TRUE(isThere("bad \xff name"));
+}
+
+TEST_F(RecycleBin, ItemOfTheTrashIsRefusedAndToldWhy) {
+    const RecycleBinReceipt receipt = trash(makeFile("file"));
+    Results results;
+    EXPECT_FALSE(moveToRecycleBin({receipt.trashedPath}, results));
+    EXPECT_EQ(results.at(0).error, "it belongs to the trash");
+    EXPECT_TRUE(isTrashed("file"));
 }
 
 TEST_F(RecycleBin, ItemOfAFolderThatMayNotBeChangedStaysAndIsToldWhy) {

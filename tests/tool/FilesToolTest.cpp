@@ -111,6 +111,41 @@ TEST_F(TrashTool, WhatHasTakenAPlaceStays) {
     EXPECT_EQ(read("one.txt"), "new");
 }
 
+TEST_F(TrashTool, PathGetsBackWhatWasTrashedLastFromThere) {
+    write("one.txt", "first");
+    run({"trash", "one.txt"});
+    write("one.txt", "second");
+    run({"trash", "one.txt"});
+    expectResult(run({"trash", "--restore-path", "one.txt"}), 0, (folder / "one.txt") + "\n", "");
+    EXPECT_EQ(read("one.txt"), "second");
+}
+
+TEST_F(TrashTool, PathOfNothingInTheTrashIsToldAndTheOthersComeBack) {
+    write("one.txt", "text");
+    run({"trash", "one.txt"});
+    expectResult(run({"trash", "--restore-path", "none", "one.txt"}), 1,
+                 (folder / "one.txt") + "\n",
+                 "ula: " + (folder / "none") + ": nothing in the trash came from there\n");
+    EXPECT_EQ(read("one.txt"), "text");
+}
+
+TEST_F(TrashTool, JsonOfARestoreTellsWhatCameBackAndWhatDidNot) {
+    write("one.txt", "text");
+    run({"trash", "one.txt"});
+    const ToolResult result = run({"trash", "--restore-path", "one.txt", "none", "--json"});
+    EXPECT_EQ(result.code, 1);
+    EXPECT_THAT(result.output, HasSubstr("\"original\": \"" + (folder / "one.txt") + "\""));
+    EXPECT_THAT(result.output, HasSubstr("\"identity\": \""));
+    EXPECT_THAT(result.output, HasSubstr("\"error\": \"nothing in the trash came from there\""));
+}
+
+TEST_F(TrashTool, FilesAndRestoringExcludeEachOther) {
+    write("one.txt", "text");
+    EXPECT_EQ(run({"trash", "one.txt", "--restore", "x"}).code, 2);
+    EXPECT_EQ(run({"trash", "--restore", "x", "--restore-path", "y"}).code, 2);
+    EXPECT_EQ(read("one.txt"), "text");
+}
+
 TEST_F(TrashTool, ReceiptsThatAreNoneAreRefused) {
     write("bad.json", "[{\"original\": 1, \"trashed\": 2}");
     const ToolResult result = run({"trash", "--restore", "bad.json"});

@@ -28,6 +28,8 @@ constexpr const char* kHelp = R"(Examples:
   ula trash old.jpg "old folder"          says where each is now
   ula trash old.jpg --json > gone.json    keeps the receipts
   ula trash --restore gone.json           puts everything back where it was
+  ula trash --restore-path old.jpg        puts back what was trashed last from there,
+                                          whichever program did it
 
 A symbolic link goes itself, not what it leads to. Nothing is ever replaced.
 Exit codes: 0 done; 1 something stayed where it was; 2 wrong usage; 3 the receipts
@@ -36,6 +38,7 @@ cannot be read.)";
 struct Options {
     std::vector<std::string> files;
     std::string receipts;
+    std::vector<std::string> paths;
     bool asJson = false;
 };
 
@@ -56,15 +59,22 @@ Json jsonOf(const RecycleBinResult& result) {
         return json;
     }
     json["trashed"] = receipt.trashedPath.toStdString();
-    json["device"] = receipt.device;
-    json["inode"] = receipt.inode;
+    json["identity"] = receipt.identity.toStdString();
     return json;
+}
+
+void printJson(const Json& json) {
+    print(json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n");
+}
+
+std::string absolutePath(const std::string& path) {
+    return std::filesystem::absolute(path).string();
 }
 
 ExitCode put(const Options& options) {
     std::vector<FastString> paths;
     for (const std::string& file : options.files)
-        paths.emplace_back(std::filesystem::absolute(file).string());
+        paths.emplace_back(absolutePath(file));
     std::vector<RecycleBinResult> results;
     const bool all = ula::moveToRecycleBin(paths, results);
     Json list = Json::array();
@@ -77,7 +87,7 @@ ExitCode put(const Options& options) {
                   textOf(result.receipt.trashedPath) + "\n");
     }
     if (options.asJson)
-        print(list.dump(2, ' ', false, Json::error_handler_t::replace) + "\n");
+        printJson(list);
     return all ? ExitOk : ExitDiffers;
 }
 
@@ -100,8 +110,7 @@ std::vector<RecycleBinReceipt> readReceipts(const std::string& path) {
                 continue;
             receipts.push_back({FastString(json["original"].get<std::string>()),
                                 FastString(json["trashed"].get<std::string>()),
-                                json.at("device").get<std::uint64_t>(),
-                                json.at("inode").get<std::uint64_t>()});
+                                FastString(json.at("identity").get<std::string>())});
         }
     } catch (const Json::exception& error) {
         throw CommandError{ExitCannotRead, path + ": these are no receipts: " + error.what(),
@@ -110,18 +119,49 @@ std::vector<RecycleBinReceipt> readReceipts(const std::string& path) {
     return receipts;
 }
 
-ExitCode restore(const Options& options) {
-    ExitCode code = ExitOk;
-    for (const RecycleBinReceipt& receipt : readReceipts(options.receipts)) {
-        const RecycleBinResult result = ula::restoreFromRecycleBin(receipt);
-        if (result.done) {
-            print(textOf(receipt.originalPath) + "\n");
-            continue;
-        }
-        report(result, receipt.originalPath);
-        code = ExitDiffers;
+/// What came last from each path. Where nothing did, a receipt that cannot be restored.
+std::vector<RecycleBinReceipt> findReceipts(const std::vector<std::string>& paths) {
+    std::vector<RecycleBinReceipt> receipts;
+    for (const std::string& path : paths) {
+        const FastString original(absolutePath(path));
+        const std::vector<RecycleBinReceipt> found = ula::findInRecycleBin(original);
+        receipts.push_back(found.empty() ? RecycleBinReceipt{original, {}, {}} : found.front());
     }
+    return receipts;
+}
+
+RecycleBinResult restoreOne(const RecycleBinReceipt& receipt) {
+    if (receipt.trashedPath.empty())
+        return {false, receipt, FastString("nothing in the trash came from there")};
+    return ula::restoreFromRecycleBin(receipt);
+}
+
+ExitCode restore(const std::vector<RecycleBinReceipt>& receipts, bool asJson) {
+    ExitCode code = ExitOk;
+    Json list = Json::array();
+    for (const RecycleBinReceipt& receipt : receipts) {
+        const RecycleBinResult result = restoreOne(receipt);
+        list.push_back(jsonOf(result));
+        if (!result.done) {
+            report(result, receipt.originalPath);
+            code = ExitDiffers;
+        } else if (!asJson) {
+            print(textOf(receipt.originalPath) + "\n");
+        }
+    }
+    if (asJson)
+        printJson(list);
     return code;
+}
+
+ExitCode run(const Options& options) {
+    if (!options.receipts.empty())
+        return restore(readReceipts(options.receipts), options.asJson);
+    if (!options.paths.empty())
+        return restore(findReceipts(options.paths), options.asJson);
+    if (options.files.empty())
+        throw CLI::RequiredError("FILE");
+    return put(options);
 }
 
 }  // namespace
@@ -133,14 +173,18 @@ void addTrashCommand(CLI::App& program, ExitCode& result) {
     CLI::Option* const files =
         trash->add_option("FILE", options->files, "What is to go")->transform(&unprotectArgument);
     trash->add_flag("--json", options->asJson, "Print receipts, as JSON");
-    trash->add_option("--restore", options->receipts, "Put back what these receipts tell of")
-        ->type_name("RECEIPTS")
-        ->excludes(files);
-    trash->callback([options, &result] {
-        if (options->files.empty() && options->receipts.empty())
-            throw CLI::RequiredError("FILE");
-        result = options->receipts.empty() ? put(*options) : restore(*options);
-    });
+    CLI::Option* const receipts =
+        trash->add_option("--restore", options->receipts, "Put back what these receipts tell of")
+            ->type_name("RECEIPTS")
+            ->excludes(files);
+    trash
+        ->add_option("--restore-path", options->paths,
+                     "Put back what was trashed last from these paths")
+        ->transform(&unprotectArgument)
+        ->type_name("PATH")
+        ->excludes(files)
+        ->excludes(receipts);
+    trash->callback([options, &result] { result = run(*options); });
     trash->footer(kHelp);
 }
 

@@ -66,6 +66,18 @@ TEST_F(WorkspaceRecycle, TakesNeitherTagNorDestination) {
     EXPECT_TRUE(recycle(@[]));
 }
 
+// Never "/": an item there may have the same name.
+TEST_F(WorkspaceRecycle, TakesTheWorkingFolderWhereNoneIsGiven) {
+    sandbox.makeFile("one");
+    std::filesystem::current_path(sandbox.path());
+    EXPECT_TRUE([[NSWorkspace sharedWorkspace] performFileOperation:NSWorkspaceRecycleOperation
+                                                             source:@""
+                                                        destination:@""
+                                                              files:@[ @"one" ]
+                                                                tag:nullptr]);
+    EXPECT_TRUE(exists(sandbox / "data/Trash/files/one"));
+}
+
 TEST_F(WorkspaceRecycle, RefusesNamesThatLeadElsewhere) {
     sandbox.makeFile("folder/inner");
     EXPECT_FALSE(recycle(@[ @"" ]));

@@ -7,11 +7,12 @@
 
 #import <AppKit/AppKit.h>
 #import <Foundation/NSFileManager+Trash.h>
-#include <sys/stat.h>
 
 namespace tav::ula {
 
 namespace {
+
+constexpr const char* kNoText = "its path is no text in UTF-8";
 
 /// The item's name in its folder; empty when it is neither file nor folder.
 FastString nameOfItem(const FastString& path) {
@@ -22,8 +23,11 @@ FastString nameOfItem(const FastString& path) {
     return FastString();
 }
 
-/// In which folder and under which name the workspace finds it.
+/// In which folder and under which name the workspace finds it. False without a name, as for bytes
+/// that are no text.
 bool recycle(NSString* folder, NSString* name) {
+    if (folder == nil || name == nil)
+        return false;
     return [[NSWorkspace sharedWorkspace] performFileOperation:NSWorkspaceRecycleOperation
                                                         source:folder
                                                    destination:@""
@@ -31,42 +35,41 @@ bool recycle(NSString* folder, NSString* name) {
                                                            tag:nullptr];
 }
 
-/// False when there is no such item.
-bool identify(const FastString& path, RecycleBinReceipt& receipt) {
-    struct stat item {};
-    if (lstat(path.toStdString().c_str(), &item) != 0)
-        return false;
-    receipt.device = item.st_dev;
-    receipt.inode = item.st_ino;
-    return true;
+/// Nil for what is no path: an empty text, or bytes that are no text.
+NSURL* urlOf(const FastString& path) {
+    NSString* const text = [NSString fromUTF8String:path];
+    return [text length] == 0 ? nil : [NSURL fileURLWithPath:text];
 }
 
-NSURL* urlOf(const FastString& path) {
-    return [NSURL fileURLWithPath:[NSString fromUTF8String:path]];
+/// Empty for nil.
+FastString textOf(NSString* text) {
+    return text == nil ? FastString() : [text toUTF8String];
 }
 
 FastString descriptionOf(NSError* error) {
-    return [[error localizedDescription] toUTF8String];
+    return textOf([error localizedDescription]);
 }
 
-RecycleBinResult failed(const RecycleBinReceipt& receipt, const char* error) {
-    return {false, receipt, FastString(error)};
+RecycleBinResult failed(const RecycleBinReceipt& receipt, const FastString& error) {
+    return {false, receipt, error};
 }
 
 RecycleBinResult recycleWithReceipt(const FastString& path) {
     RecycleBinResult result;
     result.receipt.originalPath = path;
-    if (nameOfItem(path).empty() || !identify(path, result.receipt))
+    if (nameOfItem(path).empty())
         return failed(result.receipt, "there is no such file or folder");
+    NSURL* const original = urlOf(path);
+    if (original == nil)
+        return failed(result.receipt, kNoText);
+    NSFileManager* const files = [NSFileManager defaultManager];
     NSURL* trashed = nil;
     NSError* error = nil;
-    result.done = [[NSFileManager defaultManager] trashItemAtURL:urlOf(path)
-                                                resultingItemURL:&trashed
-                                                           error:&error];
-    if (result.done)
-        result.receipt.trashedPath = [[trashed path] toUTF8String];
-    else
-        result.error = descriptionOf(error);
+    result.done = [files trashItemAtURL:original resultingItemURL:&trashed error:&error];
+    if (!result.done)
+        return failed(result.receipt, descriptionOf(error));
+    result.receipt = {textOf([original path]), textOf([trashed path]),
+                      textOf([files identityOfItemAtURL:trashed])};
     return result;
 }
 
@@ -101,22 +104,34 @@ bool moveToRecycleBin(const std::vector<FastString>& paths,
     return all;
 }
 
+std::vector<RecycleBinReceipt> findInRecycleBin(const FastString& originalPath) {
+    const ScopedARPool pool;
+    std::vector<RecycleBinReceipt> receipts;
+    NSURL* const original = urlOf(originalPath);
+    if (original == nil)
+        return receipts;
+    NSFileManager* const files = [NSFileManager defaultManager];
+    for (NSURL* trashed in [files trashedItemURLsOfURL:original])
+        receipts.push_back({textOf([original path]), textOf([trashed path]),
+                            textOf([files identityOfItemAtURL:trashed])});
+    return receipts;
+}
+
 RecycleBinResult restoreFromRecycleBin(const RecycleBinReceipt& receipt) {
     const ScopedARPool pool;
-    RecycleBinReceipt present;
-    if (!identify(receipt.trashedPath, present))
+    NSURL* const trashed = urlOf(receipt.trashedPath);
+    NSURL* const original = urlOf(receipt.originalPath);
+    if (trashed == nil || original == nil)
+        return failed(receipt, "the receipt tells of no item");
+    NSFileManager* const files = [NSFileManager defaultManager];
+    if ([files identityOfItemAtURL:trashed] == nil)
         return failed(receipt, "the item has left the trash");
-    if (present.device != receipt.device || present.inode != receipt.inode)
-        return failed(receipt, "another item has its name in the trash");
     NSError* error = nil;
-    RecycleBinResult result{false, receipt, {}};
-    result.done =
-        [[NSFileManager defaultManager] restoreTrashedItemAtURL:urlOf(receipt.trashedPath)
-                                                          toURL:urlOf(receipt.originalPath)
-                                                          error:&error];
-    if (!result.done)
-        result.error = descriptionOf(error);
-    return result;
+    const bool done = [files restoreTrashedItemAtURL:trashed
+                                            identity:[NSString fromUTF8String:receipt.identity]
+                                               toURL:original
+                                               error:&error];
+    return done ? RecycleBinResult{true, receipt, {}} : failed(receipt, descriptionOf(error));
 }
 
 }  // namespace tav::ula
