@@ -3,6 +3,7 @@
 # compiler flags.
 
 option(ULA_BUILD_TESTS "Build the tests" ON)
+option(ULA_BUILD_PLATFORM_TESTS "Build the tests of the frameworks, the toolkits and Objective-C++" ON)
 option(ULA_BUILD_BENCHMARKS "Build the benchmarks and their peers" OFF)
 option(ULA_BUILD_FUZZERS "Build the fuzz targets (clang only)" OFF)
 option(ULA_WARNINGS_AS_ERRORS "Treat warnings as errors" OFF)
@@ -21,7 +22,10 @@ set(CMAKE_INSTALL_RPATH $ORIGIN $ORIGIN/${lib_from_bin})
 
 add_library(ula-flags INTERFACE)
 target_compile_options(ula-flags INTERFACE -Wall -Wextra -Wshadow -Wnon-virtual-dtor
-                                           -Woverloaded-virtual -Wconversion -Wsign-conversion)
+                                           -Woverloaded-virtual -Wconversion)
+# clang's alone: g++ also looks into the macros of ICU.
+target_compile_options(ula-flags INTERFACE
+                       $<$<NOT:$<COMPILE_LANG_AND_ID:CXX,GNU>>:-Wsign-conversion>)
 if(ULA_WARNINGS_AS_ERRORS)
   target_compile_options(ula-flags INTERFACE -Werror)
 endif()
@@ -29,8 +33,9 @@ target_link_options(ula-flags INTERFACE -Wl,--as-needed)
 
 if(ULA_SANITIZE)
   # One flag set for the whole build: a sanitizer needs every object to take part.
+  # Reports need lines and no more; the rest of the debug information doubles the time to build.
   add_compile_options(-fsanitize=${ULA_SANITIZE} -fno-omit-frame-pointer
-                      -fno-sanitize-recover=all)
+                      -fno-sanitize-recover=all -gline-tables-only)
   add_link_options(-fsanitize=${ULA_SANITIZE})
 endif()
 

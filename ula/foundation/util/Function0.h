@@ -57,11 +57,8 @@ public:
              std::constructible_from<std::function<Result()>, Callable>)
         Function0(Callable&& callable) {
         using Held = std::decay_t<Callable>;
-        if constexpr (std::constructible_from<bool, const Held&> &&
-                      (std::is_pointer_v<Held> || isStandardFunction<Held>)) {
-            if (!callable)
-                return;
-        }
+        if (isNull<Held>(callable))
+            return;
         Holder<Held>::make(_room, std::forward<Callable>(callable));
         _operations = &kOperations<Held>;
     }
@@ -117,6 +114,14 @@ private:
 
     template <class Callable>
     static constexpr bool isStandardFunction = std::same_as<Callable, std::function<Result()>>;
+
+    template <class Callable>
+    static bool isNull(const Callable& callable) {
+        if constexpr (std::is_pointer_v<Callable> || isStandardFunction<Callable>)
+            return !callable;
+        else
+            return false;
+    }
 
     template <class Callable>
     using Holder =

@@ -67,6 +67,12 @@ public:
 
 private:
     friend class CountBlock;
+    /// Apart, or compilers look at it for plain blocks, too, and find these too small for it.
+    [[gnu::noinline]] static void end(CountBlock* block) {
+        auto* const embedded = static_cast<EmbeddedCountBlock*>(block);
+        embedded->_dispose(embedded);
+    }
+
     Dispose _dispose;
 };
 
@@ -74,10 +80,8 @@ void CountBlock::releaseWeak() {
     const int left = thread::dropReference(&_weakCount);
     if (left == 0)
         delete this;
-    else if (left == kEmbedded) {
-        auto* const embedded = static_cast<EmbeddedCountBlock*>(this);
-        embedded->_dispose(embedded);
-    }
+    else if (left == kEmbedded)
+        EmbeddedCountBlock::end(this);
 }
 
 template <class T>
