@@ -23,7 +23,8 @@ public:
             debug::assertionFailed("util/SharedPtr", 93, "!_refCount");
     }
 
-    bool isReferenced() const { return __atomic_load_n(&_refCount, __ATOMIC_RELAXED) > 0; }
+    /// Who learns here that the object is gone also sees what its last owners did.
+    bool isReferenced() const { return __atomic_load_n(&_refCount, __ATOMIC_ACQUIRE) > 0; }
 
     void retain() { thread::retainReference(&_refCount); }
     /// True when this was the last strong reference: the object is to be deleted.
@@ -31,7 +32,7 @@ public:
 
     /// Turns a weak reference into a strong one; false when the object is gone.
     bool retainIfReferenced() {
-        int count = __atomic_load_n(&_refCount, __ATOMIC_RELAXED);
+        int count = __atomic_load_n(&_refCount, __ATOMIC_ACQUIRE);
         while (count != 0) {
             const int previous = thread::atomicCompareAndExchange(&_refCount, count, count + 1);
             if (previous == count)
