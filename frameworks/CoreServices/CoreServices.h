@@ -3,5 +3,7 @@
 // own names.
 #pragma once
 
+#include <CoreServices/Files.h>
+#include <CoreServices/Finder.h>
 #include <CoreServices/MacTypes.h>
 #include <CoreServices/UnicodeUtilities.h>
