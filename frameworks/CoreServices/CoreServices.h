@@ -3,6 +3,7 @@
 // own names.
 #pragma once
 
+#include <CoreServices/Aliases.h>
 #include <CoreServices/Files.h>
 #include <CoreServices/Finder.h>
 #include <CoreServices/MacTypes.h>
