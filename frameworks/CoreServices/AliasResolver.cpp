@@ -129,7 +129,6 @@ bool Walk::mount(const UnmountedVolume& volume) {
 }
 
 void Walk::lookAgain(const std::string& path, const UnmountedVolume& volume) {
-    expect(path == volume.point ? AliasKind::Disk : AliasKind::Folder);
     if (!mount(volume))
         return stopAt(Resolution::NotMounted);
     _here = look(path);
@@ -137,16 +136,20 @@ void Walk::lookAgain(const std::string& path, const UnmountedVolume& volume) {
         stopAt(resolutionOf(_here.error));
 }
 
+// What lies on a volume that is not there counts as a folder: it is what people make links to.
 void Walk::stepToPath(const std::string& path) {
-    if (auto volume = unmountedByTable(path, _places.mountTable, mounts()))
-        return lookAgain(path, *volume);
-    _here = look(path);
-    if (_here.error == 0)
-        return;
-    auto volume = isNothingThere(_here.error) ? unmountedByLabel(path, _places) : std::nullopt;
-    if (volume)
-        return lookAgain(path, *volume);
-    stopAt(resolutionOf(_here.error));
+    auto volume = unmountedByTable(path, _places.mountTable, mounts());
+    if (!volume) {
+        _here = look(path);
+        if (_here.error == 0)
+            return;
+        if (isNothingThere(_here.error))
+            volume = unmountedByLabel(path, _places);
+    }
+    if (!volume)
+        return stopAt(resolutionOf(_here.error));
+    expect(path == volume->point ? AliasKind::Disk : AliasKind::Folder);
+    lookAgain(path, *volume);
 }
 
 std::string Walk::placePath(const std::string& url) {
