@@ -23,7 +23,8 @@ public:
     // Each returns when it is mounted, when that has failed, or when it takes too long.
     virtual bool mountPlace(const std::string& url) = 0;
     virtual bool mountPoint(const std::string& point) = 0;  // of the system's own table
-    virtual bool mountLabel(const std::string& label) = 0;
+    // Gives where it is mounted, now or before; empty when it is not.
+    virtual std::string mountLabel(const std::string& label) = 0;
 };
 
 // What an alias is resolved against.

@@ -55,7 +55,8 @@ private:
     void stepToPlace(const std::string& url);
     void stepToFirst(const std::vector<std::string>& paths, const MacAlias& alias);
     std::string placePath(const std::string& url);
-    bool mount(const UnmountedVolume& volume);
+    std::string mount(const UnmountedVolume& volume);
+    std::optional<UnmountedVolume> unmountedAbove(const std::string& path);
     void lookAgain(const std::string& path, const UnmountedVolume& volume);
     void stopAt(Resolution resolution) { _result.resolution = resolution; }
     void expect(AliasKind kind);
@@ -119,26 +120,37 @@ ResolvedAlias Walk::found() {
     return _result;
 }
 
-bool Walk::mount(const UnmountedVolume& volume) {
+// Where the volume's point is to be found then, or empty. A label may be mounted elsewhere.
+std::string Walk::mount(const UnmountedVolume& volume) {
     if (_mounting == Mounting::Never || _places.mounter == nullptr)
-        return false;
+        return {};
     _mounts.reset();
-    if (volume.source == UnmountedVolume::Source::MountTable)
-        return _places.mounter->mountPoint(volume.point);
-    return _places.mounter->mountLabel(volume.point.substr(volume.point.rfind('/') + 1));
+    if (volume.source == UnmountedVolume::Source::Label)
+        return _places.mounter->mountLabel(volume.point.substr(volume.point.rfind('/') + 1));
+    return _places.mounter->mountPoint(volume.point) ? volume.point : std::string();
 }
 
 void Walk::lookAgain(const std::string& path, const UnmountedVolume& volume) {
-    if (!mount(volume))
+    std::string point = mount(volume);
+    if (point.empty())
         return stopAt(Resolution::NotMounted);
-    _here = look(path);
+    _here = look(point + path.substr(volume.point.size()));
     if (_here.error != 0)
         stopAt(resolutionOf(_here.error));
 }
 
+// The table may know the point by another path than the kernel, through links.
+std::optional<UnmountedVolume> Walk::unmountedAbove(const std::string& path) {
+    auto volume = unmountedByTable(path, _places.mountTable, mounts());
+    if (!volume)
+        return std::nullopt;
+    AliasLook point = look(volume->point);
+    return point.isMountRoot || S_ISLNK(point.mode) ? std::nullopt : volume;
+}
+
 // What lies on a volume that is not there counts as a folder: it is what people make links to.
 void Walk::stepToPath(const std::string& path) {
-    auto volume = unmountedByTable(path, _places.mountTable, mounts());
+    auto volume = unmountedAbove(path);
     if (!volume) {
         _here = look(path);
         if (_here.error == 0)

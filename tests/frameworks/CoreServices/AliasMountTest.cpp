@@ -102,6 +102,19 @@ TEST_F(AliasMountTest, TheSystemsTableTellsWhatIsNotMounted) {
     EXPECT_EQ(resolve(makeLink("2", point)).resolution, Resolution::Found);
 }
 
+TEST_F(AliasMountTest, TheSystemsTableMayKnowAMountThroughALink) {
+    makeFolder("real");
+    std::string point = makeFolder("real/data");
+    fs::create_symlink("real", root() + "/by");
+    fs::create_symlink("real/data", root() + "/to");
+    tav::test::writeFile(places.mountTable,
+                         "a " + root() + "/by/data tmpfs\nb " + root() + "/to tmpfs\n");
+    EXPECT_EQ(resolve(makeLink("1", root() + "/by/data")).resolution, Resolution::NotMounted);
+    mountTmpfs("real/data");
+    EXPECT_EQ(resolve(makeLink("1", root() + "/by/data")).resolution, Resolution::Found);
+    EXPECT_EQ(resolve(makeLink("2", root() + "/to")).resolution, Resolution::Found);
+}
+
 TEST_F(AliasMountTest, VolumesOfTheSystemsTableAreMountedWhenAllowed) {
     std::string point = makeFolder("data");
     tav::test::writeFile(places.mountTable, "data " + point + " tmpfs noauto,user 0 0\n");

@@ -160,6 +160,7 @@ TEST_F(AliasResolverTest, LooksForTheOtherSystemsVolumesByName) {
     expectLost(alias, Resolution::Missing, AliasKind::Folder);
     fs::remove_all(root() + "/Volumes/Stick");
     expectLost(alias, Resolution::NotMounted, AliasKind::Folder);
+    expectFound(alias, makeFolder("media/Stick/Photos"), AliasKind::Folder);
 }
 
 TEST_F(AliasResolverTest, LooksBelowTheRootForTheOtherSystemsStartupDisk) {
@@ -231,15 +232,17 @@ TEST_F(AliasResolverTest, UsesWhatTheKernelHasMountedOfTheNetwork) {
 
 TEST_F(AliasResolverTest, MountsVolumesByTheirLabelsWhenAllowed) {
     std::string alias = makeLink("1", root() + "/media/My Stick/x");
-    mounter->onMount = [&] { makeFolder("media/My Stick/x"); };
+    mounter->onMount = [&] { makeFolder("media/My Stick 1/x"); };
+    mounter->labelPath = root() + "/media/My Stick 1";
     ResolvedAlias result = resolve(alias, Chains::Follow, Mounting::IfNeeded);
     EXPECT_EQ(mounter->requests, (Requests{"label My Stick"}));
     EXPECT_EQ(result.resolution, Resolution::Found);
-    EXPECT_EQ(result.path, root() + "/media/My Stick/x");
+    EXPECT_EQ(result.path, root() + "/media/My Stick 1/x");
 }
 
 TEST_F(AliasResolverTest, MountsOnlyOnceWhatStaysAway) {
     mounter->onMount = [] {};
+    mounter->labelPath = root() + "/media/Stick";
     ResolvedAlias result =
         resolve(makeLink("1", root() + "/media/Stick/x"), Chains::Follow, Mounting::IfNeeded);
     EXPECT_EQ(result.resolution, Resolution::Missing);

@@ -19,9 +19,12 @@ public:
     std::string pathOf(const std::string& url) override { return paths[url]; }
     bool mountPlace(const std::string& url) override { return request("place " + url); }
     bool mountPoint(const std::string& point) override { return request("point " + point); }
-    bool mountLabel(const std::string& label) override { return request("label " + label); }
+    std::string mountLabel(const std::string& label) override {
+        return request("label " + label) ? labelPath : std::string();
+    }
 
     std::map<std::string, std::string> paths;
+    std::string labelPath;
     Requests requests;
     std::function<void()> onMount;  // without it mounting fails
 

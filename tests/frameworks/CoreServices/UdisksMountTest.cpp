@@ -23,13 +23,18 @@ constexpr char kXml[] =
 constexpr char kRoot[] = "/org/freedesktop/UDisks2";
 constexpr char kDisk[] = "/org/freedesktop/UDisks2/block_devices/sdz1";
 
-// One disk called "My Stick", and a partition table of that name, which cannot be mounted.
+// A disk called "My Stick", a partition table of that name, which cannot be mounted, and a disk
+// that is mounted.
 GVariant* objects() {
-    return g_variant_new_parsed("({objectpath '/org/freedesktop/UDisks2/block_devices/sdz':"
-                                " {'org.freedesktop.UDisks2.Block': {'IdLabel': <'My Stick'>}},"
-                                " objectpath '/org/freedesktop/UDisks2/block_devices/sdz1':"
-                                " {'org.freedesktop.UDisks2.Block': {'IdLabel': <'My Stick'>},"
-                                "  'org.freedesktop.UDisks2.Filesystem': @a{sv} {}}},)");
+    return g_variant_new_parsed(
+        "({objectpath '/org/freedesktop/UDisks2/block_devices/sdz':"
+        " {'org.freedesktop.UDisks2.Block': {'IdLabel': <'My Stick'>}},"
+        " objectpath '/org/freedesktop/UDisks2/block_devices/sdz1':"
+        " {'org.freedesktop.UDisks2.Block': {'IdLabel': <'My Stick'>},"
+        "  'org.freedesktop.UDisks2.Filesystem': @a{sv} {}},"
+        " objectpath '/org/freedesktop/UDisks2/block_devices/sdy1':"
+        " {'org.freedesktop.UDisks2.Block': {'IdLabel': <'Mounted'>},"
+        "  'org.freedesktop.UDisks2.Filesystem': {'MountPoints': <[b'/mnt/it']>}}},)");
 }
 
 class UdisksMountTest : public testing::Test {
@@ -100,25 +105,31 @@ private:
 
 TEST_F(UdisksMountTest, MountsTheFileSystemOfTheLabel) {
     serve();
-    EXPECT_TRUE(udisksMount("My Stick", std::chrono::seconds(60)));
+    EXPECT_EQ(udisksMount("My Stick", std::chrono::seconds(60)), "/media/ann/My Stick");
     EXPECT_EQ(mounted, (std::vector<std::string>{kDisk}));
+}
+
+TEST_F(UdisksMountTest, TellsWhereItIsMountedAlready) {
+    serve();
+    EXPECT_EQ(udisksMount("Mounted", std::chrono::seconds(60)), "/mnt/it");
+    EXPECT_TRUE(mounted.empty());
 }
 
 TEST_F(UdisksMountTest, MountsNothingOfAnotherLabel) {
     serve();
-    EXPECT_FALSE(udisksMount("Other", std::chrono::seconds(60)));
+    EXPECT_EQ(udisksMount("Other", std::chrono::seconds(60)), "");
     EXPECT_TRUE(mounted.empty());
 }
 
 TEST_F(UdisksMountTest, TellsThatItWasRefused) {
     refuses = true;
     serve();
-    EXPECT_FALSE(udisksMount("My Stick", std::chrono::seconds(60)));
+    EXPECT_EQ(udisksMount("My Stick", std::chrono::seconds(60)), "");
     EXPECT_EQ(mounted.size(), 1u);
 }
 
 TEST_F(UdisksMountTest, FailsWithoutTheService) {
-    EXPECT_FALSE(udisksMount("My Stick", std::chrono::seconds(60)));
+    EXPECT_EQ(udisksMount("My Stick", std::chrono::seconds(60)), "");
 }
 
 }  // namespace
