@@ -55,11 +55,4 @@ std::optional<UnmountedVolume> unmountedByTable(const std::string& path,
 // By where the desktop mounts disks, and the volumes folder. For paths that do not exist.
 std::optional<UnmountedVolume> unmountedByLabel(const std::string& path, const AliasPlaces& places);
 
-// What a path lies on, by its text alone: the longest mount point above it.
-const Mount* mountAbove(const std::string& path, const std::vector<Mount>& mounts);
-
-// Whether asking a file system of this type may take for ever: its answers come over a network or
-// from another process.
-bool mayStall(const Mount& mount);
-
 }  // namespace coreservices

@@ -5,6 +5,7 @@
 #include "CoreServices/MacAliasPaths.h"
 #include "CoreServices/NetworkPlace.h"
 #include "CoreServices/Patience.h"
+#include "CoreServices/StallingMount.h"
 #include "CoreServices/Volumes.h"
 
 #include <algorithm>
@@ -77,12 +78,12 @@ const std::vector<Mount>& Walk::mounts() {
     return *_mounts;
 }
 
-// A file system that does not answer is not asked again before it has; elsewhere this holds for the
-// single path only.
+// A file system that has not answered is not asked again before it does.
 AliasLook Walk::look(const std::string& path) {
-    const Mount* mount = mountAbove(path, mounts());
-    std::string place = mount != nullptr && mayStall(*mount) ? mount->point : path;
-    auto seen = askPatiently<AliasLook>(place, _places.patience, [path] { return lookAt(path); });
+    auto mount = stallingMountOn(path, mounts());
+    if (!mount)
+        return lookAt(path);
+    auto seen = askPatiently<AliasLook>(*mount, _places.patience, [path] { return lookAt(path); });
     if (seen)
         return std::move(*seen);
     AliasLook nothing;

@@ -82,6 +82,9 @@ TEST_F(AliasMountTest, DeadServersAreGivenUpAndNotAskedTwice) {
     // Longer than the test may take.
     places.patience = std::chrono::hours(1);
     EXPECT_EQ(resolve(makeLink("2", point + "/other")).resolution, Resolution::NoAnswer);
+    fs::create_symlink("dead/folder", root() + "/link");
+    EXPECT_EQ(resolve(makeLink("link", root() + "/link/x")).resolution, Resolution::NoAnswer);
+    EXPECT_EQ(resolve(root() + "/link").resolution, Resolution::NoAnswer);
     std::string folder = makeFolder("alive");
     EXPECT_EQ(resolve(makeLink("3", folder)).resolution, Resolution::Found);
     close(server);
