@@ -89,6 +89,8 @@ std::string udisksMount(const std::string& label, std::chrono::milliseconds pati
     Bus bus(g_bus_get_sync(G_BUS_TYPE_SYSTEM, nullptr, nullptr));
     if (!bus)
         return {};
+    // Or the end of the bus would be the end of the process.
+    g_dbus_connection_set_exit_on_close(bus.get(), FALSE);
     Variant answer = call(bus, "/org/freedesktop/UDisks2", "org.freedesktop.DBus.ObjectManager",
                           "GetManagedObjects", nullptr, patience);
     if (!answer || !g_variant_is_of_type(answer.get(), G_VARIANT_TYPE("(a{oa{sa{sv}}})")))

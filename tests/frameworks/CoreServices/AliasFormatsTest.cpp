@@ -228,7 +228,8 @@ TEST(ResourceFork, CutAtAnyByteGivesNothing) {
 }
 
 TEST(ResourceFork, OfACompanionIsFoundWithTheFindersNotes) {
-    auto content = parseCompanion(companion("fdrp", 0x8000, "fork"));
+    std::string whole = companion("fdrp", 0x8000, "fork");
+    auto content = parseCompanion(whole);
     ASSERT_TRUE(content);
     EXPECT_EQ(content->finderType, 0x66647270u);
     EXPECT_EQ(content->finderFlags, 0x8000);

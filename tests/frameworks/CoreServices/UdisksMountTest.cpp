@@ -55,6 +55,8 @@ protected:
         if (_server.joinable()) {
             g_main_loop_quit(_loop);
             _server.join();
+            g_main_loop_unref(_loop);
+            g_main_context_unref(_context);
         }
         g_object_unref(_bus);
         g_object_unref(_daemon);
