@@ -52,12 +52,7 @@ protected:
     }
 
     void TearDown() override {
-        if (_server.joinable()) {
-            g_main_loop_quit(_loop);
-            _server.join();
-            g_main_loop_unref(_loop);
-            g_main_context_unref(_context);
-        }
+        stop();
         g_object_unref(_bus);
         g_object_unref(_daemon);
     }
@@ -87,17 +82,32 @@ protected:
         auto* test = static_cast<UdisksMountTest*>(self);
         if (std::string(method) == "GetManagedObjects")
             return g_dbus_method_invocation_return_value(call, objects());
-        test->mounted.push_back(path);
+        test->_mounted.push_back(path);
         if (test->refuses)
             return g_dbus_method_invocation_return_dbus_error(
                 call, "org.freedesktop.UDisks2.Error.NotAuthorized", "no");
         g_dbus_method_invocation_return_value(call, g_variant_new("(s)", "/media/ann/My Stick"));
     }
 
-    std::vector<std::string> mounted;
+    // The disks that were to be mounted; nothing is answered any more.
+    std::vector<std::string> mounted() {
+        stop();
+        return _mounted;
+    }
+
     bool refuses = false;
 
 private:
+    void stop() {
+        if (!_server.joinable())
+            return;
+        g_main_loop_quit(_loop);
+        _server.join();
+        g_main_loop_unref(_loop);
+        g_main_context_unref(_context);
+    }
+
+    std::vector<std::string> _mounted;
     GTestDBus* _daemon = g_test_dbus_new(G_TEST_DBUS_NONE);
     GDBusConnection* _bus = nullptr;
     GMainContext* _context = nullptr;
@@ -108,26 +118,26 @@ private:
 TEST_F(UdisksMountTest, MountsTheFileSystemOfTheLabel) {
     serve();
     EXPECT_EQ(udisksMount("My Stick", std::chrono::seconds(60)), "/media/ann/My Stick");
-    EXPECT_EQ(mounted, (std::vector<std::string>{kDisk}));
+    EXPECT_EQ(mounted(), (std::vector<std::string>{kDisk}));
 }
 
 TEST_F(UdisksMountTest, TellsWhereItIsMountedAlready) {
     serve();
     EXPECT_EQ(udisksMount("Mounted", std::chrono::seconds(60)), "/mnt/it");
-    EXPECT_TRUE(mounted.empty());
+    EXPECT_TRUE(mounted().empty());
 }
 
 TEST_F(UdisksMountTest, MountsNothingOfAnotherLabel) {
     serve();
     EXPECT_EQ(udisksMount("Other", std::chrono::seconds(60)), "");
-    EXPECT_TRUE(mounted.empty());
+    EXPECT_TRUE(mounted().empty());
 }
 
 TEST_F(UdisksMountTest, TellsThatItWasRefused) {
     refuses = true;
     serve();
     EXPECT_EQ(udisksMount("My Stick", std::chrono::seconds(60)), "");
-    EXPECT_EQ(mounted.size(), 1u);
+    EXPECT_EQ(mounted().size(), 1u);
 }
 
 TEST_F(UdisksMountTest, FailsWithoutTheService) {
