@@ -11,6 +11,9 @@ std::optional<timespec> birthTimeOf(const char* path, Links links) {
     struct statx info {};
     if (statx(AT_FDCWD, path, flags, STATX_BTIME, &info) != 0 || (info.stx_mask & STATX_BTIME) == 0)
         return std::nullopt;
+    // What programs that make whole file systems leave in them.
+    if (info.stx_btime.tv_sec == 0 && info.stx_btime.tv_nsec == 0)
+        return std::nullopt;
     return timespec{info.stx_btime.tv_sec, info.stx_btime.tv_nsec};
 }
 

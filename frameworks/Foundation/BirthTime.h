@@ -8,7 +8,8 @@ namespace foundation {
 
 enum class Links { Follow, Keep };
 
-// When the item was made. Nothing where its file system keeps no birth times, or there is no item.
+// When the item was made. Nothing where its file system keeps no birth times or has none of the
+// item, and where there is no item.
 std::optional<timespec> birthTimeOf(const char* path, Links links);
 
 }  // namespace foundation

@@ -139,6 +139,25 @@ TEST_F(FileManagerBirthTime, FileSystemWithoutBirthTimesKeepsGNUstepsAnswer) {
                 [[all fileModificationDate] timeIntervalSince1970], 1.0);
 }
 
+// As in a file system that a program made whole.
+TEST_F(FileManagerBirthTime, ItemWithoutABirthTimeKeepsGNUstepsAnswer) {
+    const std::string image = folder / "image";
+    std::filesystem::create_directory(folder / "content");
+    std::ofstream(folder / "content/file") << "content";
+    std::filesystem::create_directory(folder / "disk");
+    ASSERT_EQ(system(("truncate -s 4M " + image + " && mkfs.ext4 -q -I 256 -d " +
+                      (folder / "content").string() + ' ' + image + " && debugfs -w -R " +
+                      "'set_inode_field file crtime 0' " + image + " && debugfs -w -R " +
+                      "'set_inode_field file crtime_extra 0' " + image + " && mount -o loop,ro " +
+                      image + ' ' + (folder / "disk").string())
+                         .c_str()),
+              0);
+    path = pathOf("disk/file");
+    EXPECT_NEAR([[attributes() fileCreationDate] timeIntervalSince1970],
+                [[attributes() fileModificationDate] timeIntervalSince1970], 60.0);
+    EXPECT_EQ(system(("umount " + (folder / "disk").string()).c_str()), 0);
+}
+
 TEST_F(FileManagerBirthTime, CopiedFilesKeepTheDateOfTheirChange) {
     ASSERT_TRUE([files copyItemAtPath:path toPath:pathOf("copy") error:nullptr]);
     path = pathOf("copy");
