@@ -15,8 +15,7 @@ using Values = std::tuple<std::int64_t, std::uint32_t, std::uint32_t, std::uint3
                           std::uint32_t, std::uint32_t>;
 
 Values valuesOf(const CivilTime& time) {
-    return {time.date.year, time.date.month, time.date.day, time.dayOfWeek,
-            time.hour,      time.minute,     time.second};
+    return {time.year, time.month, time.day, time.dayOfWeek, time.hour, time.minute, time.second};
 }
 
 /// As the C library carries the fields.
@@ -95,26 +94,48 @@ TEST(CivilCalendar, TheLargestAndTheSmallestFieldsAreCarried) {
     EXPECT_EQ(valuesOf(first), Values(-2'332'569'365, 11, 1, 0, 10, 37, 52));
 }
 
+TEST(CivilCalendar, EveryDayHasTheLibrarysDayOfTheWeek) {
+    for (std::uint32_t year = 1; year <= 3000; ++year)
+        for (std::uint32_t month = 1; month <= 12; ++month)
+            for (std::uint32_t day = 1; isCivilDate(year, month, day); ++day) {
+                tm time{};
+                time.tm_year = static_cast<int>(year) - 1900;
+                time.tm_mon = static_cast<int>(month) - 1;
+                time.tm_mday = static_cast<int>(day);
+                timegm(&time);
+                ASSERT_EQ(time.tm_mday, static_cast<int>(day)) << year << ' ' << month;
+                ASSERT_EQ(dayOfWeek(year, month, day), static_cast<std::uint32_t>(time.tm_wday))
+                    << year << ' ' << month << ' ' << day;
+            }
+}
+
+TEST(CivilCalendar, DayOfTheWeekOfTheLastYearsIsTheCarriedOnes) {
+    for (std::int32_t year : {INT_MAX, INT_MAX - 1, INT_MAX - 47, 1'000'000'000})
+        for (std::uint32_t month = 1; month <= 12; ++month)
+            EXPECT_EQ(dayOfWeek(static_cast<std::uint32_t>(year), month, 28),
+                      normalizeCivilTime({year, static_cast<std::int32_t>(month), 28}).dayOfWeek);
+}
+
 TEST(CivilCalendar, LeapYearsAreEveryFourthButOfCenturiesOnlyEveryFourth) {
-    for (int year : {0, 4, 1600, 2000, 2008, 2400, 100'000})
-        EXPECT_TRUE(isCivilDate({year, 2, 29})) << year;
-    for (int year : {1, 100, 1700, 1800, 1900, 2009, 2100, 100'100})
-        EXPECT_FALSE(isCivilDate({year, 2, 29})) << year;
+    for (std::uint32_t year : {4u, 1600u, 2000u, 2008u, 2400u, 100'000u})
+        EXPECT_TRUE(isCivilDate(year, 2, 29)) << year;
+    for (std::uint32_t year : {1u, 100u, 1700u, 1800u, 1900u, 2009u, 2100u, 100'100u})
+        EXPECT_FALSE(isCivilDate(year, 2, 29)) << year;
+    EXPECT_FALSE(isCivilDate(2008, 2, 30));
 }
 
 TEST(CivilCalendar, OnlyDaysOfTheCalendarAreDates) {
     constexpr std::uint32_t kLast[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
     for (std::uint32_t month = 1; month <= 12; ++month) {
-        EXPECT_TRUE(isCivilDate({2009, month, 1}));
-        EXPECT_TRUE(isCivilDate({2009, month, kLast[month - 1]}));
-        EXPECT_FALSE(isCivilDate({2009, month, 0}));
-        EXPECT_FALSE(isCivilDate({2009, month, kLast[month - 1] + 1}));
-        // A byte less would make a date of it.
-        EXPECT_FALSE(isCivilDate({2009, month + 256, 1}));
-        EXPECT_FALSE(isCivilDate({2009, month, 257}));
+        EXPECT_TRUE(isCivilDate(2009, month, 1));
+        EXPECT_TRUE(isCivilDate(2009, month, kLast[month - 1]));
+        EXPECT_FALSE(isCivilDate(2009, month, 0));
+        EXPECT_FALSE(isCivilDate(2009, month, kLast[month - 1] + 1));
+        EXPECT_FALSE(isCivilDate(2009, month, 4294967295u));
     }
-    EXPECT_FALSE(isCivilDate({2009, 0, 1}));
-    EXPECT_FALSE(isCivilDate({2009, 13, 1}));
+    EXPECT_FALSE(isCivilDate(2009, 0, 1));
+    EXPECT_FALSE(isCivilDate(2009, 13, 1));
+    EXPECT_FALSE(isCivilDate(2009, 4294967295u, 1));
 }
 
 }  // namespace

@@ -208,7 +208,7 @@ INSTANTIATE_TEST_SUITE_P(OfTheWorld, Zones,
                          testing::Values(nullptr, "", "UTC", "Asia/Kolkata", ":Asia/Kathmandu",
                                          "Europe/Berlin", "America/New_York",
                                          "/usr/share/zoneinfo/Pacific/Apia", "EST5EDT", "XYZ-5:45",
-                                         ":nonsense", "/nowhere"));
+                                         "CET-1CEST,M3.5.0,M10.5.0/3", ":nonsense", "/nowhere"));
 
 TEST(CurrentTime, WithoutLocalTimeIsInTheZoneThatTheProgramChose) {
     EXPECT_EQ(withZone("Asia/Kolkata",

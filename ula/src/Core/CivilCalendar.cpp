@@ -11,15 +11,15 @@ using std::chrono::day;
 using std::chrono::days;
 using std::chrono::month;
 using std::chrono::sys_days;
-using std::chrono::weekday;
 using std::chrono::year;
 using std::chrono::year_month_day;
 
-/// After 400 years the calendar begins anew, with the same day of the week.
+/// After 400 years the calendar begins anew, with the same day of the week. The library's calendar
+/// has 16 bits for a year: those from 2000 on stand for all of them.
 constexpr std::int64_t kYearsOfCycle = 400;
 constexpr std::int64_t kDaysOfCycle = 146'097;
 static_assert(kDaysOfCycle % 7 == 0);
-/// Where a cycle begins: a Saturday.
+/// A Saturday.
 constexpr sys_days kBegin = year(2000) / month(1) / day(1);
 constexpr std::int64_t kMonthsOfYear = 12;
 constexpr std::int64_t kSecondsOfDay = 86'400;
@@ -36,72 +36,40 @@ constexpr Division divide(std::int64_t value, std::int64_t by) {
                          : Division{value / by, remainder};
 }
 
-/// The library's calendar has 16 bits for a year: these stand for all of them.
-year yearOfCycle(std::int64_t value) {
-    return year(static_cast<int>(2000 + divide(value, kYearsOfCycle).remainder));
-}
-
-/// The days since `kBegin`. The month must be one.
-std::int64_t dayNumber(std::int64_t aYear, std::uint32_t aMonth) {
-    const sys_days first = yearOfCycle(aYear) / month(aMonth) / day(1);
-    const std::int64_t cycles = divide(aYear, kYearsOfCycle).quotient - 5;
-    return cycles * kDaysOfCycle + (first - kBegin).count();
-}
-
-CivilDate dateOf(std::int64_t dayNumber) {
-    const Division cycle = divide(dayNumber, kDaysOfCycle);
-    const year_month_day date(kBegin + days(cycle.remainder));
-    return {cycle.quotient * kYearsOfCycle + int(date.year()), unsigned(date.month()),
-            unsigned(date.day())};
-}
-
-std::uint32_t dayOfWeekOf(std::int64_t dayNumber) {
-    return static_cast<std::uint32_t>(divide(dayNumber + 6, 7).remainder);
+/// Of the first day of a month: the days since `kBegin`.
+std::int64_t dayNumber(std::int64_t aYear, std::int64_t aMonth) {
+    const Division cycle = divide(aYear - 2000, kYearsOfCycle);
+    const sys_days first = year(static_cast<int>(2000 + cycle.remainder)) /
+                           month(static_cast<unsigned>(aMonth)) / day(1);
+    return cycle.quotient * kDaysOfCycle + (first - kBegin).count();
 }
 
 std::uint32_t narrow(std::int64_t value) {
     return static_cast<std::uint32_t>(value);
 }
 
-/// Fields of 32 bits leave room for all of this in 64.
-CivilTime carry(const CivilFields& fields) {
-    const Division months = divide(std::int64_t(fields.month) - 1, kMonthsOfYear);
-    const Division seconds =
-        divide(std::int64_t(fields.hour) * 3600 + std::int64_t(fields.minute) * 60 + fields.second,
-               kSecondsOfDay);
-    const std::int64_t number =
-        dayNumber(fields.year + months.quotient, narrow(months.remainder + 1)) + fields.day - 1 +
-        seconds.quotient;
-    return {dateOf(number), dayOfWeekOf(number), narrow(seconds.remainder / 3600),
-            narrow(seconds.remainder / 60 % 60), narrow(seconds.remainder % 60)};
-}
-
-bool isBelow(std::int32_t value, std::uint32_t limit) {
-    return static_cast<std::uint32_t>(value) < limit;
+CivilTime timeOf(std::int64_t dayNumber, std::int64_t secondOfDay) {
+    const Division cycle = divide(dayNumber, kDaysOfCycle);
+    const year_month_day date(kBegin + days(cycle.remainder));
+    return {cycle.quotient * kYearsOfCycle + int(date.year()),
+            unsigned(date.month()),
+            unsigned(date.day()),
+            narrow(divide(dayNumber + 6, 7).remainder),
+            narrow(secondOfDay / 3600),
+            narrow(secondOfDay / 60 % 60),
+            narrow(secondOfDay % 60)};
 }
 
 }  // namespace
 
-bool isCivilDate(const CivilDate& date) {
-    return date.month <= 12 && date.day <= 31 &&
-           (yearOfCycle(date.year) / month(date.month) / day(date.day)).ok();
-}
-
-std::uint32_t dayOfWeek(const CivilDate& date) {
-    return weekday(sys_days(yearOfCycle(date.year) / month(date.month) / day(date.day)))
-        .c_encoding();
-}
-
+// Fields of 32 bits leave room for all of this in 64.
 CivilTime normalizeCivilTime(const CivilFields& fields) {
-    const CivilDate date{fields.year, static_cast<std::uint32_t>(fields.month),
-                         static_cast<std::uint32_t>(fields.day)};
-    // Nearly every time has nothing to be carried.
-    if (isBelow(fields.hour, 24) && isBelow(fields.minute, 60) && isBelow(fields.second, 60) &&
-        isCivilDate(date))
-        return {date, dayOfWeek(date), static_cast<std::uint32_t>(fields.hour),
-                static_cast<std::uint32_t>(fields.minute),
-                static_cast<std::uint32_t>(fields.second)};
-    return carry(fields);
+    const Division months = divide(std::int64_t(fields.month) - 1, kMonthsOfYear);
+    const Division seconds =
+        divide(std::int64_t(fields.hour) * 3600 + std::int64_t(fields.minute) * 60 + fields.second,
+               kSecondsOfDay);
+    const std::int64_t first = dayNumber(fields.year + months.quotient, months.remainder + 1);
+    return timeOf(first + fields.day - 1 + seconds.quotient, seconds.remainder);
 }
 
 }  // namespace tav::ula

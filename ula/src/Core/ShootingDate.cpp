@@ -94,11 +94,10 @@ bool takeClock(Cursor& cursor, ULATime* time) {
 
 /// False where there is no such day or no such time of the day.
 bool complete(ULATime* time) {
-    const CivilDate date{time->year, time->monthOfYear, time->dayOfMonth};
     if (time->year == 0 || time->hourOfDay > 23 || time->minuteOfHour > 59 ||
-        time->secondOfMinute > 59 || !isCivilDate(date))
+        time->secondOfMinute > 59 || !isCivilDate(time->year, time->monthOfYear, time->dayOfMonth))
         return false;
-    time->dayOfWeek = dayOfWeek(date);
+    time->dayOfWeek = dayOfWeek(time->year, time->monthOfYear, time->dayOfMonth);
     return true;
 }
 
