@@ -82,7 +82,7 @@ ExifDataOwner dataOfTiff(File& file, std::vector<unsigned char> bytes) {
     ExifDataOwner data(exif_data_new());
     if (data == nullptr)
         return nullptr;
-    // As it was written, without what the specification asks for.
+    // As it was written: nothing is to be added or mended.
     exif_data_unset_option(data.get(), EXIF_DATA_OPTION_FOLLOW_SPECIFICATION);
     exif_data_load_data(data.get(), bytes.data(), static_cast<unsigned>(bytes.size()));
     return data;
