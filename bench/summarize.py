@@ -101,6 +101,15 @@ COMPARISONS = [
     ("sort names", "sortNames/ula", "sortNames/ICU keys", ["100000"], 0.65),
     ("sort names", "sortNames/ula", "sortNames/QCollator keys", ["100000"], None),
     ("sort names", "sortNames/ula", "sortNames/bytes", ["100000"], None),
+    ("read a shooting date", "readDate/ula", "readDate/fixed chrono", [""], 1.5),
+    ("read a shooting date", "readDate/ula", "readDate/strptime", [""], None),
+    ("read a shooting date", "readDate/ula", "readDate/sscanf", [""], None),
+    ("read a shooting date", "readDate/ula", "readDate/atoi", [""], None),
+    ("read a shooting date", "readDate/ula", "readDate/date", [""], None),
+    ("read a shooting date", "readDate/ula", "readDate/QDateTime", [""], None),
+    ("read a shooting date strictly", "readDateStrictly/ula", "readDate/fixed chrono", [""], None),
+    ("read a shooting date strictly", "readDateStrictly/ula", "readDate/strptime", [""], None),
+    ("the same with zone, to UTC", "readDateWithZone/ula", "readDate/strptime", [""], None),
     ("sort names, comparing", "sortNames/ula compare", "sortNames/ICU compare", ["100000"], None),
 ]
 

@@ -2,6 +2,7 @@
 #include "tools/ula/DisplayText.h"
 #include "tools/ula/SettingsCommand.h"
 #include "tools/ula/StandardOutput.h"
+#include "tools/ula/TimeCommand.h"
 #include "tools/ula/TrashCommand.h"
 #include "tools/ula/VolumesCommand.h"
 #include "tools/ula/Warnings.h"
@@ -18,6 +19,7 @@ constexpr const char* kHelp = R"(Examples:
   ula settings photo.xml list
   ula settings photo.xml set Window Width 1280
   ula volumes              the start-up disk and mounted volumes by their names
+  ula time *.jpg           when pictures were taken, and their files made and changed
   ula trash old.jpg        moves a file to the trash, and says where it is now
   ula settings --help      all about settings files
   ula settings x set --help    all about storing values
@@ -61,6 +63,7 @@ int main(int argc, char** argv) {
     program.footer(kHelp);
     ExitCode result = ExitOk;
     addSettingsCommand(program, result);
+    addTimeCommand(program, result);
     addTrashCommand(program, result);
     addVolumesCommand(program, result);
     std::vector<std::string> arguments;
