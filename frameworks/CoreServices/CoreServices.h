@@ -3,5 +3,8 @@
 // own names.
 #pragma once
 
+#include <CoreServices/Aliases.h>
+#include <CoreServices/Files.h>
+#include <CoreServices/Finder.h>
 #include <CoreServices/MacTypes.h>
 #include <CoreServices/UnicodeUtilities.h>

@@ -1,0 +1,206 @@
+// SPDX-License-Identifier: MIT
+#include "CoreServices/AliasFile.h"
+
+#include "CoreServices/AliasRecord.h"
+#include "CoreServices/BookmarkData.h"
+#include "CoreServices/Finder.h"
+#include "CoreServices/ResourceFork.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace coreservices {
+
+namespace {
+
+constexpr uint64_t kSmallestAlias = 58;
+constexpr uint64_t kLargestAlias = 1 << 20;
+constexpr size_t kFirstRead = 4096;
+constexpr uint16_t kIsAliasFlag = 0x8000;
+constexpr std::string_view kDesktopSuffix = ".desktop";
+
+constexpr size_t kLongestExtension = 8;
+
+// An extension as one number, in the order of its bytes.
+constexpr uint64_t packed(std::string_view extension) {
+    uint64_t number = 0;
+    for (size_t i = 0; i < kLongestExtension; ++i) {
+        char c = i < extension.size() ? extension[i] : '\0';
+        bool upper = c >= 'A' && c <= 'Z';
+        number = number << 8 | static_cast<unsigned char>(upper ? c - 'A' + 'a' : c);
+    }
+    return number;
+}
+
+// Extensions of the files that folders are full of. No alias to a folder ends like that, unless
+// somebody named the folder so.
+constexpr uint64_t kOrdinaryExtensions[] = {
+    packed("3fr"),  packed("7z"),   packed("a"),    packed("aac"),   packed("ai"),   packed("aiff"),
+    packed("arw"),  packed("avi"),  packed("avif"), packed("bak"),   packed("bmp"),  packed("bz2"),
+    packed("c"),    packed("cc"),   packed("cfg"),  packed("conf"),  packed("cpp"),  packed("cr2"),
+    packed("cr3"),  packed("crw"),  packed("css"),  packed("csv"),   packed("dat"),  packed("db"),
+    packed("deb"),  packed("dll"),  packed("dng"),  packed("doc"),   packed("docx"), packed("eps"),
+    packed("epub"), packed("erf"),  packed("exe"),  packed("flac"),  packed("gif"),  packed("gz"),
+    packed("h"),    packed("heic"), packed("heif"), packed("hpp"),   packed("htm"),  packed("html"),
+    packed("icns"), packed("ico"),  packed("ics"),  packed("iso"),   packed("jar"),  packed("java"),
+    packed("jpeg"), packed("jpg"),  packed("js"),   packed("json"),  packed("key"),  packed("log"),
+    packed("m4a"),  packed("m4v"),  packed("md"),   packed("mef"),   packed("mkv"),  packed("mm"),
+    packed("mo"),   packed("mos"),  packed("mov"),  packed("mp3"),   packed("mp4"),  packed("mpeg"),
+    packed("mpg"),  packed("mrw"),  packed("nef"),  packed("nrw"),   packed("o"),    packed("odp"),
+    packed("ods"),  packed("odt"),  packed("ogg"),  packed("opus"),  packed("orf"),  packed("otf"),
+    packed("pdf"),  packed("pef"),  packed("php"),  packed("plist"), packed("png"),  packed("po"),
+    packed("ppt"),  packed("pptx"), packed("ps"),   packed("psd"),   packed("py"),   packed("pyc"),
+    packed("raf"),  packed("rar"),  packed("raw"),  packed("rpm"),   packed("rtf"),  packed("rw2"),
+    packed("rwl"),  packed("sh"),   packed("so"),   packed("sql"),   packed("sr2"),  packed("srf"),
+    packed("srw"),  packed("svg"),  packed("tar"),  packed("tex"),   packed("tga"),  packed("tgz"),
+    packed("thm"),  packed("tif"),  packed("tiff"), packed("tmp"),   packed("toml"), packed("ts"),
+    packed("ttf"),  packed("txt"),  packed("wav"),  packed("webm"),  packed("webp"), packed("wma"),
+    packed("wmv"),  packed("woff"), packed("x3f"),  packed("xcf"),   packed("xls"),  packed("xlsx"),
+    packed("xml"),  packed("xmp"),  packed("xz"),   packed("yaml"),  packed("yml"),  packed("zip"),
+    packed("zst")};
+static_assert(std::is_sorted(std::begin(kOrdinaryExtensions), std::end(kOrdinaryExtensions)));
+
+bool endsWith(std::string_view text, std::string_view end) {
+    return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
+}
+
+bool hasOrdinaryExtension(std::string_view name) {
+    size_t dot = name.rfind('.');
+    if (dot == std::string_view::npos || dot == 0 || name.size() - dot - 1 > kLongestExtension)
+        return false;
+    return std::binary_search(std::begin(kOrdinaryExtensions), std::end(kOrdinaryExtensions),
+                              packed(name.substr(dot + 1)));
+}
+
+std::string_view leafOf(std::string_view path) {
+    return path.substr(path.rfind('/') + 1);
+}
+
+// A regular file, open for reading. Anything else is never opened: that alone could wake up who
+// waits at a fifo, or rewind a tape.
+class RegularFile {
+public:
+    explicit RegularFile(const std::string& path) {
+        _place = open(path.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC);
+        struct stat info;
+        if (_place < 0 || fstat(_place, &info) != 0 || !S_ISREG(info.st_mode))
+            return;
+        _size = static_cast<uint64_t>(info.st_size);
+        std::string name = "/proc/self/fd/" + std::to_string(_place);
+        _file = open(name.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);
+    }
+    ~RegularFile() {
+        int reason = errno;
+        if (_file >= 0)
+            close(_file);
+        if (_place >= 0)
+            close(_place);
+        errno = reason;
+    }
+    RegularFile(const RegularFile&) = delete;
+    RegularFile& operator=(const RegularFile&) = delete;
+
+    bool isOpen() const { return _file >= 0; }
+    uint64_t size() const { return _size; }
+
+    // Up to `length` bytes of the file's beginning.
+    std::string read(size_t length) const {
+        std::string bytes(length, '\0');
+        size_t done = 0;
+        while (done < length) {
+            ssize_t count =
+                pread(_file, bytes.data() + done, length - done, static_cast<off_t>(done));
+            if (count < 0 && errno == EINTR)
+                continue;
+            if (count <= 0)
+                break;
+            done += static_cast<size_t>(count);
+        }
+        bytes.resize(done);
+        return bytes;
+    }
+
+private:
+    int _place = -1;
+    int _file = -1;
+    uint64_t _size = 0;
+};
+
+template <class Alias>
+std::optional<AliasContent> content(std::optional<Alias> alias) {
+    if (!alias)
+        return std::nullopt;
+    return AliasContent(std::move(*alias));
+}
+
+std::optional<AliasContent> readDesktopLink(const RegularFile& file) {
+    size_t size = static_cast<size_t>(file.size());
+    std::string text = file.read(std::min(size, kFirstRead));
+    if (text.size() < size) {
+        if (isOtherDesktopEntry(text))
+            return std::nullopt;
+        text = file.read(size);
+    }
+    return content(parseDesktopLink(text));
+}
+
+// What the platform writes for the Finder says the kind more exactly than a record can.
+std::optional<AliasContent> readCompanion(const std::string& path) {
+    size_t leaf = path.rfind('/') + 1;
+    RegularFile file(path.substr(0, leaf) + "._" + path.substr(leaf));
+    if (!file.isOpen() || file.size() > kLargestAlias)
+        return std::nullopt;
+    std::string bytes = file.read(static_cast<size_t>(file.size()));
+    auto companion = parseCompanion(bytes);
+    if (!companion || (companion->finderFlags & kIsAliasFlag) == 0)
+        return std::nullopt;
+    auto record = firstResource(companion->resourceFork, kGenericAliasFileType);
+    auto alias = record ? parseAliasRecord(*record) : std::nullopt;
+    if (alias && companion->finderType == kContainerFolderAliasType)
+        alias->kind = AliasKind::Folder;
+    if (alias && companion->finderType == kContainerHardDiskAliasType)
+        alias->kind = AliasKind::Disk;
+    return content(std::move(alias));
+}
+
+std::optional<AliasContent> readMacAlias(const std::string& path, const RegularFile& file) {
+    if (file.size() == 0)
+        return readCompanion(path);
+    size_t size = static_cast<size_t>(file.size());
+    std::string bytes = file.read(std::min(size, kFirstRead));
+    bool bookmark = beginsAsBookmark(bytes);
+    if (!bookmark && !beginsAsAliasRecord(bytes, size))
+        return std::nullopt;
+    if (bytes.size() < size)
+        bytes = file.read(size);
+    return bookmark ? content(parseBookmark(bytes)) : content(parseAliasRecord(bytes));
+}
+
+}  // namespace
+
+bool mayBeAliasFile(std::string_view name, uint64_t size, Companion companion) {
+    if (size > kLargestAlias)
+        return false;
+    if (endsWith(name, kDesktopSuffix))
+        return size > 0;
+    if (size == 0 ? companion == Companion::Absent : size < kSmallestAlias)
+        return false;
+    return name.substr(0, 2) != "._" && !hasOrdinaryExtension(name);
+}
+
+std::optional<AliasContent> readAliasFile(const std::string& path) {
+    errno = 0;
+    RegularFile file(path);
+    if (!file.isOpen() || !mayBeAliasFile(leafOf(path), file.size()))
+        return std::nullopt;
+    return endsWith(path, kDesktopSuffix) ? readDesktopLink(file) : readMacAlias(path, file);
+}
+
+bool isAliasFile(const std::string& path) {
+    return readAliasFile(path).has_value();
+}
+
+}  // namespace coreservices

@@ -1,0 +1,74 @@
+// SPDX-License-Identifier: MIT
+#include "CoreServices/Patience.h"
+
+#include <condition_variable>
+#include <mutex>
+#include <set>
+#include <system_error>
+#include <thread>
+
+namespace coreservices {
+
+namespace {
+
+// Never destroyed: threads left behind outlive the statics.
+struct Overdue {
+    std::mutex mutex;
+    std::set<std::string> places;
+
+    static Overdue& instance() {
+        static auto* overdue = new Overdue;
+        return *overdue;
+    }
+};
+
+struct Job {
+    std::condition_variable ended;
+    std::function<void()> work;
+    std::string place;
+    bool isDone = false;
+    bool isOverdue = false;
+};
+
+void perform(const std::shared_ptr<Job>& job) {
+    job->work();
+    job->work = nullptr;
+    Overdue& overdue = Overdue::instance();
+    std::lock_guard lock(overdue.mutex);
+    job->isDone = true;
+    if (job->isOverdue)
+        overdue.places.erase(job->place);
+    job->ended.notify_all();
+}
+
+bool start(const std::shared_ptr<Job>& job) {
+    try {
+        std::thread([job] { perform(job); }).detach();
+        return true;
+    } catch (const std::system_error&) {
+        return false;
+    }
+}
+
+}  // namespace
+
+bool runPatiently(const std::string& place, std::chrono::milliseconds patience,
+                  std::function<void()> work) {
+    auto deadline = std::chrono::steady_clock::now() + patience;
+    Overdue& overdue = Overdue::instance();
+    std::unique_lock lock(overdue.mutex);
+    if (overdue.places.count(place) != 0)
+        return false;
+    auto job = std::make_shared<Job>();
+    job->work = std::move(work);
+    job->place = place;
+    if (!start(job))
+        return false;
+    if (job->ended.wait_until(lock, deadline, [&] { return job->isDone; }))
+        return true;
+    job->isOverdue = true;
+    overdue.places.insert(place);
+    return false;
+}
+
+}  // namespace coreservices
