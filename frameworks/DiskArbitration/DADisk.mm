@@ -4,7 +4,9 @@
 #include <DiskArbitration/DADisk.h>
 
 #import <Foundation/Foundation.h>
-#include <sys/sysmacros.h>
+#include <cctype>
+#include <cstdio>
+#include <cstring>
 
 using diskarbitration::BlockDevice;
 using diskarbitration::Description;
@@ -41,6 +43,25 @@ NSString* textOf(const std::string& bytes) {
     return [NSString stringWithUTF8String:bytes.c_str()];
 }
 
+bool isPlain(unsigned char c) {
+    return c < 0x80 && (isalnum(c) != 0 || strchr("/-._~", c) != nullptr);
+}
+
+// Written out: GNUstep looks at the folder even when it is told that it is one, and the server
+// behind it may be gone. Nil for a path that is no text.
+NSURL* folderURL(const std::string& path) {
+    if (textOf(path) == nil)
+        return nil;
+    std::string text = "file://";
+    for (char c : path) {
+        auto byte = static_cast<unsigned char>(c);
+        char escape[4];
+        snprintf(escape, sizeof escape, "%%%02X", byte);
+        text += isPlain(byte) ? std::string(1, c) : escape;
+    }
+    return [NSURL URLWithString:textOf(text.back() == '/' ? text : text + "/")];
+}
+
 // Takes pairs of keys and values, and leaves out what is not known.
 class Table {
 public:
@@ -67,12 +88,10 @@ private:
 
 void addVolume(Table& table, const Description& description) {
     const coreservices::Mount& mount = *description.mount;
-    NSString* path = textOf(mount.point);
     table.add(kDADiskDescriptionVolumeKindKey, mount.type);
     table.addFlag(kDADiskDescriptionVolumeMountableKey, true);
     table.addFlag(kDADiskDescriptionVolumeNetworkKey, description.isNetwork);
-    table.add(kDADiskDescriptionVolumePathKey,
-              path == nil ? nil : [NSURL fileURLWithPath:path isDirectory:YES]);
+    table.add(kDADiskDescriptionVolumePathKey, folderURL(mount.point));
 }
 
 std::string mediaNameOf(const BlockDevice& device) {
