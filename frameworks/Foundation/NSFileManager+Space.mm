@@ -11,11 +11,13 @@
 
 namespace {
 
-using FileSystemAttributes = NSDictionary* (*)(id, SEL, NSString*);
+using Attributes = NSDictionary* (*)(id, SEL, NSString*);
+using AttributesOrError = NSDictionary* (*)(id, SEL, NSString*, NSError**);
 
 constexpr std::chrono::milliseconds kPatience{500};
 
-FileSystemAttributes originalAttributes = nullptr;
+Attributes originalAttributes = nullptr;
+AttributesOrError originalAttributesOrError = nullptr;
 
 NSNumber* number(uint64_t value) {
     return [NSNumber numberWithUnsignedLongLong:value];
@@ -31,14 +33,37 @@ NSDictionary* dictionaryOf(const foundation::FileSystemSpace& space) {
     };
 }
 
-NSDictionary* fileSystemAttributes(id self, SEL command, NSString* path) {
+// Whether the original would wait for somebody. Stores what was learned without it, or nil.
+bool answeredFor(NSString* path, NSDictionary** answer) {
     const char* bytes = path == nil ? nullptr : [path fileSystemRepresentation];
     coreservices::MountList mounts = coreservices::currentMounts();
     const coreservices::Mount* mount = bytes != nullptr ? mountOf(bytes, *mounts) : nullptr;
     if (mount == nullptr || answersByItself(*mount))
-        return originalAttributes(self, command, path);
+        return false;
     auto space = foundation::askForSpace(mount->point, kPatience);
-    return space ? dictionaryOf(*space) : nil;
+    *answer = space ? dictionaryOf(*space) : nil;
+    return true;
+}
+
+NSDictionary* fileSystemAttributes(id self, SEL command, NSString* path) {
+    NSDictionary* answer = nil;
+    return answeredFor(path, &answer) ? answer : originalAttributes(self, command, path);
+}
+
+NSDictionary* fileSystemAttributesOrError(id self, SEL command, NSString* path, NSError** error) {
+    NSDictionary* answer = nil;
+    if (!answeredFor(path, &answer))
+        return originalAttributesOrError(self, command, path, error);
+    if (answer == nil && error != nullptr)
+        *error = [NSError errorWithDomain:NSPOSIXErrorDomain code:ETIMEDOUT userInfo:nil];
+    return answer;
+}
+
+template <class Function>
+void replaceMethod(SEL selector, Function function, Function& original) {
+    Method method = class_getInstanceMethod(objc_getClass("NSFileManager"), selector);
+    original = reinterpret_cast<Function>(
+        method_setImplementation(method, reinterpret_cast<IMP>(function)));
 }
 
 }  // namespace
@@ -49,10 +74,9 @@ NSDictionary* fileSystemAttributes(id self, SEL command, NSString* path) {
 @implementation ULFileManagerSpace
 
 + (void)load {
-    Method method = class_getInstanceMethod(objc_getClass("NSFileManager"),
-                                            @selector(fileSystemAttributesAtPath:));
-    originalAttributes = reinterpret_cast<FileSystemAttributes>(
-        method_setImplementation(method, reinterpret_cast<IMP>(fileSystemAttributes)));
+    replaceMethod(@selector(fileSystemAttributesAtPath:), fileSystemAttributes, originalAttributes);
+    replaceMethod(@selector(attributesOfFileSystemForPath:error:), fileSystemAttributesOrError,
+                  originalAttributesOrError);
 }
 
 @end

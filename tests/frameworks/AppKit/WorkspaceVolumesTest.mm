@@ -203,6 +203,9 @@ TEST_F(WorkspaceVolumes, ShareWithoutAServerKeepsNobodyWaiting) {
     EXPECT_TRUE(isRemovable);
     EXPECT_NE([workspace() iconForFile:@"/Volumes/Share"], nil);
     NSFileManager* files = [NSFileManager defaultManager];
+    NSError* error = nil;
+    EXPECT_EQ([files attributesOfFileSystemForPath:@"/Volumes/Share" error:&error], nil);
+    EXPECT_EQ([error code], ETIMEDOUT);
     EXPECT_EQ([files attributesOfFileSystemForPath:@"/Volumes/Share" error:nullptr], nil);
     EXPECT_EQ([files fileSystemAttributesAtPath:@"/Volumes/Share"], nil);
     EXPECT_LT(Clock::now() - begin, std::chrono::seconds(20));
