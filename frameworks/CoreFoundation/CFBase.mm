@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "AutoreleasePool.h"
+#include "ThreadSanitizer.h"
 
 #include <CoreFoundation/CFBase.h>
 #include <cstdlib>
@@ -21,6 +22,7 @@ CFTypeRef CFRetain(CFTypeRef reference) {
 void CFRelease(CFTypeRef reference) {
     if (reference == nullptr)
         abort();
+    cf::letsGoOf(reference);
     [object(reference) release];
 }
 

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "AutoreleasePool.h"
+#include "ConstantStrings.h"
 
 #include <CoreFoundation/CFString.h>
 #include <cstring>
@@ -115,11 +116,15 @@ Boolean CFStringHasSuffix(CFStringRef string, CFStringRef suffix) {
     return CFStringGetLength(suffix) == 0 || [text(string) hasSuffix:text(suffix)];
 }
 
+std::mutex& cf::constantStringsLock() {
+    static auto* const lock = new std::mutex;
+    return *lock;
+}
+
 CFStringRef __CFStringMakeConstantString(const char* characters) {
     // Never destroyed: constants are used by the destructors of static objects too.
-    static auto* const mutex = new std::mutex;
     static auto* const strings = new std::map<std::string, CFStringRef, std::less<>>;
-    std::lock_guard guard(*mutex);
+    std::lock_guard guard(cf::constantStringsLock());
     auto found = strings->find(characters);
     if (found == strings->end())
         found = strings

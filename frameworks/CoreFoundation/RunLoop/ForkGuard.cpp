@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "ForkGuard.h"
 
+#include "CoreFoundation/ConstantStrings.h"
 #include "Membership.h"
+#include "ModeName.h"
 #include "RunLoop.h"
 #include "ThreadRunLoop.h"
 
@@ -32,19 +34,25 @@ void ForkGuard::leave(RunLoop& loop) {
 // Takes the locks that the child must find free, in the order in which they are always taken.
 void ForkGuard::prepare() {
     ForkGuard& guard = instance();
+    ThreadRunLoop::mainLock().lock();
     Membership::lock().lock();
     guard._forking = ThreadRunLoop::ofThisThread();
     if (guard._forking != nullptr)
         guard._forking->lock().lock();
     guard._mutex.lock();
+    modeNamesLock().lock();
+    constantStringsLock().lock();
 }
 
 void ForkGuard::unlock() {
+    constantStringsLock().unlock();
+    modeNamesLock().unlock();
     _mutex.unlock();
     if (_forking != nullptr)
         _forking->lock().unlock();
     _forking = nullptr;
     Membership::lock().unlock();
+    ThreadRunLoop::mainLock().unlock();
 }
 
 void ForkGuard::parent() {

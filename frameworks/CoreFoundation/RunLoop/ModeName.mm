@@ -16,33 +16,33 @@ namespace cf {
 
 namespace {
 
-class ModeNames {
-public:
-    CFStringRef find(CFStringRef name) {
-        std::lock_guard guard(_mutex);
-        for (CFStringRef known : _names) {
-            if (known == name)
-                return known;
-        }
-        for (CFStringRef known : _names) {
-            if (CFEqual(known, name))
-                return known;
-        }
-        // A copy that the caller cannot change; kept for ever, as there are few modes.
-        _names.push_back(CFStringCreateCopy(kCFAllocatorDefault, name));
-        return _names.back();
-    }
-
-private:
-    std::mutex _mutex;
-    std::vector<CFStringRef> _names;
-};
+/// Kept for ever, as there are few modes.
+std::vector<CFStringRef>& knownNames() {
+    static auto* const names = new std::vector<CFStringRef>;
+    return *names;
+}
 
 }  // namespace
 
+std::mutex& modeNamesLock() {
+    static auto* const lock = new std::mutex;
+    return *lock;
+}
+
 CFStringRef modeName(CFStringRef name) {
-    static auto* const names = new ModeNames;
-    return names->find(name);
+    std::lock_guard guard(modeNamesLock());
+    std::vector<CFStringRef>& names = knownNames();
+    for (CFStringRef known : names) {
+        if (known == name)
+            return known;
+    }
+    for (CFStringRef known : names) {
+        if (CFEqual(known, name))
+            return known;
+    }
+    // A copy that the caller cannot change.
+    names.push_back(CFStringCreateCopy(kCFAllocatorDefault, name));
+    return names.back();
 }
 
 CFStringRef defaultMode() {

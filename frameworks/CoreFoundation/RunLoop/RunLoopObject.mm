@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "RunLoopObject.h"
 
+#include "CoreFoundation/ThreadSanitizer.h"
 #include "RunLoop.h"
 #include "Source.h"
 #include "Timer.h"
@@ -10,8 +11,19 @@
 #include <optional>
 
 // The CF objects: they only hold the C++ objects and count their references.
+@interface ULACountedObject : NSObject
+@end
 
-@interface ULARunLoop : NSObject {
+@implementation ULACountedObject
+
+- (void)dealloc {
+    cf::ends(self);
+    [super dealloc];
+}
+
+@end
+
+@interface ULARunLoop : ULACountedObject {
 @public
     std::optional<cf::RunLoop> _loop;
 }
@@ -20,7 +32,7 @@
 @implementation ULARunLoop
 @end
 
-@interface ULARunLoopSource : NSObject {
+@interface ULARunLoopSource : ULACountedObject {
 @public
     std::optional<cf::Source> _source;
 }
@@ -45,7 +57,7 @@
 
 @end
 
-@interface ULARunLoopTimer : NSObject {
+@interface ULARunLoopTimer : ULACountedObject {
 @public
     std::optional<cf::Timer> _timer;
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <CoreFoundation/CFRunLoop.h>
+#include <mutex>
 
 namespace cf {
 
@@ -17,6 +18,8 @@ public:
     static RunLoop* ofThisThread();
     /// Made on first use, by whichever thread.
     static RunLoop& main();
+    /// What guards the making of the main loop. Taken before any other lock.
+    static std::mutex& mainLock();
 
     /// For the loops themselves, as they are made and destroyed.
     static void enter(RunLoop& loop);

@@ -42,11 +42,6 @@ public:
 };
 thread_local ThreadEnd threadEnd;
 
-std::mutex& mainMutex() {
-    static auto* const mutex = new std::mutex;
-    return *mutex;
-}
-
 RunLoop* mainLoop = nullptr;
 
 bool isMainThread() {
@@ -55,7 +50,7 @@ bool isMainThread() {
 
 // The main loop lives as long as the process.
 RunLoop& madeMain() {
-    std::lock_guard guard(mainMutex());
+    std::lock_guard guard(ThreadRunLoop::mainLock());
     if (mainLoop == nullptr)
         mainLoop = &newRunLoop();
     return *mainLoop;
@@ -79,6 +74,11 @@ void attachFromElsewhere() {
 
 }  // namespace
 
+std::mutex& ThreadRunLoop::mainLock() {
+    static auto* const lock = new std::mutex;
+    return *lock;
+}
+
 RunLoop* ThreadRunLoop::ofThisThread() {
     return threadLoop;
 }
@@ -100,7 +100,7 @@ RunLoop& ThreadRunLoop::main() {
     if (isMainThread())
         return *current();
     {
-        std::lock_guard guard(mainMutex());
+        std::lock_guard guard(ThreadRunLoop::mainLock());
         if (mainLoop != nullptr)
             return *mainLoop;
     }
