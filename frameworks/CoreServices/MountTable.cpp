@@ -5,6 +5,7 @@
 #include <fcntl.h>
 #include <mutex>
 #include <poll.h>
+#include <pthread.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -18,6 +19,12 @@ constexpr auto kLongest = std::chrono::milliseconds(100);
 // The table as it was read last. The kernel tells through the descriptor that it has changed.
 class MountTable {
 public:
+    // Never destroyed: threads that wait for a dead server may outlive the statics.
+    static MountTable& instance() {
+        static auto* table = new MountTable;
+        return *table;
+    }
+
     MountList mounts() {
         std::lock_guard lock(_mutex);
         if (!isFresh()) {
@@ -29,6 +36,12 @@ public:
     }
 
 private:
+    // A child that is forked while another thread reads would find the lock held for ever.
+    MountTable() {
+        pthread_atfork([] { instance()._mutex.lock(); }, [] { instance()._mutex.unlock(); },
+                       [] { instance()._mutex.unlock(); });
+    }
+
     // A change after the question makes for one more reading, never for one too few.
     bool isFresh() {
         reopenElsewhere();
@@ -63,9 +76,7 @@ private:
 }  // namespace
 
 MountList currentMounts() {
-    // Never destroyed: threads that wait for a dead server may outlive the statics.
-    static auto* table = new MountTable;
-    return table->mounts();
+    return MountTable::instance().mounts();
 }
 
 }  // namespace coreservices

@@ -11,6 +11,8 @@
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <sys/mount.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace {
 
@@ -142,6 +144,30 @@ TEST(CurrentMounts, AreReadOnceForManyQuestions) {
     for (int i = 0; i < 100; ++i)
         same += currentMounts() == first;
     EXPECT_GT(same, 50);
+}
+
+// The child must see its own changes, and leave the parent's to the parent.
+TEST(CurrentMounts, AreKeptApartInAForkedChild) {
+    TemporaryFolder folder{fs::canonical(fs::temp_directory_path())};
+    auto isMounted = [&] {
+        MountList mounts = currentMounts();
+        return mountCovering(folder.path(), *mounts)->point == folder.path();
+    };
+    ASSERT_FALSE(isMounted());
+    pid_t child = fork();
+    if (child == 0) {
+        MountedMemory memory(folder.path());
+        bool seen = isMounted();
+        memory.unmount();
+        // Left for the parent.
+        bool done = mount("tmpfs", folder.path().c_str(), "tmpfs", 0, nullptr) == 0;
+        _exit(seen && done && isMounted() ? 0 : 1);
+    }
+    int status = -1;
+    waitpid(child, &status, 0);
+    EXPECT_EQ(status, 0);
+    EXPECT_TRUE(isMounted());
+    EXPECT_EQ(umount(folder.path().c_str()), 0);
 }
 
 TEST(CurrentMounts, TellThatAVolumeTurnedReadOnly) {
