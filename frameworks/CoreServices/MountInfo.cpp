@@ -43,6 +43,22 @@ std::vector<std::string_view> splitFields(std::string_view line) {
     return fields;
 }
 
+bool readNumber(std::string_view field, uint64_t& number) {
+    auto [end, error] = std::from_chars(field.data(), field.data() + field.size(), number);
+    return error == std::errc() && end == field.data() + field.size();
+}
+
+// Whether "ro" is one of the options, which are separated by commas.
+bool saysReadOnly(std::string_view options) {
+    while (!options.empty()) {
+        size_t end = std::min(options.find(','), options.size());
+        if (options.substr(0, end) == "ro")
+            return true;
+        options.remove_prefix(std::min(end + 1, options.size()));
+    }
+    return false;
+}
+
 // id, parent, major:minor, root, point, options, optional fields, "-", type, source, options
 std::optional<Mount> parseLine(std::string_view line) {
     std::vector<std::string_view> fields = splitFields(line);
@@ -50,14 +66,15 @@ std::optional<Mount> parseLine(std::string_view line) {
     if (separator - fields.begin() < 6 || fields.end() - separator < 3)
         return std::nullopt;
     Mount mount;
-    auto [end, error] =
-        std::from_chars(fields[0].data(), fields[0].data() + fields[0].size(), mount.id);
-    if (error != std::errc() || end != fields[0].data() + fields[0].size())
+    if (!readNumber(fields[0], mount.id) || !readNumber(fields[1], mount.parent))
         return std::nullopt;
+    mount.device = fields[2];
     mount.root = unescape(fields[3]);
     mount.point = unescape(fields[4]);
     mount.type = unescape(separator[1]);
     mount.source = unescape(separator[2]);
+    bool ofFileSystem = fields.end() - separator > 3 && saysReadOnly(separator[3]);
+    mount.isReadOnly = ofFileSystem || saysReadOnly(fields[5]);
     return mount;
 }
 

@@ -16,6 +16,10 @@ struct Mount {
     std::string type;   // "ext4", "fuse.sshfs"
     std::string
         source;  // "/dev/sda1", "host:/export", anything else for file systems of the kernel
+    uint64_t parent = 0;  // the mount on which it was mounted
+    std::string device =
+        {};  // "8:1"; file systems without a disk have numbers of their own, "0:52"
+    bool isReadOnly = false;  // the file system, or this mount of it
 };
 
 // Parses the text of a mountinfo file. Names come with the kernel's octal escapes undone. A line

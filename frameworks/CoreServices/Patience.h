@@ -14,8 +14,9 @@ namespace coreservices {
 // else is begun at the same place, so that there is one such thread at most for each.
 // `place` names what may not answer: a mount point, a server. What `work` uses must be its own.
 // Fails: false when it has not ended or was not begun; not logged.
-bool runPatiently(const std::string& place, std::chrono::milliseconds patience,
-                  std::function<void()> work);
+__attribute__((visibility("default"))) bool runPatiently(const std::string& place,
+                                                         std::chrono::milliseconds patience,
+                                                         std::function<void()> work);
 
 // The same for work with a result.
 template <class Result>

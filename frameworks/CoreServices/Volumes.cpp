@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "CoreServices/Volumes.h"
 
+#include "CoreServices/MountLookup.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <filesystem>
@@ -61,6 +63,22 @@ bool isVolume(const Mount& mount, const std::string& folder) {
     return holdsFiles(mount) && !isSystems(mount.point) && mount.root == "/";
 }
 
+bool showsTheSame(const Mount& mount, const Mount& other) {
+    return !mount.device.empty() && mount.device == other.device && mount.root == other.root &&
+           mount.source == other.source;
+}
+
+// Whether an earlier mount shows the same file system, perhaps as something else than a volume.
+bool isAgain(const Mount& mount, const std::vector<Mount>& mounts) {
+    for (const Mount& other : mounts) {
+        if (&other == &mount)
+            break;
+        if (other.point != mount.point && showsTheSame(mount, other))
+            return true;
+    }
+    return false;
+}
+
 std::string leafOf(const std::string& path) {
     return path.substr(path.rfind('/') + 1);
 }
@@ -73,6 +91,15 @@ bool isEmptyFolder(const std::string& path) {
     std::error_code error;
     bool empty = fs::is_empty(path, error);
     return empty && !error;
+}
+
+// Whether nothing is shown there. Nobody waits for a server to learn it.
+bool leadsNowhere(const std::string& path, const std::vector<Mount>& mounts) {
+    const Mount* mount = mountCovering(path, mounts);
+    if (path.empty() || (mount != nullptr && !answersByItself(*mount)))
+        return path.empty();
+    std::error_code error;
+    return !fs::exists(path, error) || isEmptyFolder(path);
 }
 
 // A name no entry has yet: the wanted one, else with a number behind it.
@@ -106,7 +133,8 @@ void markSurplus(std::vector<VolumeEntry>& entries) {
 std::vector<std::string> volumePoints(const std::vector<Mount>& mounts, const std::string& folder) {
     std::vector<std::string> points;
     for (const Mount& mount : mounts)
-        if (isVolume(mount, folder) && !contains(points, mount.point))
+        if (isVolume(mount, folder) && !contains(points, mount.point) &&
+            (liesIn(mount.point, folder) || !isAgain(mount, mounts)))
             points.push_back(mount.point);
     return points;
 }
@@ -117,7 +145,7 @@ Volumes::Volumes(std::string folder, std::string startupName)
 
 std::vector<VolumeEntry> Volumes::list(const std::vector<Mount>& mounts) const {
     std::vector<std::string> volumes = volumePoints(mounts, _folder);
-    std::vector<VolumeEntry> entries = present(volumes);
+    std::vector<VolumeEntry> entries = present(volumes, mounts);
     auto isShown = [&](const std::string& target) {
         return std::any_of(entries.begin(), entries.end(), [&](const VolumeEntry& entry) {
             return entry.target == target && entry.state <= VolumeState::Link;
@@ -131,7 +159,8 @@ std::vector<VolumeEntry> Volumes::list(const std::vector<Mount>& mounts) const {
     return entries;
 }
 
-std::vector<VolumeEntry> Volumes::present(const std::vector<std::string>& volumes) const {
+std::vector<VolumeEntry> Volumes::present(const std::vector<std::string>& volumes,
+                                          const std::vector<Mount>& mounts) const {
     std::vector<std::string> names;
     std::error_code error;
     for (fs::directory_iterator entry(_folder, error), end; !error && entry != end;
@@ -140,13 +169,13 @@ std::vector<VolumeEntry> Volumes::present(const std::vector<std::string>& volume
     std::sort(names.begin(), names.end());
     std::vector<VolumeEntry> entries;
     for (const std::string& name : names)
-        entries.push_back(describe(name, volumes));
+        entries.push_back(describe(name, volumes, mounts));
     markSurplus(entries);
     return entries;
 }
 
-VolumeEntry Volumes::describe(const std::string& name,
-                              const std::vector<std::string>& volumes) const {
+VolumeEntry Volumes::describe(const std::string& name, const std::vector<std::string>& volumes,
+                              const std::vector<Mount>& mounts) const {
     std::string path = _folder + "/" + name;
     // What is mounted is not looked at: a share whose server is gone would keep us waiting.
     if (contains(volumes, path))
@@ -154,14 +183,14 @@ VolumeEntry Volumes::describe(const std::string& name,
     std::error_code error;
     fs::file_status status = fs::symlink_status(path, error);
     if (fs::is_symlink(status))
-        return describeLink(name, volumes);
+        return describeLink(name, volumes, mounts);
     bool folder = fs::is_directory(status);
     return {name, folder ? VolumeState::PlainFolder : VolumeState::ForeignEntry, {}};
 }
 
 // Only a link that says "/" itself names the start-up disk: that is how it is looked for.
-VolumeEntry Volumes::describeLink(const std::string& name,
-                                  const std::vector<std::string>& volumes) const {
+VolumeEntry Volumes::describeLink(const std::string& name, const std::vector<std::string>& volumes,
+                                  const std::vector<Mount>& mounts) const {
     std::error_code error;
     std::string target = fs::read_symlink(_folder + "/" + name, error);
     if (target == "/")
@@ -169,12 +198,10 @@ VolumeEntry Volumes::describeLink(const std::string& name,
     if (contains(volumes, target))
         return {name, VolumeState::Link, target};
     std::string full = target.empty() || target[0] == '/' ? target : _folder + "/" + target;
-    fs::path real = fs::canonical(full, error);
-    if (error)
-        return {name, VolumeState::StaleLink, target};
+    std::string real = pathWithoutLinks(full, mounts);
     if (contains(volumes, real))
         return {name, VolumeState::Link, real};
-    bool stale = isEmptyFolder(real);
+    bool stale = leadsNowhere(real, mounts);
     return {name, stale ? VolumeState::StaleLink : VolumeState::ForeignLink, target};
 }
 

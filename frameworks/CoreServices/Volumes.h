@@ -49,10 +49,12 @@ public:
     std::vector<VolumesChange> mend(const std::vector<Mount>& mounts) const;
 
 private:
-    VolumeEntry describe(const std::string& name, const std::vector<std::string>& volumes) const;
-    VolumeEntry describeLink(const std::string& name,
-                             const std::vector<std::string>& volumes) const;
-    std::vector<VolumeEntry> present(const std::vector<std::string>& volumes) const;
+    VolumeEntry describe(const std::string& name, const std::vector<std::string>& volumes,
+                         const std::vector<Mount>& mounts) const;
+    VolumeEntry describeLink(const std::string& name, const std::vector<std::string>& volumes,
+                             const std::vector<Mount>& mounts) const;
+    std::vector<VolumeEntry> present(const std::vector<std::string>& volumes,
+                                     const std::vector<Mount>& mounts) const;
 
     std::string _folder;
     std::string _startupName;
@@ -60,7 +62,8 @@ private:
 
 // Where the mounts lie that a user would call a volume: disks, shares and images, no file systems
 // of the kernel's and none that the system itself is made of; and whatever is mounted right in
-// `folder`. Each point once.
+// `folder`. Each point once, and of the mounts of one file system, as bind mounts are, the first
+// one only, unless they lie right in `folder`.
 __attribute__((visibility("default"))) std::vector<std::string>
 volumePoints(const std::vector<Mount>& mounts, const std::string& folder);
 

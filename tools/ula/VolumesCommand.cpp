@@ -5,6 +5,7 @@
 #include "tools/ula/StandardOutput.h"
 
 #include <CLI/CLI.hpp>
+#include <CoreServices/MountLookup.h>
 #include <CoreServices/Volumes.h>
 #include <algorithm>
 #include <cerrno>
@@ -80,7 +81,7 @@ void mend(const Volumes& volumes, const std::vector<Mount>& mounts) {
 
 ExitCode run(const Options& options) {
     const Volumes volumes(options.folder);
-    const std::vector<Mount> mounts = parseMountInfo(readMountInfo());
+    const std::vector<Mount> mounts = reachableMounts(parseMountInfo(readMountInfo()));
     if (options.mend)
         mend(volumes, mounts);
     else if (options.asJson)

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "tools/ula/DisplayText.h"
+#include "tools/ula/DrivesCommand.h"
 #include "tools/ula/SettingsCommand.h"
 #include "tools/ula/StandardOutput.h"
 #include "tools/ula/TimeCommand.h"
@@ -18,6 +19,7 @@ using namespace tav::tool;
 constexpr const char* kHelp = R"(Examples:
   ula settings photo.xml list
   ula settings photo.xml set Window Width 1280
+  ula drives               mounted volumes: their kinds, how large and how full
   ula volumes              the start-up disk and mounted volumes by their names
   ula time *.jpg           when pictures were taken, and their files made and changed
   ula trash old.jpg        moves a file to the trash, and says where it is now
@@ -62,6 +64,7 @@ int main(int argc, char** argv) {
     program.require_subcommand(1);
     program.footer(kHelp);
     ExitCode result = ExitOk;
+    addDrivesCommand(program, result);
     addSettingsCommand(program, result);
     addTimeCommand(program, result);
     addTrashCommand(program, result);

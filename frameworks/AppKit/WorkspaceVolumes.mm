@@ -1,0 +1,128 @@
+// SPDX-License-Identifier: MIT
+// GNUstep's workspace knows neither shares nor images, takes file systems of the kernel's for
+// volumes, asks a mounted server that may be gone, and has one icon for all. What it tells of
+// volumes is taken over here; icons of anything else stay as they are.
+#import <AppKit/AppKit.h>
+
+#include "AppKit/IconPixels.h"
+#include "AppKit/IconTheme.h"
+#include "AppKit/VolumeFacts.h"
+
+#include <cstring>
+#include <map>
+#include <mutex>
+#include <objc/runtime.h>
+
+using diskarbitration::Machine;
+
+namespace {
+
+constexpr int kIconPixels = 48;
+constexpr char kVolumes[] = "/Volumes";
+
+using IconForFile = NSImage* (*)(id, SEL, NSString*);
+
+IconForFile originalIconForFile = nullptr;
+
+std::string pathOf(NSString* text) {
+    const char* bytes = text == nil ? nullptr : [text fileSystemRepresentation];
+    return bytes != nullptr ? bytes : "";
+}
+
+// The themes as they are when the first icon is asked for. Null where none has any of the names.
+const appkit::IconPixels* iconNamed(const std::vector<std::string>& names) {
+    static std::mutex mutex;
+    // Never destroyed: other threads may ask until the very end.
+    static auto* icons = new std::map<std::vector<std::string>, std::optional<appkit::IconPixels>>;
+    std::lock_guard lock(mutex);
+    static const auto* theme = new appkit::IconTheme(appkit::IconPlaces::ofProcess());
+    auto [icon, isNew] = icons->try_emplace(names);
+    if (isNew)
+        icon->second = appkit::drawIcon(theme->find(names, kIconPixels), kIconPixels);
+    return icon->second ? &*icon->second : nullptr;
+}
+
+NSImage* imageOf(const appkit::IconPixels& icon) {
+    NSBitmapImageRep* pixels =
+        [[[NSBitmapImageRep alloc] initWithBitmapDataPlanes:nullptr
+                                                 pixelsWide:icon.width
+                                                 pixelsHigh:icon.height
+                                              bitsPerSample:8
+                                            samplesPerPixel:4
+                                                   hasAlpha:YES
+                                                   isPlanar:NO
+                                             colorSpaceName:NSDeviceRGBColorSpace
+                                                bytesPerRow:icon.width * 4
+                                               bitsPerPixel:32] autorelease];
+    memcpy([pixels bitmapData], icon.bytes.data(), icon.bytes.size());
+    NSImage* image = [[NSImage alloc] initWithSize:NSMakeSize(icon.width, icon.height)];
+    [image addRepresentation:pixels];
+    return [image autorelease];
+}
+
+NSImage* iconForFile(id self, SEL command, NSString* path) {
+    const Machine& machine = Machine::ofProcess();
+    std::vector<std::string> names = appkit::volumeIconNames(pathOf(path), machine, kVolumes);
+    if (names.empty())
+        return originalIconForFile(self, command, path);
+    const appkit::IconPixels* icon = iconNamed(names);
+    // The original looks at the item, which nobody may answer for: it is shown another disk.
+    return icon != nullptr ? imageOf(*icon) : originalIconForFile(self, command, @"/");
+}
+
+NSArray* mountedLocalVolumePaths(id, SEL) {
+    NSMutableArray* paths = [NSMutableArray array];
+    coreservices::MountList mounts = Machine::ofProcess().mounts();
+    for (const std::string& path : appkit::volumePaths(*mounts, kVolumes)) {
+        NSString* text = [NSString stringWithUTF8String:path.c_str()];
+        // Bytes that are no text name nothing that could be asked about later.
+        if (text != nil)
+            [paths addObject:text];
+    }
+    return paths;
+}
+
+template <class Value>
+void store(Value* target, Value value) {
+    if (target != nullptr)
+        *target = value;
+}
+
+BOOL getFileSystemInfo(id, SEL, NSString* path, BOOL* removable, BOOL* writable, BOOL* unmountable,
+                       NSString** description, NSString** type) {
+    auto info = appkit::fileSystemInfo(pathOf(path), Machine::ofProcess());
+    if (!info)
+        return NO;
+    store<BOOL>(removable, info->isRemovable);
+    store<BOOL>(writable, info->isWritable);
+    store<BOOL>(unmountable, info->isUnmountable);
+    store<NSString*>(description, [NSString stringWithUTF8String:info->description.c_str()]);
+    store<NSString*>(type, [NSString stringWithUTF8String:info->type.c_str()]);
+    return YES;
+}
+
+// Gives the method that was there.
+template <class Function>
+Function replaceMethod(SEL selector, Function function) {
+    Method method = class_getInstanceMethod(objc_getClass("NSWorkspace"), selector);
+    return reinterpret_cast<Function>(
+        method_setImplementation(method, reinterpret_cast<IMP>(function)));
+}
+
+}  // namespace
+
+@interface ULWorkspaceVolumes : NSObject
+@end
+
+@implementation ULWorkspaceVolumes
+
+// Looked up, not sent a message: that would initialize the workspace before the program has begun.
++ (void)load {
+    originalIconForFile = replaceMethod(@selector(iconForFile:), iconForFile);
+    replaceMethod(@selector(mountedLocalVolumePaths), mountedLocalVolumePaths);
+    replaceMethod(@selector(getFileSystemInfoForPath:
+                                         isRemovable:isWritable:isUnmountable:description:type:),
+                  getFileSystemInfo);
+}
+
+@end
