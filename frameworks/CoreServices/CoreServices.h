@@ -6,5 +6,7 @@
 #include <CoreServices/Aliases.h>
 #include <CoreServices/Files.h>
 #include <CoreServices/Finder.h>
+#include <CoreServices/LaunchServices.h>
 #include <CoreServices/MacTypes.h>
+#include <CoreServices/UTType.h>
 #include <CoreServices/UnicodeUtilities.h>
