@@ -84,29 +84,32 @@ public:
     /// The last component of the path.
     const std::string& name() const { return _name; }
     /// What the desktop shows; of links and aliases the name.
-    const std::string& title() const { return _title; }
+    const std::string& title() const { return _hasOwnTitle ? _title : _name; }
     /// Where the item leads, or its own path.
-    const std::string& targetPath() const { return _targetPath; }
+    const std::string& targetPath() const { return _hasOwnTarget ? _targetPath : _fullPath; }
     /// The path that `create` was given.
     const std::string& fullPath() const { return _fullPath; }
     std::uint32_t flags() const { return _flags; }
     /// Owner: the record. Null where no icon was taken.
     const FileIconBitmap* icon() const { return _icon.get(); }
 
-    void setName(std::string name) { _name = std::move(name); }
-    void setTitle(std::string title) { _title = std::move(title); }
-    void setTargetPath(std::string path) { _targetPath = std::move(path); }
-    void setFullPath(std::string path) { _fullPath = std::move(path); }
+    void setName(std::string name);
+    void setTitle(std::string title);
+    void setTargetPath(std::string path);
+    void setFullPath(std::string path);
     void setIcon(std::unique_ptr<FileIconBitmap> icon) { _icon = std::move(icon); }
 
 private:
     void init(const FileProperties& source);
 
     std::string _name;
+    /// Most items are shown by their names and lead nowhere else: one text then stands for both.
     std::string _title;
     std::string _targetPath;
     std::string _fullPath;
     std::uint32_t _flags = 0;
+    bool _hasOwnTitle = false;
+    bool _hasOwnTarget = false;
     std::unique_ptr<FileIconBitmap> _icon;
 };
 

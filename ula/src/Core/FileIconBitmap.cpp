@@ -26,11 +26,13 @@ FileIconBitmap::FileIconBitmap(std::uint32_t width_, std::uint32_t height_,
       height(height_),
       bytesPerRow(bytesPerRow_ != 0 ? bytesPerRow_ : width_),
       bitsPerPixel(bitsPerPixel_),
-      data(copyPixels(source, size())) {}
+      data(copyPixels(source, size())) {
+}
 
 FileIconBitmap::FileIconBitmap(const FileIconBitmap& other)
     : FileIconBitmap(other.width, other.height, other.bytesPerRow, other.bitsPerPixel,
-                     other.data.get()) {}
+                     other.data.get()) {
+}
 
 FileIconBitmap& FileIconBitmap::operator=(const FileIconBitmap& other) {
     if (this == &other)

@@ -30,6 +30,8 @@ void FileProperties::init(const FileProperties& source) {
     _targetPath = source._targetPath;
     _fullPath = source._fullPath;
     _flags = source._flags;
+    _hasOwnTitle = source._hasOwnTitle;
+    _hasOwnTarget = source._hasOwnTarget;
     if (source._icon != nullptr)
         _icon = std::make_unique<FileIconBitmap>(*source._icon);
 }
@@ -44,14 +46,37 @@ void FileProperties::setFlag(const FilePropertyFlags& flags, const bool& on) {
 }
 
 bool FileProperties::operator==(const FileProperties& other) const {
-    return _name == other._name && _title == other._title && _targetPath == other._targetPath &&
-           _flags == other._flags && _fullPath == other._fullPath;
+    return name() == other.name() && title() == other.title() &&
+           targetPath() == other.targetPath() && _flags == other._flags &&
+           fullPath() == other.fullPath();
+}
+
+void FileProperties::setName(std::string name) {
+    std::string kept = title();
+    _name = std::move(name);
+    setTitle(std::move(kept));
+}
+
+void FileProperties::setTitle(std::string title) {
+    _hasOwnTitle = title != _name;
+    _title = _hasOwnTitle ? std::move(title) : std::string();
+}
+
+void FileProperties::setTargetPath(std::string path) {
+    _hasOwnTarget = path != _fullPath;
+    _targetPath = _hasOwnTarget ? std::move(path) : std::string();
+}
+
+void FileProperties::setFullPath(std::string path) {
+    std::string kept = targetPath();
+    _fullPath = std::move(path);
+    setTargetPath(std::move(kept));
 }
 
 void FileProperties::reset() {
     _name.clear();
-    _title.clear();
-    _targetPath.clear();
+    setTitle({});
+    setTargetPath({});
     _flags = 0;
     _icon.reset();
 }

@@ -1,20 +1,15 @@
 // SPDX-License-Identifier: MIT
 #import "ula/ObjCHelper.h"
 
+#include "FinderOrder.h"
 #include "ula/foundation/thread/ScratchPad.h"
 
-#include <CoreServices/CoreServices.h>
 #include <iterator>
 
 using tav::ula::FastString;
+using tav::ula::kFinderOrder;
 
 namespace {
-
-constexpr UCCollateOptions kFinderOrder =
-    kUCCollateComposeInsensitiveMask | kUCCollateWidthInsensitiveMask |
-    kUCCollateCaseInsensitiveMask | kUCCollatePunctuationSignificantMask |
-    kUCCollateDigitsOverrideMask | kUCCollateDigitsAsNumberMask;
-static_assert(kFinderOrder == 0x3800E);
 
 /// The UTF-16 characters of a text; those of a name need no memory of their own.
 class Characters {

@@ -1,0 +1,455 @@
+// SPDX-License-Identifier: MIT
+// Trees of real folders; "Linux" is the start-up disk.
+#include "ula/Dir.h"
+
+#include "tests/support/ChildProcess.h"
+#include "tests/support/OwnVolumes.h"
+#include "tests/support/TemporaryFolder.h"
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <filesystem>
+#include <fstream>
+#include <gmock/gmock.h>
+#include <memory>
+#include <random>
+#include <sys/mount.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace tav::ula {
+namespace {
+
+namespace fs = std::filesystem;
+using test::onStartupDisk;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::UnorderedElementsAre;
+
+class DirMac : public testing::Test {
+protected:
+    std::string path() const { return onStartupDisk(_folder.path()); }
+    void folder(const std::string& name) const { fs::create_directories(_folder / name); }
+    void file(const std::string& name, std::string_view bytes = "x") const {
+        test::writeFile(_folder / name, bytes);
+    }
+    void link(const std::string& name, const std::string& target) const {
+        fs::create_symlink(target, _folder / name);
+    }
+
+    void alias(const std::string& name, const std::string& target) const {
+        file(name, "[Desktop Entry]\nType=Link\nURL=file://" + (_folder / target) + "\n");
+    }
+
+    test::TemporaryFolder _folder;
+};
+
+std::vector<std::string> namesOf(const std::vector<Dir*>& nodes) {
+    std::vector<std::string> names;
+    for (const Dir* node : nodes)
+        names.push_back(node->name());
+    return names;
+}
+
+TEST_F(DirMac, OnlyTheRootIsRoot) {
+    EXPECT_TRUE(Dir("/").isRoot());
+    EXPECT_FALSE(Dir("/Volumes").isRoot());
+    EXPECT_FALSE(Dir("/Volumes/Linux").isRoot());
+}
+
+TEST_F(DirMac, FinalSlashIsCutFromLongerPaths) {
+    EXPECT_EQ(Dir("/abc/").fullPath(), "/abc");
+    EXPECT_EQ(Dir("/a/").fullPath(), "/a/");
+}
+
+TEST_F(DirMac, VisibleFoldersAreFoldersAndLinksThatAreNotHidden) {
+    folder("plain");
+    folder(".x");
+    folder("listed");
+    folder("Photo.app");
+    file("file.jpg");
+    file(".hidden", "listed\n");
+    link("link", "plain");
+    link("stale", "nowhere");
+    alias("alias.desktop", "plain");
+    alias("lost.desktop", "gone/");
+    alias("photo.desktop", "file.jpg");
+    Dir dir(path());
+    EXPECT_THAT(namesOf(dir.children(true)),
+                UnorderedElementsAre("plain", "link", "alias.desktop", "lost.desktop"));
+}
+
+TEST_F(DirMac, AllChildrenAreAll) {
+    folder("plain");
+    folder(".x");
+    folder("Photo.app");
+    file("file.jpg");
+    link("stale", "nowhere");
+    Dir dir(path());
+    EXPECT_THAT(namesOf(dir.children(false)),
+                UnorderedElementsAre("plain", ".x", "Photo.app", "file.jpg", "stale"));
+}
+
+TEST_F(DirMac, ChildrenComeInTheOrderOfTheFolder) {
+    for (int i = 0; i < 300; ++i)
+        file(std::to_string(i * 7919 % 1000));
+    std::vector<std::string> listed;
+    const std::unique_ptr<DIR, int (*)(DIR*)> stream(opendir(_folder.path().c_str()), closedir);
+    while (const dirent* entry = readdir(stream.get())) {
+        if (std::string(entry->d_name).front() != '.')
+            listed.emplace_back(entry->d_name);
+    }
+    Dir dir(path());
+    EXPECT_EQ(namesOf(dir.children(false)), listed);
+}
+
+TEST_F(DirMac, SecondCallWithTheOtherArgumentGivesTheSameUntilReset) {
+    folder("plain");
+    file("file");
+    Dir dir(path());
+    EXPECT_THAT(namesOf(dir.children(true)), ElementsAre("plain"));
+    EXPECT_THAT(namesOf(dir.children(false)), ElementsAre("plain"));
+    dir.reset();
+    EXPECT_THAT(namesOf(dir.children(false)), UnorderedElementsAre("plain", "file"));
+}
+
+TEST_F(DirMac, ResetLooksAtTheDiskAgain) {
+    folder("sub");
+    Dir dir(path() + "/sub");
+    EXPECT_TRUE(dir.isDir());
+    fs::remove(_folder / "sub");
+    EXPECT_TRUE(dir.isDir());
+    EXPECT_FALSE(dir.exists());
+    dir.reset();
+    EXPECT_FALSE(dir.isDir());
+    EXPECT_EQ(dir.fullPath(), path() + "/sub");
+}
+
+TEST_F(DirMac, LinkListsTheFolderItLeadsTo) {
+    folder("plain/inner");
+    link("link", "plain");
+    Dir dir(path() + "/link");
+    ASSERT_EQ(dir.children(true).size(), 1U);
+    EXPECT_EQ(dir.children(true)[0]->fullPath(), path() + "/plain/inner");
+}
+
+TEST_F(DirMac, AliasListsTheFolderItLeadsTo) {
+    folder("plain/inner");
+    alias("alias.desktop", "plain");
+    Dir dir(path() + "/alias.desktop");
+    ASSERT_EQ(dir.children(true).size(), 1U);
+    EXPECT_EQ(dir.children(true)[0]->name(), "inner");
+    EXPECT_TRUE(dir.containsChildren(true));
+}
+
+TEST_F(DirMac, RootsChildrenArePutBehindItsOwnSlash) {
+    Dir dir("/");
+    for (const Dir* child : dir.children(true)) {
+        EXPECT_EQ(child->fullPath(), "//" + child->name());
+        EXPECT_TRUE(child->isLink());
+    }
+}
+
+TEST_F(DirMac, FileAndMissingFolderHaveNoChildren) {
+    file("file");
+    Dir plain(path() + "/file");
+    EXPECT_THAT(plain.children(false), IsEmpty());
+    EXPECT_FALSE(plain.containsChildren(false));
+    Dir missing(path() + "/missing");
+    EXPECT_THAT(missing.children(false), IsEmpty());
+    EXPECT_FALSE(missing.containsChildren(true));
+}
+
+TEST_F(DirMac, LinkToAFileHasNoChildren) {
+    file("file");
+    link("link", "file");
+    Dir dir(path() + "/link");
+    EXPECT_TRUE(dir.isLink());
+    EXPECT_THAT(dir.children(false), IsEmpty());
+}
+
+TEST_F(DirMac, FolderWithADotFileContainsChildrenButNoVisibleFolders) {
+    file(".x");
+    const Dir dir(path());
+    EXPECT_TRUE(dir.containsChildren(false));
+    EXPECT_FALSE(dir.containsChildren(true));
+}
+
+TEST_F(DirMac, EmptyFolderContainsNothing) {
+    const Dir dir(path());
+    EXPECT_FALSE(dir.containsChildren(false));
+    EXPECT_FALSE(dir.containsChildren(true));
+}
+
+TEST_F(DirMac, ContainsVisibleFoldersWhereOneIsKept) {
+    file("a.jpg");
+    folder("Photo.app");
+    EXPECT_FALSE(Dir(path()).containsChildren(true));
+    link("to-self", ".");
+    EXPECT_TRUE(Dir(path()).containsChildren(true));
+}
+
+TEST_F(DirMac, FolderThatCannotBeReadHasNoChildren) {
+    folder("closed/inner");
+    fs::permissions(_folder.path(), fs::perms(0755));
+    fs::permissions(_folder / "closed", fs::perms(0700));
+    EXPECT_EQ(test::runInChild([&] {
+                  if (setgid(65534) != 0 || setuid(65534) != 0)
+                      return std::string("still root");
+                  Dir dir(path() + "/closed");
+                  return std::to_string(dir.children(false).size()) + " " +
+                         std::to_string(dir.containsChildren(false)) + " " +
+                         std::to_string(dir.isHidden());
+              }),
+              "0 0 1");
+}
+
+TEST_F(DirMac, ChildWhoseNameIsNoTextKeepsItsPathAndIsHidden) {
+    file("\xFF\xFE");
+    Dir dir(path());
+    ASSERT_EQ(dir.children(false).size(), 1U);
+    EXPECT_EQ(dir.children(false)[0]->fullPath(), path() + "/\xFF\xFE");
+    EXPECT_EQ(dir.children(false)[0]->name(), "");
+    EXPECT_TRUE(dir.children(false)[0]->isHidden());
+    EXPECT_FALSE(Dir(path()).containsChildren(true));
+}
+
+TEST_F(DirMac, ChildWhosePathIsTooLongIsHidden) {
+    // Made from within, as no path reaches that deep.
+    const std::string step(250, 'd');
+    int at = open(_folder.path().c_str(), O_PATH | O_DIRECTORY);
+    std::string deep = path();
+    while (deep.size() + step.size() + 1 < 4090) {
+        mkdirat(at, step.c_str(), 0755);
+        const int next = openat(at, step.c_str(), O_PATH | O_DIRECTORY);
+        close(at);
+        at = next;
+        deep += "/" + step;
+    }
+    mkdirat(at, step.c_str(), 0755);
+    close(at);
+    Dir dir(deep);
+    ASSERT_EQ(dir.children(false).size(), 1U);
+    EXPECT_EQ(dir.children(false)[0]->properties().flags(), Hidden);
+}
+
+TEST_F(DirMac, ChildrenOfVolumesAreTheVolumes) {
+    fs::create_directory("/Volumes/Card");
+    const test::MountedImage image(_folder / "image", "/Volumes/Card");
+    Dir dir("/Volumes");
+    for (const Dir* child : dir.children(true)) {
+        const bool isCard = child->name() == "Card";
+        EXPECT_EQ(child->properties().flags(), isCard ? Directory | MountPoint : Link);
+    }
+    EXPECT_THAT(namesOf(dir.children(true)), UnorderedElementsAre("Linux", "Card"));
+}
+
+/// A file system whose server never answers.
+class DeadMount {
+public:
+    explicit DeadMount(const std::string& folder)
+        : _folder(folder), _device(open("/dev/fuse", O_RDWR | O_CLOEXEC)) {
+        const std::string options =
+            "fd=" + std::to_string(_device) + ",rootmode=40000,user_id=0,group_id=0,allow_other";
+        _isMounted = mount("user@host:/", folder.c_str(), "fuse.sshfs", 0, options.c_str()) == 0;
+    }
+    ~DeadMount() {
+        // Ends the waiting of whoever asked.
+        close(_device);
+        umount2(_folder.c_str(), MNT_DETACH);
+    }
+    DeadMount(const DeadMount&) = delete;
+    DeadMount& operator=(const DeadMount&) = delete;
+
+    bool isMounted() const { return _isMounted; }
+
+private:
+    std::string _folder;
+    int _device;
+    bool _isMounted = false;
+};
+
+TEST_F(DirMac, MountThatDoesNotAnswerHidesItselfAndHoldsUpNobody) {
+    folder("alive");
+    folder("dead");
+    link("into", "dead/deeper");
+    const DeadMount mount(_folder / "dead");
+    ASSERT_TRUE(mount.isMounted());
+    Dir dir(path());
+    EXPECT_THAT(namesOf(dir.children(true)), ElementsAre("alive"));
+    dir.reset();
+    EXPECT_EQ(dir.children(false).size(), 3U);
+}
+
+TEST_F(DirMac, ProgressIsToldOnTheWay) {
+    for (int i = 0; i < 2500; ++i)
+        file(std::to_string(i));
+    Dir dir(path());
+    std::vector<std::size_t> told;
+    EXPECT_TRUE(dir.loadChildren(false, [&](std::size_t found) {
+        told.push_back(found);
+        return true;
+    }));
+    EXPECT_THAT(told, ElementsAre(1000U, 2000U, 2500U));
+    EXPECT_EQ(dir.children(false).size(), 2500U);
+}
+
+TEST_F(DirMac, ListingIsEndedOnTheWay) {
+    for (int i = 0; i < 2500; ++i)
+        file(std::to_string(i));
+    Dir dir(path());
+    std::size_t told = 0;
+    EXPECT_FALSE(dir.loadChildren(false, [&](std::size_t found) {
+        told = found;
+        return found < 2000;
+    }));
+    EXPECT_EQ(told, 2000U);
+}
+
+TEST_F(DirMac, FolderThatVanishesInMidListingLeavesHiddenChildren) {
+    for (int i = 0; i < 1500; ++i)
+        file(std::to_string(i));
+    Dir dir(path());
+    dir.loadChildren(false, [&](std::size_t found) {
+        if (found == 1000)
+            fs::remove_all(_folder.path());
+        return true;
+    });
+    EXPECT_GE(dir.children(false).size(), 1000U);
+    for (std::size_t i = 1000; i < dir.children(false).size(); ++i)
+        EXPECT_EQ(dir.children(false)[i]->properties().flags(), Hidden);
+    dir.reset();
+    EXPECT_THAT(dir.children(false), IsEmpty());
+}
+
+TEST_F(DirMac, SortedChildrenAreInTheFindersOrder) {
+    for (const char* name : {"Item 10", "item 9", "apfel", "\u00c4pfel", "Item 1"})
+        folder(name);
+    Dir dir(path());
+    EXPECT_THAT(namesOf(dir.childrenSorted(true)),
+                ElementsAre("apfel", "\u00c4pfel", "Item 1", "item 9", "Item 10"));
+}
+
+TEST_F(DirMac, DumpGoesOneLevelDeep) {
+    folder("sub/deeper");
+    Dir dir(path());
+    testing::internal::CaptureStdout();
+    dir.dump(true);
+    const std::string sub = path() + "/sub";
+    EXPECT_EQ(testing::internal::GetCapturedStdout(),
+              "Name:" + _folder.path().filename().string() + " Title:" +
+                  _folder.path().filename().string() + " FullPath:" + path() + " Target:" + path() +
+                  "\nIsRoot: 0 Exists:1 IsAlias:0 isUnresolvedAlias:0 isLink:0 isHidden:0 "
+                  "isReadOnly:0\nName:sub Title:sub FullPath:" +
+                  sub + " Target:" + sub +
+                  "\nIsRoot: 0 Exists:1 IsAlias:0 isUnresolvedAlias:0 isLink:0 isHidden:0 "
+                  "isReadOnly:0\n");
+}
+
+// ---- a child of a listing and a record of its path are the same -------------------------------
+
+/// Items of every kind, under every name and mode that matters.
+void makeEverything(const fs::path& folder, unsigned seed) {
+    std::mt19937 random(seed);
+    constexpr const char* kEndings[] = {"", ".jpg", ".app", ".desktop", ".bundle", " alias", ".h"};
+    constexpr unsigned kModes[] = {0644, 0444, 0600, 0000, 0755, 0200};
+    std::string hidden;
+    for (int i = 0; i < 400; ++i) {
+        const std::string name = (random() % 9 == 0 ? "." : "") + std::to_string(i) +
+                                 (random() % 7 == 0 ? "\u00fc \xFF" : "") +
+                                 kEndings[random() % std::size(kEndings)];
+        const fs::path item = folder / name;
+        switch (random() % 6) {
+        case 0:
+            fs::create_directory(item);
+            break;
+        case 1:
+            fs::create_symlink(std::to_string(random() % 400), item);
+            continue;
+        case 2:
+            mkfifo(item.c_str(), 0600);
+            break;
+        default:
+            test::writeFile(item, std::string(random() % 600, 'x'));
+        }
+        fs::permissions(item, fs::perms(kModes[random() % std::size(kModes)]));
+        if (random() % 3 == 0 && chown(item.c_str(), 65534, 65534) != 0)
+            throw std::runtime_error("chown");
+        if (random() % 5 == 0)
+            hidden += name + "\n";
+    }
+    test::writeFile(folder / ".hidden", hidden);
+}
+
+/// The paths of the children whose records differ from those of their paths.
+std::string differences(const std::string& path) {
+    std::string different;
+    Dir dir(path);
+    for (const Dir* child : dir.children(false)) {
+        if (!(child->properties() == FileProperties::create(child->fullPath())))
+            different += child->fullPath() + "\n";
+    }
+    return dir.children(false).empty() ? "no children" : different;
+}
+
+/// What `count` gives as the user "nobody".
+std::string asNobody(const std::function<std::string()>& ask) {
+    return test::runInChild([&] {
+        if (setgid(65534) != 0 || setuid(65534) != 0)
+            return std::string("still root");
+        return ask();
+    });
+}
+
+TEST_F(DirMac, ChildHasTheVeryRecordOfItsPath) {
+    fs::permissions(_folder.path(), fs::perms(0755));
+    makeEverything(_folder.path(), 1);
+    EXPECT_EQ(differences(path()), "");
+    EXPECT_EQ(asNobody([this] { return differences(path()); }), "");
+}
+
+TEST_F(DirMac, ChildHasTheVeryRecordOfItsPathInAFolderGivenOtherwise) {
+    makeEverything(_folder.path(), 2);
+    link("self", ".");
+    EXPECT_EQ(differences(_folder.path()), "");
+    EXPECT_EQ(differences(path() + "/self"), "");
+    EXPECT_EQ(differences("/Volumes/../Volumes/Linux" + _folder.path().string()), "");
+}
+
+TEST_F(DirMac, ChildHasTheVeryRecordOfItsPathOnAReadOnlyDisk) {
+    folder("mount");
+    {
+        const test::MountedImage image(_folder / "image", _folder / "mount");
+        makeEverything(_folder / "mount", 3);
+    }
+    ASSERT_EQ(std::system(
+                  ("mount -o loop,ro " + (_folder / "image") + " " + (_folder / "mount")).c_str()),
+              0);
+    EXPECT_EQ(differences(path() + "/mount"), "");
+    ASSERT_EQ(std::system(("umount " + (_folder / "mount")).c_str()), 0);
+}
+
+TEST_F(DirMac, ChildHasTheVeryRecordOfItsPathInTheSystemsFolders) {
+    for (const char* place : {"/", "/Volumes/Linux", "/Volumes", "/Volumes/Linux/dev",
+                              "/Volumes/Linux/sys/class", "/Volumes/Linux/etc"})
+        EXPECT_EQ(differences(place), "") << place;
+}
+
+TEST_F(DirMac, KeptFoldersAreTheSameWhicheverWayTheyAreFound) {
+    makeEverything(_folder.path(), 4);
+    Dir all(path());
+    std::vector<std::string> wanted;
+    for (const Dir* child : all.children(false)) {
+        if (!child->isHidden() && (child->isDir() || child->isAlias() || child->isLink()))
+            wanted.push_back(child->fullPath());
+    }
+    Dir folders(path());
+    std::vector<std::string> found;
+    for (const Dir* child : folders.children(true))
+        found.push_back(child->fullPath());
+    EXPECT_EQ(found, wanted);
+    EXPECT_EQ(Dir(path()).containsChildren(true), !wanted.empty());
+}
+
+}  // namespace
+}  // namespace tav::ula

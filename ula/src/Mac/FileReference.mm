@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: MIT
+#include "FileReference.h"
+
+#include "CFOwner.h"
+
+namespace tav::ula {
+
+bool fileReferenceOf(NSString* path, bool isDirectory, FSRef& reference) {
+    const CFOwner<CFURLRef> url(CFURLCreateWithFileSystemPath(kCFAllocatorDefault,
+                                                              reinterpret_cast<CFStringRef>(path),
+                                                              kCFURLPOSIXPathStyle, isDirectory));
+    return url && CFURLGetFSRef(url.get(), &reference);
+}
+
+NSString* pathOfFileReference(const FSRef& reference) {
+    const CFOwner<CFURLRef> url(CFURLCreateFromFSRef(kCFAllocatorDefault, &reference));
+    if (!url)
+        return nil;
+    const CFStringRef path = CFURLCopyFileSystemPath(url.get(), kCFURLPOSIXPathStyle);
+    return [reinterpret_cast<NSString*>(const_cast<__CFString*>(path)) autorelease];
+}
+
+}  // namespace tav::ula
