@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tools/ula/DirCommand.h"
 #include "tools/ula/DisplayText.h"
 #include "tools/ula/DrivesCommand.h"
 #include "tools/ula/SettingsCommand.h"
@@ -19,6 +20,7 @@ using namespace tav::tool;
 constexpr const char* kHelp = R"(Examples:
   ula settings photo.xml list
   ula settings photo.xml set Window Width 1280
+  ula dir --sort Pictures  a folder as a folder browser sees it
   ula drives               mounted volumes: their kinds, how large and how full
   ula volumes              the start-up disk and mounted volumes by their names
   ula time *.jpg           when pictures were taken, and their files made and changed
@@ -64,6 +66,7 @@ int main(int argc, char** argv) {
     program.require_subcommand(1);
     program.footer(kHelp);
     ExitCode result = ExitOk;
+    addDirCommand(program, result);
     addDrivesCommand(program, result);
     addSettingsCommand(program, result);
     addTimeCommand(program, result);
