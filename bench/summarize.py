@@ -21,6 +21,7 @@ FILES = ["1000", "100000", "1000000"]
 THREADS = ["1", "2", "4"]
 PERIODS = ["1", "10"]
 PAIRS = ["0", "1"]
+ENTRIES = ["10000", "100000"]
 KEYS = {"10": "10", "1000": "1k", "100000": "100k", "1000000": "1M"}
 NANOSECONDS = {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}
 
@@ -101,6 +102,13 @@ COMPARISONS = [
     ("sort names", "sortNames/ula", "sortNames/ICU keys", ["100000"], 0.65),
     ("sort names", "sortNames/ula", "sortNames/QCollator keys", ["100000"], None),
     ("sort names", "sortNames/ula", "sortNames/bytes", ["100000"], None),
+    ("list all children", "children/ula", "children/plain record", ENTRIES, 1.0),
+    ("list all children", "children/ula", "children/QDir", ENTRIES, 0.667),
+    ("list all children", "children/ula", "children/GIO", ENTRIES, 0.333),
+    ("list the visible folders", "folders/ula", "children/plain record", ENTRIES, 1.0),
+    ("list the visible folders", "folders/ula", "children/QDir", ENTRIES, 0.667),
+    ("list the visible folders", "folders/ula", "children/GIO", ENTRIES, 0.333),
+    ("has a visible folder", "contains/ula", "contains/QDir", ENTRIES, None),
     ("read a shooting date", "readDate/ula", "readDate/fixed chrono", [""], 1.5),
     ("read a shooting date", "readDate/ula", "readDate/strptime", [""], None),
     ("read a shooting date", "readDate/ula", "readDate/sscanf", [""], None),
