@@ -2,12 +2,13 @@
 // A folder's children against the peers: the plain system calls that the same record takes, Qt's
 // QDir, GIO. Every contestant ends with a record of each entry.
 #include "PeerData.h"
-#include "tests/support/OwnVolumes.h"
+#include "tests/support/Mounts.h"
 #include "ula/Dir.h"
 
 #include <QDir>
 #include <QFileInfo>
 #include <benchmark/benchmark.h>
+#include <cstdio>
 #include <dirent.h>
 #include <fcntl.h>
 #include <filesystem>
@@ -75,7 +76,7 @@ const Tree& tree(std::int64_t entries) {
 std::string asTheModelNamesIt(const std::string& path) {
     static const bool isReady = [] {
         if (!fs::exists("/Volumes/Linux"))
-            tav::test::makeOwnVolumes();
+            std::fputs(tav::test::isolateMounts().c_str(), stderr);
         return true;
     }();
     benchmark::DoNotOptimize(isReady);

@@ -3,7 +3,7 @@
 #include "ula/Dir.h"
 
 #include "tests/support/ChildProcess.h"
-#include "tests/support/OwnVolumes.h"
+#include "tests/support/Mounts.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <dirent.h>
@@ -235,7 +235,7 @@ TEST_F(DirMac, ChildWhosePathIsTooLongIsHidden) {
 
 TEST_F(DirMac, ChildrenOfVolumesAreTheVolumes) {
     fs::create_directory("/Volumes/Card");
-    const test::MountedImage image(_folder / "image", "/Volumes/Card");
+    const test::MountedImage image("/Volumes/Card", _folder.path());
     Dir dir("/Volumes");
     for (const Dir* child : dir.children(true)) {
         const bool isCard = child->name() == "Card";
@@ -244,37 +244,11 @@ TEST_F(DirMac, ChildrenOfVolumesAreTheVolumes) {
     EXPECT_THAT(namesOf(dir.children(true)), UnorderedElementsAre("Linux", "Card"));
 }
 
-/// A file system whose server never answers.
-class DeadMount {
-public:
-    explicit DeadMount(const std::string& folder)
-        : _folder(folder), _device(open("/dev/fuse", O_RDWR | O_CLOEXEC)) {
-        const std::string options =
-            "fd=" + std::to_string(_device) + ",rootmode=40000,user_id=0,group_id=0,allow_other";
-        _isMounted = mount("user@host:/", folder.c_str(), "fuse.sshfs", 0, options.c_str()) == 0;
-    }
-    ~DeadMount() {
-        // Ends the waiting of whoever asked.
-        close(_device);
-        umount2(_folder.c_str(), MNT_DETACH);
-    }
-    DeadMount(const DeadMount&) = delete;
-    DeadMount& operator=(const DeadMount&) = delete;
-
-    bool isMounted() const { return _isMounted; }
-
-private:
-    std::string _folder;
-    int _device;
-    bool _isMounted = false;
-};
-
 TEST_F(DirMac, MountThatDoesNotAnswerHidesItselfAndHoldsUpNobody) {
     folder("alive");
     folder("dead");
     link("into", "dead/deeper");
-    const DeadMount mount(_folder / "dead");
-    ASSERT_TRUE(mount.isMounted());
+    const test::DeadShare share(_folder / "dead");
     Dir dir(path());
     EXPECT_THAT(namesOf(dir.children(true)), ElementsAre("alive"));
     dir.reset();
@@ -417,16 +391,10 @@ TEST_F(DirMac, ChildHasTheVeryRecordOfItsPathInAFolderGivenOtherwise) {
 }
 
 TEST_F(DirMac, ChildHasTheVeryRecordOfItsPathOnAReadOnlyDisk) {
-    folder("mount");
-    {
-        const test::MountedImage image(_folder / "image", _folder / "mount");
-        makeEverything(_folder / "mount", 3);
-    }
-    ASSERT_EQ(std::system(
-                  ("mount -o loop,ro " + (_folder / "image") + " " + (_folder / "mount")).c_str()),
-              0);
+    const test::MountedImage image(_folder / "mount", _folder.path());
+    makeEverything(image.point(), 3);
+    ASSERT_EQ(mount(nullptr, image.point().c_str(), nullptr, MS_REMOUNT | MS_RDONLY, nullptr), 0);
     EXPECT_EQ(differences(path() + "/mount"), "");
-    ASSERT_EQ(std::system(("umount " + (_folder / "mount")).c_str()), 0);
 }
 
 TEST_F(DirMac, ChildHasTheVeryRecordOfItsPathInTheSystemsFolders) {

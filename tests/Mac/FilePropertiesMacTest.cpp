@@ -3,7 +3,7 @@
 #include "ula/FileProperties.h"
 
 #include "tests/support/ChildProcess.h"
-#include "tests/support/OwnVolumes.h"
+#include "tests/support/Mounts.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <filesystem>
@@ -259,14 +259,14 @@ TEST_F(FilePropertiesMac, ProcAndSysAnswer) {
 
 TEST_F(FilePropertiesMac, ItemsOfAReadOnlyDiskAreReadOnly) {
     const std::string folder = makeFolder("mount");
-    const test::MountedImage image(_folder / "image", _folder / "mount", "loop,ro");
+    const test::MountedImage image(_folder / "mount", _folder.path(), "", "loop,ro");
     EXPECT_TRUE(FileProperties::create(folder + "/lost+found").isFlagSet(ReadOnly));
 }
 
 TEST_F(FilePropertiesMac, VolumeInVolumesIsAMountPoint) {
     fs::create_directory("/Volumes/Card");
     {
-        const test::MountedImage image(_folder / "image", "/Volumes/Card");
+        const test::MountedImage image("/Volumes/Card", _folder.path());
         const FileProperties properties = FileProperties::create("/Volumes/Card");
         EXPECT_EQ(properties.flags(), Directory | MountPoint);
         EXPECT_EQ(properties.title(), "Card");
@@ -278,7 +278,7 @@ TEST_F(FilePropertiesMac, VolumeInVolumesIsAMountPoint) {
 
 TEST_F(FilePropertiesMac, VolumeThatVolumesShowsByALinkIsAMountPointToo) {
     makeFolder("media");
-    const test::MountedImage image(_folder / "image", _folder / "media");
+    const test::MountedImage image(_folder / "media", _folder.path());
     fs::create_symlink(_folder / "media", "/Volumes/Stick");
     const FileProperties properties = FileProperties::create("/Volumes/Stick");
     EXPECT_EQ(properties.flags(), Directory | MountPoint);

@@ -11,6 +11,11 @@ namespace tav::test {
 /// Fails: the reason; empty when done.
 std::string isolateMounts();
 
+/// The path in the form in which the library names what is on the start-up disk.
+inline std::string onStartupDisk(const std::string& path) {
+    return "/Volumes/Linux" + path;
+}
+
 /// Something mounted on a folder, which is made if need be, and taken away again.
 class Mounted {
 public:

@@ -2,7 +2,7 @@
 // `ula dir`, in a /Volumes of its own in which "Linux" leads to "/". Needs root.
 #include "ToolProcess.h"
 
-#include "tests/support/OwnVolumes.h"
+#include "tests/support/Mounts.h"
 
 #include <filesystem>
 #include <gmock/gmock.h>
@@ -16,7 +16,7 @@ using testing::HasSubstr;
 
 class DirTool : public ToolTest {
 protected:
-    static void SetUpTestSuite() { makeOwnVolumes(); }
+    static void SetUpTestSuite() { ASSERT_EQ(isolateMounts(), ""); }
 
     void SetUp() override {
         fs::create_directories(folder.path() / "Item 10");
