@@ -22,7 +22,7 @@ THREADS = ["1", "2", "4"]
 PERIODS = ["1", "10"]
 PAIRS = ["0", "1"]
 ENTRIES = ["10000", "100000"]
-KEYS = {"10": "10", "1000": "1k", "100000": "100k", "1000000": "1M"}
+KEYS = {"10": "10", "1000": "1k", "10000": "10k", "100000": "100k", "1000000": "1M"}
 NANOSECONDS = {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}
 
 # Topic, ours, peer (None: the target is an amount of ours), sizes, target (None: none set).
@@ -193,6 +193,8 @@ def size_label(name, size):
         return size + (" thread" if size == "1" else " threads")
     if name.startswith("timer"):
         return size + " ms"
+    if name.startswith(("children", "folders", "contains")):
+        return KEYS[size] + " entries"
     if name.startswith("compareNames"):
         return ["drawn at random", "neighbours"][int(size)]
     if name.startswith("sortNames"):
