@@ -296,6 +296,20 @@ TEST_F(DirMac, FolderThatVanishesInMidListingLeavesHiddenChildren) {
     EXPECT_THAT(dir.children(false), IsEmpty());
 }
 
+TEST_F(DirMac, HalfAMillionEntriesAreListedWhole) {
+    constexpr std::size_t kEntries = 500'000;
+    const test::MountedMemory memory(_folder / "many");
+    const int at = open(memory.point().c_str(), O_PATH | O_DIRECTORY);
+    for (std::size_t i = 0; i < kEntries; ++i)
+        mknodat(at, (std::to_string(i) + ".jpg").c_str(), S_IFREG | 0644, 0);
+    mkdirat(at, "folder", 0755);
+    close(at);
+    Dir dir(path() + "/many");
+    EXPECT_THAT(namesOf(dir.children(true)), ElementsAre("folder"));
+    dir.reset();
+    EXPECT_EQ(dir.children(false).size(), kEntries + 1);
+}
+
 TEST_F(DirMac, SortedChildrenAreInTheFindersOrder) {
     for (const char* name : {"Item 10", "item 9", "apfel", "\u00c4pfel", "Item 1"})
         folder(name);
