@@ -24,14 +24,12 @@ constexpr std::string_view kDesktopSuffix = ".desktop";
 
 constexpr size_t kLongestExtension = 8;
 
-// An extension as one number, in the order of its bytes.
+// An extension as one number. Capital letters become small; what becomes of other characters does
+// not matter as long as letters and digits stay apart.
 constexpr uint64_t packed(std::string_view extension) {
     uint64_t number = 0;
-    for (size_t i = 0; i < kLongestExtension; ++i) {
-        char c = i < extension.size() ? extension[i] : '\0';
-        bool upper = c >= 'A' && c <= 'Z';
-        number = number << 8 | static_cast<unsigned char>(upper ? c - 'A' + 'a' : c);
-    }
+    for (char c : extension)
+        number = number << 8 | static_cast<unsigned char>(c | 0x20);
     return number;
 }
 
@@ -61,18 +59,51 @@ constexpr uint64_t kOrdinaryExtensions[] = {
     packed("wmv"),  packed("woff"), packed("x3f"),  packed("xcf"),   packed("xls"),  packed("xlsx"),
     packed("xml"),  packed("xmp"),  packed("xz"),   packed("yaml"),  packed("yml"),  packed("zip"),
     packed("zst")};
-static_assert(std::is_sorted(std::begin(kOrdinaryExtensions), std::end(kOrdinaryExtensions)));
+static_assert(std::size(kOrdinaryExtensions) < 256, "the table is to be half empty at least");
+
+// Every file of a listing is looked up here.
+class ExtensionTable {
+public:
+    constexpr ExtensionTable() {
+        for (uint64_t extension : kOrdinaryExtensions) {
+            size_t slot = firstSlot(extension);
+            while (_slots[slot] != 0)
+                slot = (slot + 1) % std::size(_slots);
+            _slots[slot] = extension;
+        }
+    }
+
+    constexpr bool contains(uint64_t extension) const {
+        size_t slot = firstSlot(extension);
+        while (_slots[slot] != 0 && _slots[slot] != extension)
+            slot = (slot + 1) % std::size(_slots);
+        return _slots[slot] != 0;
+    }
+
+private:
+    static constexpr size_t firstSlot(uint64_t extension) {
+        return extension * 0x9E3779B97F4A7C15 >> 55;
+    }
+
+    uint64_t _slots[512] = {};
+};
+
+constexpr ExtensionTable kExtensions;
+static_assert(kExtensions.contains(packed("JPG")) && !kExtensions.contains(packed("alias")));
 
 bool endsWith(std::string_view text, std::string_view end) {
     return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
 }
 
+// Read from its end: extensions are short, and names are not.
 bool hasOrdinaryExtension(std::string_view name) {
-    size_t dot = name.rfind('.');
-    if (dot == std::string_view::npos || dot == 0 || name.size() - dot - 1 > kLongestExtension)
-        return false;
-    return std::binary_search(std::begin(kOrdinaryExtensions), std::end(kOrdinaryExtensions),
-                              packed(name.substr(dot + 1)));
+    size_t longest = std::min(name.size(), kLongestExtension + 1);
+    for (size_t length = 0; length < longest; ++length) {
+        size_t dot = name.size() - 1 - length;
+        if (name[dot] == '.')
+            return dot > 0 && kExtensions.contains(packed(name.substr(dot + 1)));
+    }
+    return false;
 }
 
 std::string_view leafOf(std::string_view path) {

@@ -4,29 +4,29 @@
 #include "CoreServices/AliasPlaces.h"
 #include "CoreServices/Volumes.h"
 
+#include <algorithm>
 #include <cstring>
-#include <unicode/utf16.h>
-#include <unicode/utf8.h>
+#include <iterator>
+#include <unicode/ustring.h>
 
 namespace coreservices {
 
 HFSUniStr255 hfsName(std::string_view name) {
     HFSUniStr255 result;
     std::memset(&result, 0, sizeof result);
-    constexpr size_t room = sizeof result.unicode / sizeof result.unicode[0];
-    const char* bytes = name.data();
-    auto size = static_cast<int32_t>(std::min(name.size(), size_t{4096}));
-    for (int32_t i = 0; i < size;) {
-        UChar32 code = 0;
-        U8_NEXT_OR_FFFD(bytes, i, size, code);
-        size_t needed = U16_LENGTH(code);
-        if (result.length + needed > room)
-            break;
-        if (needed == 2)
-            result.unicode[result.length++] = U16_LEAD(code);
-        result.unicode[result.length++] =
-            needed == 2 ? U16_TRAIL(code) : static_cast<UniChar>(code);
-    }
+    // No character takes more units than it has bytes.
+    std::u16string units(name.size(), u'\0');
+    int32_t length = 0;
+    UErrorCode error = U_ZERO_ERROR;
+    auto size = static_cast<int32_t>(name.size());
+    u_strFromUTF8WithSub(units.data(), size, &length, name.data(), size, 0xFFFD, nullptr, &error);
+    if (U_FAILURE(error))
+        return result;
+    size_t count = std::min(static_cast<size_t>(length), std::size(result.unicode));
+    if (count < static_cast<size_t>(length) && (units[count] & 0xFC00) == 0xDC00)
+        --count;
+    std::copy_n(units.begin(), count, result.unicode);
+    result.length = static_cast<UInt16>(count);
     return result;
 }
 

@@ -95,22 +95,4 @@ std::optional<UnmountedVolume> unmountedByLabel(const std::string& path,
     return std::nullopt;
 }
 
-const Mount* mountAbove(const std::string& path, const std::vector<Mount>& mounts) {
-    const Mount* best = nullptr;
-    // A later mount on the same point hides the earlier one.
-    for (const Mount& mount : mounts)
-        if (isAtOrIn(path, mount.point) &&
-            (best == nullptr || mount.point.size() >= best->point.size()))
-            best = &mount;
-    return best;
-}
-
-bool mayStall(const Mount& mount) {
-    constexpr std::string_view types[] = {"nfs",  "nfs4", "cifs",      "smb3",   "9p",   "afs",
-                                          "ceph", "fuse", "glusterfs", "autofs", "coda", "ncpfs"};
-    std::string_view type = mount.type;
-    return type.substr(0, 5) == "fuse." ||
-           std::find(std::begin(types), std::end(types), type) != std::end(types);
-}
-
 }  // namespace coreservices

@@ -23,7 +23,8 @@ public:
     // Each returns when it is mounted, when that has failed, or when it takes too long.
     virtual bool mountPlace(const std::string& url) = 0;
     virtual bool mountPoint(const std::string& point) = 0;  // of the system's own table
-    virtual bool mountLabel(const std::string& label) = 0;
+    // Gives where it is mounted, now or before; empty when it is not.
+    virtual std::string mountLabel(const std::string& label) = 0;
 };
 
 // What an alias is resolved against.
@@ -53,12 +54,5 @@ std::optional<UnmountedVolume> unmountedByTable(const std::string& path,
 
 // By where the desktop mounts disks, and the volumes folder. For paths that do not exist.
 std::optional<UnmountedVolume> unmountedByLabel(const std::string& path, const AliasPlaces& places);
-
-// What a path lies on, by its text alone: the longest mount point above it.
-const Mount* mountAbove(const std::string& path, const std::vector<Mount>& mounts);
-
-// Whether asking a file system of this type may take for ever: its answers come over a network or
-// from another process.
-bool mayStall(const Mount& mount);
 
 }  // namespace coreservices

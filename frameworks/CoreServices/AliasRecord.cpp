@@ -73,12 +73,15 @@ std::optional<Values> readValues(const ByteReader& record, size_t offset) {
     return values;
 }
 
-// A colon separates names, and a slash in a name is a colon to POSIX calls.
-std::optional<std::vector<std::string>> carbonComponents(std::string path) {
-    std::string translated;
-    for (char c : path)
-        translated += c == ':' ? '/' : c == '/' ? ':' : c;
-    auto components = plainComponents(translated);
+// Outside POSIX calls a colon separates names, and a slash in a name is a colon to those calls.
+std::string swapSeparators(std::string text) {
+    for (char& c : text)
+        c = c == ':' ? '/' : c == '/' ? ':' : c;
+    return text;
+}
+
+std::optional<std::vector<std::string>> carbonComponents(const std::string& path) {
+    auto components = plainComponents(swapSeparators(path));
     if (!components || components->empty())
         return std::nullopt;
     components->erase(components->begin());
@@ -99,13 +102,12 @@ std::string pascalText(const ByteReader& record, size_t offset, size_t room) {
 }
 
 std::string volumeNameOf(const ByteReader& record, const Layout& layout, const Values& values) {
-    if (!values.volumeName.empty())
-        return values.volumeName;
-    if (layout.hasVolumeName)
-        return pascalText(record, 10, 28);
-    if (values.carbonPath)
-        return values.carbonPath->substr(0, values.carbonPath->find(':'));
-    return {};
+    std::string name = values.volumeName;
+    if (name.empty() && layout.hasVolumeName)
+        name = pascalText(record, 10, 28);
+    if (name.empty() && values.carbonPath)
+        name = values.carbonPath->substr(0, values.carbonPath->find(':'));
+    return swapSeparators(name);
 }
 
 AliasKind kindOf(const ByteReader& record, const Layout& layout, const MacAlias& alias) {

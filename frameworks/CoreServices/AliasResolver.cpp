@@ -5,6 +5,7 @@
 #include "CoreServices/MacAliasPaths.h"
 #include "CoreServices/NetworkPlace.h"
 #include "CoreServices/Patience.h"
+#include "CoreServices/StallingMount.h"
 #include "CoreServices/Volumes.h"
 
 #include <algorithm>
@@ -55,7 +56,8 @@ private:
     void stepToPlace(const std::string& url);
     void stepToFirst(const std::vector<std::string>& paths, const MacAlias& alias);
     std::string placePath(const std::string& url);
-    bool mount(const UnmountedVolume& volume);
+    std::string mount(const UnmountedVolume& volume);
+    std::optional<UnmountedVolume> unmountedAbove(const std::string& path);
     void lookAgain(const std::string& path, const UnmountedVolume& volume);
     void stopAt(Resolution resolution) { _result.resolution = resolution; }
     void expect(AliasKind kind);
@@ -76,12 +78,12 @@ const std::vector<Mount>& Walk::mounts() {
     return *_mounts;
 }
 
-// A file system that does not answer is not asked again before it has; elsewhere this holds for the
-// single path only.
+// A file system that has not answered is not asked again before it does.
 AliasLook Walk::look(const std::string& path) {
-    const Mount* mount = mountAbove(path, mounts());
-    std::string place = mount != nullptr && mayStall(*mount) ? mount->point : path;
-    auto seen = askPatiently<AliasLook>(place, _places.patience, [path] { return lookAt(path); });
+    auto mount = stallingMountOn(path, mounts());
+    if (!mount)
+        return lookAt(path);
+    auto seen = askPatiently<AliasLook>(*mount, _places.patience, [path] { return lookAt(path); });
     if (seen)
         return std::move(*seen);
     AliasLook nothing;
@@ -119,34 +121,48 @@ ResolvedAlias Walk::found() {
     return _result;
 }
 
-bool Walk::mount(const UnmountedVolume& volume) {
+// Where the volume's point is to be found then, or empty. A label may be mounted elsewhere.
+std::string Walk::mount(const UnmountedVolume& volume) {
     if (_mounting == Mounting::Never || _places.mounter == nullptr)
-        return false;
+        return {};
     _mounts.reset();
-    if (volume.source == UnmountedVolume::Source::MountTable)
-        return _places.mounter->mountPoint(volume.point);
-    return _places.mounter->mountLabel(volume.point.substr(volume.point.rfind('/') + 1));
+    if (volume.source == UnmountedVolume::Source::Label)
+        return _places.mounter->mountLabel(volume.point.substr(volume.point.rfind('/') + 1));
+    return _places.mounter->mountPoint(volume.point) ? volume.point : std::string();
 }
 
 void Walk::lookAgain(const std::string& path, const UnmountedVolume& volume) {
-    expect(path == volume.point ? AliasKind::Disk : AliasKind::Folder);
-    if (!mount(volume))
+    std::string point = mount(volume);
+    if (point.empty())
         return stopAt(Resolution::NotMounted);
-    _here = look(path);
+    _here = look(point + path.substr(volume.point.size()));
     if (_here.error != 0)
         stopAt(resolutionOf(_here.error));
 }
 
+// The table may know the point by another path than the kernel, through links.
+std::optional<UnmountedVolume> Walk::unmountedAbove(const std::string& path) {
+    auto volume = unmountedByTable(path, _places.mountTable, mounts());
+    if (!volume)
+        return std::nullopt;
+    AliasLook point = look(volume->point);
+    return point.isMountRoot || S_ISLNK(point.mode) ? std::nullopt : volume;
+}
+
+// What lies on a volume that is not there counts as a folder: it is what people make links to.
 void Walk::stepToPath(const std::string& path) {
-    if (auto volume = unmountedByTable(path, _places.mountTable, mounts()))
-        return lookAgain(path, *volume);
-    _here = look(path);
-    if (_here.error == 0)
-        return;
-    auto volume = isNothingThere(_here.error) ? unmountedByLabel(path, _places) : std::nullopt;
-    if (volume)
-        return lookAgain(path, *volume);
-    stopAt(resolutionOf(_here.error));
+    auto volume = unmountedAbove(path);
+    if (!volume) {
+        _here = look(path);
+        if (_here.error == 0)
+            return;
+        if (isNothingThere(_here.error))
+            volume = unmountedByLabel(path, _places);
+    }
+    if (!volume)
+        return stopAt(resolutionOf(_here.error));
+    expect(path == volume->point ? AliasKind::Disk : AliasKind::Folder);
+    lookAgain(path, *volume);
 }
 
 std::string Walk::placePath(const std::string& url) {

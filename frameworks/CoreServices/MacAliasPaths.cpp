@@ -35,8 +35,11 @@ std::vector<std::string> pathsOf(const MacAlias& alias, const std::string& ownVo
     for (const std::string& name : alias.components)
         below += "/" + name;
     std::vector<std::string> paths;
-    if (isPlainComponent(alias.volumeName))
+    if (isPlainComponent(alias.volumeName)) {
         addForms(paths, places.volumesFolder + "/" + alias.volumeName + below);
+        for (const std::string& folder : places.mediaFolders)
+            addForms(paths, folder + "/" + alias.volumeName + below);
+    }
     // Before this system's root: the start-up disk that is meant was the other system's, and the
     // alias most likely lies on it. An alias to a whole disk says nothing about the one it lies on.
     if (!below.empty())

@@ -32,13 +32,16 @@ struct Job {
 
 void perform(const std::shared_ptr<Job>& job) {
     job->work();
+    {
+        Overdue& overdue = Overdue::instance();
+        std::lock_guard lock(overdue.mutex);
+        job->isDone = true;
+        if (job->isOverdue)
+            overdue.places.erase(job->place);
+        job->ended.notify_all();
+    }
+    // Last: who learns from what it holds that the work has gone finds the place free.
     job->work = nullptr;
-    Overdue& overdue = Overdue::instance();
-    std::lock_guard lock(overdue.mutex);
-    job->isDone = true;
-    if (job->isOverdue)
-        overdue.places.erase(job->place);
-    job->ended.notify_all();
 }
 
 bool start(const std::shared_ptr<Job>& job) {

@@ -29,6 +29,7 @@ pid_t start(const std::vector<std::string>& arguments) {
     posix_spawn_file_actions_addopen(&actions, 0, "/dev/null", O_RDONLY, 0);
     posix_spawn_file_actions_addopen(&actions, 1, "/dev/null", O_WRONLY, 0);
     posix_spawn_file_actions_addopen(&actions, 2, "/dev/null", O_WRONLY, 0);
+    posix_spawn_file_actions_addclosefrom_np(&actions, 3);
     pid_t child = -1;
     int error = posix_spawn(&child, program.c_str(), &actions, nullptr, words.data(), environment);
     posix_spawn_file_actions_destroy(&actions);

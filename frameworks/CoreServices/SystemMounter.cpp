@@ -26,11 +26,12 @@ bool SystemMounter::mountPoint(const std::string& point) {
     return runProgram({"mount", point}, _mountPatience);
 }
 
-bool SystemMounter::mountLabel(const std::string& label) {
+std::string SystemMounter::mountLabel(const std::string& label) {
     auto patience = _mountPatience;
-    auto done = askPatiently<bool>("udisks:" + label, _mountPatience,
-                                   [label, patience] { return udisksMount(label, patience); });
-    return done.value_or(false);
+    auto path = askPatiently<std::string>("udisks:" + label, _mountPatience, [label, patience] {
+        return udisksMount(label, patience);
+    });
+    return path.value_or(std::string());
 }
 
 }  // namespace coreservices

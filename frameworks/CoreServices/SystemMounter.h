@@ -15,7 +15,7 @@ public:
     std::string pathOf(const std::string& url) override;
     bool mountPlace(const std::string& url) override;
     bool mountPoint(const std::string& point) override;
-    bool mountLabel(const std::string& label) override;
+    std::string mountLabel(const std::string& label) override;
 
 private:
     std::chrono::milliseconds _askPatience;

@@ -30,47 +30,76 @@ Variant call(const Bus& bus, const char* object, const char* interface, const ch
         static_cast<int>(patience.count()), nullptr, nullptr));
 }
 
-// The interfaces of an object by their names.
-bool isLabelled(GVariant* interfaces, const std::string& label) {
-    Variant filesystem(g_variant_lookup_value(interfaces, kFilesystem, nullptr));
-    Variant block(g_variant_lookup_value(interfaces, kBlock, G_VARIANT_TYPE_VARDICT));
-    const char* found = nullptr;
-    return filesystem && block && g_variant_lookup(block.get(), "IdLabel", "&s", &found) &&
-           label == found;
+struct Disk {
+    std::string object;
+    std::string mountedAt;
+};
+
+std::string firstMountPoint(GVariant* filesystem) {
+    Variant points(
+        g_variant_lookup_value(filesystem, "MountPoints", G_VARIANT_TYPE_BYTESTRING_ARRAY));
+    if (!points || g_variant_n_children(points.get()) == 0)
+        return {};
+    Variant first(g_variant_get_child_value(points.get(), 0));
+    return g_variant_get_bytestring(first.get());
 }
 
-std::string objectOf(GVariant* objects, const std::string& label) {
+// By the interfaces of the object. False for another label and for what is no file system.
+bool isLabelled(GVariant* interfaces, const std::string& label, Disk* disk) {
+    Variant filesystem(g_variant_lookup_value(interfaces, kFilesystem, G_VARIANT_TYPE_VARDICT));
+    Variant block(g_variant_lookup_value(interfaces, kBlock, G_VARIANT_TYPE_VARDICT));
+    const char* found = nullptr;
+    if (!filesystem || !block || !g_variant_lookup(block.get(), "IdLabel", "&s", &found) ||
+        label != found)
+        return false;
+    disk->mountedAt = firstMountPoint(filesystem.get());
+    return true;
+}
+
+Disk diskOf(GVariant* objects, const std::string& label) {
     GVariantIter iterator;
     g_variant_iter_init(&iterator, objects);
     const char* path = nullptr;
     GVariant* interfaces = nullptr;
-    std::string found;
-    while (found.empty() && g_variant_iter_next(&iterator, "{&o@a{sa{sv}}}", &path, &interfaces)) {
+    Disk disk;
+    while (disk.object.empty() &&
+           g_variant_iter_next(&iterator, "{&o@a{sa{sv}}}", &path, &interfaces)) {
         Variant owned(interfaces);
-        if (isLabelled(interfaces, label))
-            found = path;
+        if (isLabelled(interfaces, label, &disk))
+            disk.object = path;
     }
-    return found;
+    return disk;
+}
+
+std::string mount(const Bus& bus, const std::string& object, std::chrono::milliseconds patience) {
+    GVariantBuilder options;
+    g_variant_builder_init(&options, G_VARIANT_TYPE_VARDICT);
+    Variant answer = call(bus, object.c_str(), kFilesystem, "Mount",
+                          g_variant_new("(a{sv})", &options), patience);
+    if (!answer || !g_variant_is_of_type(answer.get(), G_VARIANT_TYPE("(s)")))
+        return {};
+    const char* path = nullptr;
+    g_variant_get(answer.get(), "(&s)", &path);
+    return path;
 }
 
 }  // namespace
 
-bool udisksMount(const std::string& label, std::chrono::milliseconds patience) {
+std::string udisksMount(const std::string& label, std::chrono::milliseconds patience) {
     Bus bus(g_bus_get_sync(G_BUS_TYPE_SYSTEM, nullptr, nullptr));
     if (!bus)
-        return false;
+        return {};
+    // Or the end of the bus would be the end of the process.
+    g_dbus_connection_set_exit_on_close(bus.get(), FALSE);
     Variant answer = call(bus, "/org/freedesktop/UDisks2", "org.freedesktop.DBus.ObjectManager",
                           "GetManagedObjects", nullptr, patience);
     if (!answer || !g_variant_is_of_type(answer.get(), G_VARIANT_TYPE("(a{oa{sa{sv}}})")))
-        return false;
+        return {};
     Variant objects(g_variant_get_child_value(answer.get(), 0));
-    std::string object = objectOf(objects.get(), label);
-    if (object.empty())
-        return false;
-    GVariantBuilder options;
-    g_variant_builder_init(&options, G_VARIANT_TYPE_VARDICT);
-    return call(bus, object.c_str(), kFilesystem, "Mount", g_variant_new("(a{sv})", &options),
-                patience) != nullptr;
+    Disk disk = diskOf(objects.get(), label);
+    if (disk.object.empty() || !disk.mountedAt.empty())
+        return disk.mountedAt;
+    return mount(bus, disk.object, patience);
 }
 
 }  // namespace coreservices

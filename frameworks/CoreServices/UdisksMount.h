@@ -6,8 +6,8 @@
 
 namespace coreservices {
 
-// Has udisks mount the file system that has this label, where it mounts such ones. True when it is
-// mounted. Fails: false, without udisks, without such a disk, without permission; not logged.
-bool udisksMount(const std::string& label, std::chrono::milliseconds patience);
+// Has udisks mount the file system that has this label, unless it is mounted, and gives where it
+// is. Fails: empty, without udisks, without such a disk, without permission; not logged.
+std::string udisksMount(const std::string& label, std::chrono::milliseconds patience);
 
 }  // namespace coreservices

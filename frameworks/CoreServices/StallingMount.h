@@ -1,0 +1,20 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "CoreServices/MountInfo.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace coreservices {
+
+// The first mount on the way along an absolute path whose answers come over a network or from
+// another process, and may never come. Links on the way are followed, without asking such a mount.
+std::optional<std::string> stallingMountOn(const std::string& path,
+                                           const std::vector<Mount>& mounts);
+
+// Whether asking a file system of this type may take for ever.
+bool mayStall(const Mount& mount);
+
+}  // namespace coreservices
