@@ -22,11 +22,25 @@ bool isName(const std::string& name) {
     return !name.empty() && name[0] != '.' && name.find('/') == std::string::npos;
 }
 
-int distance(int pixels, int smallest, int largest) {
+}  // namespace
+
+int IconTheme::Sizes::distance(int pixels) const {
     return std::max({0, smallest - pixels, pixels - largest});
 }
 
-}  // namespace
+IconTheme::Sizes IconTheme::sizesOf(const KeyFile& index, const std::string& folder) {
+    // Drawn for screens of twice the density: they have twice the pixels.
+    int scale = index.number(folder, "Scale", 1);
+    int size = index.number(folder, "Size", 0);
+    std::string type = index.text(folder, "Type");
+    if (type == "Fixed")
+        return {size * scale, size * scale};
+    if (type == "Scalable")
+        return {index.number(folder, "MinSize", size) * scale,
+                index.number(folder, "MaxSize", size) * scale};
+    int around = index.number(folder, "Threshold", 2);
+    return {(size - around) * scale, (size + around) * scale};
+}
 
 IconTheme::IconTheme(const IconPlaces& places) {
     add(places.theme, places);
@@ -48,22 +62,11 @@ void IconTheme::add(const std::string& name, const IconPlaces& places) {
             break;
     Theme theme{name, {}};
     for (const std::string& folder : index.list("Icon Theme", "Directories")) {
-        // Drawn for screens of twice the density: they have twice the pixels.
-        int scale = index.number(folder, "Scale", 1);
-        int size = index.number(folder, "Size", 0) * scale;
-        int around = index.number(folder, "Threshold", 2) * scale;
-        std::string type = index.text(folder, "Type");
-        Folder entry{{}, size - around, size + around};
-        if (type == "Fixed")
-            entry = {{}, size, size};
-        else if (type == "Scalable")
-            entry = {{},
-                     index.number(folder, "MinSize", size) * scale,
-                     index.number(folder, "MaxSize", size) * scale};
+        Sizes sizes = sizesOf(index, folder);
         for (const std::string& place : places.folders) {
-            entry.path = place + "/" + name + "/" + folder;
-            if (exists(entry.path))
-                theme.folders.push_back(entry);
+            std::string path = place + "/" + name + "/" + folder;
+            if (exists(path))
+                theme.folders.push_back({path, sizes});
         }
     }
     _themes.push_back(std::move(theme));
@@ -76,7 +79,7 @@ std::string IconTheme::findIn(const Theme& theme, const std::string& name, int p
     std::string nearest;
     int least = INT_MAX;
     for (const Folder& folder : theme.folders) {
-        int away = distance(pixels, folder.smallest, folder.largest);
+        int away = folder.sizes.distance(pixels);
         if (away >= least)
             continue;
         for (const char* ending : {".png", ".svg", ".xpm"}) {

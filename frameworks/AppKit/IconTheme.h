@@ -7,6 +7,8 @@
 
 namespace appkit {
 
+class KeyFile;
+
 struct IconPlaces {
     std::vector<std::string> folders;  // in which themes lie, the first one first
     std::string theme;                 // the user's; may be empty
@@ -26,16 +28,22 @@ public:
     std::string find(const std::vector<std::string>& names, int pixels) const;
 
 private:
-    struct Folder {
-        std::string path;
+    struct Sizes {
         int smallest;  // pixels
         int largest;
+
+        int distance(int pixels) const;
+    };
+    struct Folder {
+        std::string path;
+        Sizes sizes;
     };
     struct Theme {
         std::string name;
         std::vector<Folder> folders;
     };
 
+    static Sizes sizesOf(const KeyFile& index, const std::string& folder);
     void add(const std::string& name, const IconPlaces& places);
     bool has(const std::string& name) const;
     static std::string findIn(const Theme& theme, const std::string& name, int pixels);

@@ -74,6 +74,15 @@ std::vector<std::string> reversedComponents(const std::string& path) {
     return components;
 }
 
+// The folder and a component below it; "" is the root.
+std::string joined(const std::string& folder, const std::string& component) {
+    if (component == ".")
+        return folder;
+    if (component == "..")
+        return folder.substr(0, folder.empty() ? 0 : folder.rfind('/'));
+    return folder + "/" + component;
+}
+
 // Where the link leads; empty for what is none, and for what is not asked.
 std::string linkTarget(const std::string& path, const std::vector<Mount>& mounts) {
     const Mount* mount = mountCovering(path, mounts);
@@ -120,18 +129,10 @@ std::string pathWithoutLinks(const std::string& path, const std::vector<Mount>& 
         return {};
     std::vector<std::string> rest = reversedComponents(path);
     std::string done;
-    int links = 0;
-    while (!rest.empty()) {
-        std::string component = std::move(rest.back());
+    for (int links = 0; !rest.empty();) {
+        std::string next = joined(done, rest.back());
         rest.pop_back();
-        if (component == ".")
-            continue;
-        if (component == "..") {
-            done.resize(done.empty() ? 0 : done.rfind('/'));
-            continue;
-        }
-        std::string next = done + "/" + component;
-        std::string target = linkTarget(next, mounts);
+        std::string target = next.size() > done.size() ? linkTarget(next, mounts) : std::string();
         if (target.empty()) {
             done = std::move(next);
             continue;

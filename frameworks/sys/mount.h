@@ -28,12 +28,18 @@ struct statfs {
     char f_mntfromname[MNT_PATH_LENGTH];
 };
 
+/* The structure and the function share a name, as on the platform. */
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wshadow"
+
 /* What the path lies on. Answered from the table of mounts: a server that is gone keeps nobody
    waiting. Longer texts are cut. Thread: any.
    Fails: -1 and ENOENT for what does not exist on a disk of this computer, or lies on no mount.
    The label leaves the system's function of this name alone. */
 __attribute__((visibility("default"))) int statfs(const char* path,
                                                   struct statfs* information) __asm__("ula_statfs");
+
+#pragma GCC diagnostic pop
 
 #ifdef __cplusplus
 }
