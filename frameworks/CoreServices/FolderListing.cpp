@@ -176,34 +176,36 @@ bool FolderListing::isPlainFileByName(const FolderEntry& entry) {
 
 EntryFacts FolderListing::look(const FolderEntry& entry) {
     EntryFacts facts;
-    const Folder& folder = *_folder;
-    const char* const name = entry.name.data();
     const bool hasProperPath =
-        folder.path.size() + entry.name.size() + 1 < PATH_MAX &&
-        g_utf8_validate(name, static_cast<gssize>(entry.name.size()), nullptr);
+        _folder->path.size() + entry.name.size() + 1 < PATH_MAX &&
+        g_utf8_validate(entry.name.data(), static_cast<gssize>(entry.name.size()), nullptr);
     if (!hasProperPath)
         return facts;
-    facts.isInvisible = folder.hidden.contains(entry.name);
-    if (entry.kind != FolderEntry::Kind::File && !answers(entry)) {
+    facts.isInvisible = _folder->hidden.contains(entry.name);
+    if (entry.kind != FolderEntry::Kind::File && !answers(entry))
         facts.isOrdinary = true;
-        return facts;
-    }
-    if (entry.kind == FolderEntry::Kind::Link) {
+    else if (entry.kind == FolderEntry::Kind::Link)
         lookAtLink(entry, facts);
-        return facts;
-    }
+    else
+        lookAtItem(entry, facts);
+    return facts;
+}
+
+void FolderListing::lookAtItem(const FolderEntry& entry, EntryFacts& facts) {
+    const Folder& folder = *_folder;
+    const char* const name = entry.name.data();
     struct statx item;
     if (statx(folder.descriptor, name, AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT, kWanted, &item) != 0)
-        return facts;
+        return;
     const std::optional<ItemType> type = ordinaryType(folder.path, entry.name, item);
-    if (!type.has_value())
-        return facts;
+    // A folder that was moved away has no place for the folders in it any more.
+    if (!type.has_value() || (S_ISDIR(item.stx_mode) && resolvedFolder().empty()))
+        return;
     facts.isOrdinary = true;
     facts.type = *type;
     facts.isDirectory = S_ISDIR(item.stx_mode);
     facts.isReadable = folder.rights.isReadable(name, item);
     facts.isWritable = facts.isReadable && folder.rights.isWritable(name, item);
-    return facts;
 }
 
 void FolderListing::lookAtLink(const FolderEntry& entry, EntryFacts& facts) {

@@ -58,6 +58,7 @@ public:
 private:
     struct Folder;
     bool fill();
+    void lookAtItem(const FolderEntry& entry, EntryFacts& facts);
     void lookAtLink(const FolderEntry& entry, EntryFacts& facts);
     bool answers(const FolderEntry& entry);
 

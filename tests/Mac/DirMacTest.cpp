@@ -296,6 +296,31 @@ TEST_F(DirMac, FolderThatVanishesInMidListingLeavesHiddenChildren) {
     EXPECT_THAT(dir.children(false), IsEmpty());
 }
 
+TEST_F(DirMac, FolderThatMovesAwayInMidListingLeavesHiddenFolders) {
+    // Whichever way the file system lists, a folder comes last in one of the two.
+    int lastOnes = 0;
+    for (const bool isMadeFirst : {true, false}) {
+        const test::MountedMemory memory(_folder / "memory");
+        folder(isMadeFirst ? "memory/moving/folder" : "memory/moving");
+        for (int i = 0; i < 1200; ++i)
+            file("memory/moving/" + std::to_string(i), "");
+        folder("memory/moving/folder");
+        Dir dir(path() + "/memory/moving");
+        dir.loadChildren(false, [&](std::size_t found) {
+            if (found == 1000)
+                fs::rename(_folder / "memory/moving", _folder / "memory/moved");
+            return true;
+        });
+        EXPECT_EQ(dir.children(false).size(), 1201U);
+        const Dir* const end = dir.children(false).back();
+        if (end->name() == "folder") {
+            ++lastOnes;
+            EXPECT_EQ(end->properties().flags(), Hidden);
+        }
+    }
+    EXPECT_EQ(lastOnes, 1);
+}
+
 TEST_F(DirMac, HalfAMillionEntriesAreListedWhole) {
     constexpr std::size_t kEntries = 500'000;
     const test::MountedMemory memory(_folder / "many");
