@@ -1,21 +1,12 @@
 // SPDX-License-Identifier: MIT
 // Trees of real folders; "Linux" is the start-up disk.
-#include "ula/Dir.h"
-
-#include "tests/support/ChildProcess.h"
-#include "tests/support/Mounts.h"
-#include "tests/support/TemporaryFolder.h"
+#include "FolderTest.h"
 
 #include <dirent.h>
 #include <fcntl.h>
-#include <filesystem>
-#include <fstream>
 #include <gmock/gmock.h>
 #include <memory>
-#include <random>
-#include <sys/mount.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 namespace tav::ula {
 namespace {
@@ -26,30 +17,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::UnorderedElementsAre;
 
-class DirMac : public testing::Test {
-protected:
-    std::string path() const { return onStartupDisk(_folder.path()); }
-    void folder(const std::string& name) const { fs::create_directories(_folder / name); }
-    void file(const std::string& name, std::string_view bytes = "x") const {
-        test::writeFile(_folder / name, bytes);
-    }
-    void link(const std::string& name, const std::string& target) const {
-        fs::create_symlink(target, _folder / name);
-    }
-
-    void alias(const std::string& name, const std::string& target) const {
-        file(name, "[Desktop Entry]\nType=Link\nURL=file://" + (_folder / target) + "\n");
-    }
-
-    test::TemporaryFolder _folder;
-};
-
-std::vector<std::string> namesOf(const std::vector<Dir*>& nodes) {
-    std::vector<std::string> names;
-    for (const Dir* node : nodes)
-        names.push_back(node->name());
-    return names;
-}
+class DirMac : public FolderTest {};
 
 TEST_F(DirMac, OnlyTheRootIsRoot) {
     EXPECT_TRUE(Dir("/").isRoot());
@@ -193,9 +161,7 @@ TEST_F(DirMac, FolderThatCannotBeReadHasNoChildren) {
     folder("closed/inner");
     fs::permissions(_folder.path(), fs::perms(0755));
     fs::permissions(_folder / "closed", fs::perms(0700));
-    EXPECT_EQ(test::runInChild([&] {
-                  if (setgid(65534) != 0 || setuid(65534) != 0)
-                      return std::string("still root");
+    EXPECT_EQ(asNobody([&] {
                   Dir dir(path() + "/closed");
                   return std::to_string(dir.children(false).size()) + " " +
                          std::to_string(dir.containsChildren(false)) + " " +
@@ -321,6 +287,27 @@ TEST_F(DirMac, FolderThatMovesAwayInMidListingLeavesHiddenFolders) {
     EXPECT_EQ(lastOnes, 1);
 }
 
+TEST_F(DirMac, FolderThatLosesItsPermissionInMidListingLeavesHiddenChildren) {
+    fs::permissions(_folder.path(), fs::perms(0755));
+    folder("closing");
+    for (int i = 0; i < 1500; ++i)
+        file("closing/" + std::to_string(i), "");
+    ASSERT_EQ(chown((_folder / "closing").c_str(), 65534, 65534), 0);
+    EXPECT_EQ(asNobody([this] {
+                  Dir dir(path() + "/closing");
+                  dir.loadChildren(false, [this](std::size_t found) {
+                      if (found == 1000)
+                          fs::permissions(_folder / "closing", fs::perms(0));
+                      return true;
+                  });
+                  std::size_t hidden = 0;
+                  for (const Dir* child : dir.children(false))
+                      hidden += child->properties().flags() == Hidden ? 1 : 0;
+                  return std::to_string(dir.children(false).size()) + " " + std::to_string(hidden);
+              }),
+              "1500 500");
+}
+
 TEST_F(DirMac, HalfAMillionEntriesAreListedWhole) {
     constexpr std::size_t kEntries = 500'000;
     const test::MountedMemory memory(_folder / "many");
@@ -357,105 +344,6 @@ TEST_F(DirMac, DumpGoesOneLevelDeep) {
                   sub + " Target:" + sub +
                   "\nIsRoot: 0 Exists:1 IsAlias:0 isUnresolvedAlias:0 isLink:0 isHidden:0 "
                   "isReadOnly:0\n");
-}
-
-// ---- a child of a listing and a record of its path are the same -------------------------------
-
-/// Items of every kind, under every name and mode that matters.
-void makeEverything(const fs::path& folder, unsigned seed) {
-    std::mt19937 random(seed);
-    constexpr const char* kEndings[] = {"", ".jpg", ".app", ".desktop", ".bundle", " alias", ".h"};
-    constexpr unsigned kModes[] = {0644, 0444, 0600, 0000, 0755, 0200};
-    std::string hidden;
-    for (int i = 0; i < 400; ++i) {
-        const std::string name = (random() % 9 == 0 ? "." : "") + std::to_string(i) +
-                                 (random() % 7 == 0 ? "\u00fc \xFF" : "") +
-                                 kEndings[random() % std::size(kEndings)];
-        const fs::path item = folder / name;
-        switch (random() % 6) {
-        case 0:
-            fs::create_directory(item);
-            break;
-        case 1:
-            fs::create_symlink(std::to_string(random() % 400), item);
-            continue;
-        case 2:
-            mkfifo(item.c_str(), 0600);
-            break;
-        default:
-            test::writeFile(item, std::string(random() % 600, 'x'));
-        }
-        fs::permissions(item, fs::perms(kModes[random() % std::size(kModes)]));
-        if (random() % 3 == 0 && chown(item.c_str(), 65534, 65534) != 0)
-            throw std::runtime_error("chown");
-        if (random() % 5 == 0)
-            hidden += name + "\n";
-    }
-    test::writeFile(folder / ".hidden", hidden);
-}
-
-/// The paths of the children whose records differ from those of their paths.
-std::string differences(const std::string& path) {
-    std::string different;
-    Dir dir(path);
-    for (const Dir* child : dir.children(false)) {
-        if (!(child->properties() == FileProperties::create(child->fullPath())))
-            different += child->fullPath() + "\n";
-    }
-    return dir.children(false).empty() ? "no children" : different;
-}
-
-/// What `count` gives as the user "nobody".
-std::string asNobody(const std::function<std::string()>& ask) {
-    return test::runInChild([&] {
-        if (setgid(65534) != 0 || setuid(65534) != 0)
-            return std::string("still root");
-        return ask();
-    });
-}
-
-TEST_F(DirMac, ChildHasTheVeryRecordOfItsPath) {
-    fs::permissions(_folder.path(), fs::perms(0755));
-    makeEverything(_folder.path(), 1);
-    EXPECT_EQ(differences(path()), "");
-    EXPECT_EQ(asNobody([this] { return differences(path()); }), "");
-}
-
-TEST_F(DirMac, ChildHasTheVeryRecordOfItsPathInAFolderGivenOtherwise) {
-    makeEverything(_folder.path(), 2);
-    link("self", ".");
-    EXPECT_EQ(differences(_folder.path()), "");
-    EXPECT_EQ(differences(path() + "/self"), "");
-    EXPECT_EQ(differences("/Volumes/../Volumes/Linux" + _folder.path().string()), "");
-}
-
-TEST_F(DirMac, ChildHasTheVeryRecordOfItsPathOnAReadOnlyDisk) {
-    const test::MountedImage image(_folder / "mount", _folder.path());
-    makeEverything(image.point(), 3);
-    ASSERT_EQ(mount(nullptr, image.point().c_str(), nullptr, MS_REMOUNT | MS_RDONLY, nullptr), 0);
-    EXPECT_EQ(differences(path() + "/mount"), "");
-}
-
-TEST_F(DirMac, ChildHasTheVeryRecordOfItsPathInTheSystemsFolders) {
-    for (const char* place : {"/", "/Volumes/Linux", "/Volumes", "/Volumes/Linux/dev",
-                              "/Volumes/Linux/sys/class", "/Volumes/Linux/etc"})
-        EXPECT_EQ(differences(place), "") << place;
-}
-
-TEST_F(DirMac, KeptFoldersAreTheSameWhicheverWayTheyAreFound) {
-    makeEverything(_folder.path(), 4);
-    Dir all(path());
-    std::vector<std::string> wanted;
-    for (const Dir* child : all.children(false)) {
-        if (!child->isHidden() && (child->isDir() || child->isAlias() || child->isLink()))
-            wanted.push_back(child->fullPath());
-    }
-    Dir folders(path());
-    std::vector<std::string> found;
-    for (const Dir* child : folders.children(true))
-        found.push_back(child->fullPath());
-    EXPECT_EQ(found, wanted);
-    EXPECT_EQ(Dir(path()).containsChildren(true), !wanted.empty());
 }
 
 }  // namespace
