@@ -4,6 +4,7 @@
 #pragma once
 
 #include <CoreServices/Aliases.h>
+#include <CoreServices/FSEvents.h>
 #include <CoreServices/Files.h>
 #include <CoreServices/Finder.h>
 #include <CoreServices/LaunchServices.h>
