@@ -322,10 +322,13 @@ void FolderTracker::forgetChild(Folder parent, std::string_view name) {
 }
 
 void FolderTracker::forget(Folder top) {
+    std::size_t count = 0;
     for (const Folder folder : _store.subtree(top)) {
         const int watch = _store.watchOf(folder);
         _store.remove(folder);
         release(watch);
+        if (++count % FolderWalk::kFoldersBetweenCollections == 0)
+            _kernel->collect();
     }
 }
 

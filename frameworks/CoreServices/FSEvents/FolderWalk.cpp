@@ -15,8 +15,6 @@ namespace {
 constexpr std::size_t kRoomForEntries = 32 * 1024;
 // Every level keeps a descriptor.
 constexpr int kDeepest = 200;
-// The kernel's queue must not fill up during a long walk.
-constexpr unsigned kFoldersBetweenCollections = 256;
 
 bool isFolder(int parent, const dirent64& entry) {
     if (entry.d_type != DT_UNKNOWN)

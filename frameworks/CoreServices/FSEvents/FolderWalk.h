@@ -15,6 +15,9 @@ namespace fsevents {
 // their parents' descriptors, so that a move on the way leads nowhere else.
 class FolderWalk {
 public:
+    // The kernel's queue must not fill up while many folders are looked at.
+    static constexpr unsigned kFoldersBetweenCollections = 256;
+
     class Observer {
     public:
         virtual ~Observer() = default;

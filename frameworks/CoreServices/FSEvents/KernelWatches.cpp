@@ -51,13 +51,12 @@ void KernelWatches::remove(int watch) {
 }
 
 void KernelWatches::collect() {
+    _room.resize(kRoomPerRead);
     while (_waiting.size() < kMostWaiting) {
-        const std::size_t before = _waiting.size();
-        _waiting.resize(before + kRoomPerRead);
-        const ssize_t count = read(_descriptor, _waiting.data() + before, kRoomPerRead);
-        _waiting.resize(before + (count > 0 ? static_cast<std::size_t>(count) : 0));
+        const ssize_t count = read(_descriptor, _room.data(), _room.size());
         if (count <= 0)
             return;
+        _waiting.insert(_waiting.end(), _room.begin(), _room.begin() + count);
     }
 }
 

@@ -51,6 +51,8 @@ private:
 
     int _descriptor;
     std::vector<char> _waiting;
+    // Kept, as clearing fresh memory would cost more than reading.
+    std::vector<char> _room;
 };
 
 }  // namespace fsevents
