@@ -4,6 +4,7 @@
 #include "tools/ula/DrivesCommand.h"
 #include "tools/ula/SettingsCommand.h"
 #include "tools/ula/StandardOutput.h"
+#include "tools/ula/SystemCommand.h"
 #include "tools/ula/TimeCommand.h"
 #include "tools/ula/TrashCommand.h"
 #include "tools/ula/VolumesCommand.h"
@@ -23,6 +24,7 @@ constexpr const char* kHelp = R"(Examples:
   ula dir --sort Pictures  a folder as a folder browser sees it
   ula drives               mounted volumes: their kinds, how large and how full
   ula volumes              the start-up disk and mounted volumes by their names
+  ula system               language, release, processors, graphics and memory
   ula time *.jpg           when pictures were taken, and their files made and changed
   ula trash old.jpg        moves a file to the trash, and says where it is now
   ula settings --help      all about settings files
@@ -69,6 +71,7 @@ int main(int argc, char** argv) {
     addDirCommand(program, result);
     addDrivesCommand(program, result);
     addSettingsCommand(program, result);
+    addSystemCommand(program, result);
     addTimeCommand(program, result);
     addTrashCommand(program, result);
     addVolumesCommand(program, result);
