@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Foundation/UserLocale.h"
 
+#include <CoreFoundation/CoreFoundation.h>
 #import <Foundation/Foundation.h>
 
 #include <cstdlib>
@@ -123,6 +124,16 @@ TEST_F(CurrentLocale, HasThePreferredLanguagesOfTheEnvironment) {
     setenv("LANG", "de_AT.UTF-8", 1);
     setenv("LANGUAGE", "fr", 1);
     EXPECT_TRUE([[NSLocale preferredLanguages] isEqual:(@[ @"fr", @"de-AT" ])]);
+}
+
+TEST_F(CurrentLocale, ThatIsNoneOfTheSystemsLeavesEnglishToChoose) {
+    setenv("LANG", "tlh", 1);
+    CFArrayRef available = CFLocaleCopyAvailableLocaleIdentifiers();
+    CFArrayRef chosen = CFBundleCopyLocalizationsForPreferences(available, nullptr);
+    EXPECT_TRUE([reinterpret_cast<NSString*>(const_cast<void*>(CFArrayGetValueAtIndex(chosen, 0)))
+        isEqual:@"en"]);
+    CFRelease(chosen);
+    CFRelease(available);
 }
 
 }  // namespace
