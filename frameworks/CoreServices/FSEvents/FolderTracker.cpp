@@ -6,6 +6,7 @@
 #include <climits>
 #include <fcntl.h>
 #include <sys/inotify.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace fsevents {
@@ -252,8 +253,16 @@ void FolderTracker::handleMove(const KernelEvent& from, const KernelEvent& to) {
         _client.itemChanged(source, from.name, flagsOf(from.mask), id);
     for (const Folder target : targets)
         _client.itemChanged(target, to.name, flagsOf(to.mask), id + 1);
-    if ((from.mask & IN_ISDIR) == 0)
-        return;
+    if ((from.mask & IN_ISDIR) != 0)
+        relocateAll(from, to, sources, std::move(targets));
+    for (const Folder source : sources)
+        if (_store.watchOf(source) == from.watch)
+            tellWhatIsStillThere(source, from);
+}
+
+// From each tree into itself, as far as it has both ends.
+void FolderTracker::relocateAll(const KernelEvent& from, const KernelEvent& to,
+                                const std::vector<Folder>& sources, std::vector<Folder> targets) {
     for (const Folder source : sources) {
         const auto target = std::find_if(targets.begin(), targets.end(), [&](Folder candidate) {
             return _store.treeOf(candidate) == _store.treeOf(source);
@@ -267,6 +276,18 @@ void FolderTracker::handleMove(const KernelEvent& from, const KernelEvent& to) {
     }
     for (const Folder target : targets)
         adopt(target, to.name);
+}
+
+// Two items may have changed places, which the kernel tells as two moves.
+void FolderTracker::tellWhatIsStillThere(Folder folder, const KernelEvent& from) {
+    struct stat item {};
+    if (lstat((pathOf(folder) + "/").append(from.name).c_str(), &item) != 0)
+        return;
+    const bool isFolder = S_ISDIR(item.st_mode);
+    _client.itemChanged(folder, from.name, kFSEventStreamEventFlagItemCreated | kindOf(isFolder),
+                        _client.nextEventIds(1));
+    if (isFolder)
+        adopt(folder, from.name);
 }
 
 // The kernel's watches move with the folders. Where it is not certain that this is the folder that

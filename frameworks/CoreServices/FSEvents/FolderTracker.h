@@ -69,7 +69,10 @@ private:
     void handleOn(Folder folder, const KernelEvent& event, FSEventStreamEventId id);
     void handleMove(const KernelEvent& from, const KernelEvent& to);
     void handleGuarded(const KernelEvent& event);
+    void relocateAll(const KernelEvent& from, const KernelEvent& to,
+                     const std::vector<Folder>& sources, std::vector<Folder> targets);
     void relocate(Folder source, std::string_view oldName, Folder target, std::string_view newName);
+    void tellWhatIsStillThere(Folder folder, const KernelEvent& from);
     void adopt(Folder parent, std::string_view name, bool tellContent = true);
     void forgetChild(Folder parent, std::string_view name);
     void forget(Folder top);
