@@ -234,6 +234,13 @@ void FolderTracker::handleOn(Folder folder, const KernelEvent& event, FSEventStr
             _client.itemChanged(folder, {}, flagsOf(event.mask | IN_ISDIR), id);
         return;
     }
+    handleItem(folder, event, id);
+    // Two items may have changed places, which the kernel tells as two moves.
+    if ((event.mask & IN_MOVED_FROM) != 0)
+        tellIfThere(folder, event.name);
+}
+
+void FolderTracker::handleItem(Folder folder, const KernelEvent& event, FSEventStreamEventId id) {
     const bool isFolder = (event.mask & IN_ISDIR) != 0;
     // A folder was found at its place before this was handled: it comes later.
     if (!isFolder && (event.mask & (IN_CREATE | IN_DELETE | IN_MOVE)) != 0)
@@ -295,7 +302,7 @@ void FolderTracker::followMove(const Move& move, const KernelEvent& from, const 
         relocate(move.source, from.name, move.target, to.name);
     else
         forgetChild(move.target, to.name);
-    // Two items may have changed places, which the kernel tells as two moves.
+    // As for a single end.
     if (_store.watchOf(move.source) == from.watch)
         tellIfThere(move.source, from.name);
 }

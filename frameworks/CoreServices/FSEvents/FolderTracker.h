@@ -72,6 +72,7 @@ private:
     void handle(const std::vector<KernelEvent>& events);
     void handleSingle(const KernelEvent& event);
     void handleOn(Folder folder, const KernelEvent& event, FSEventStreamEventId id);
+    void handleItem(Folder folder, const KernelEvent& event, FSEventStreamEventId id);
     void handleGuarded(const KernelEvent& event);
     void handleMove(const KernelEvent& from, const KernelEvent& to);
     void tellMoves(const std::vector<Move>& moves, const KernelEvent& from, const KernelEvent& to);
