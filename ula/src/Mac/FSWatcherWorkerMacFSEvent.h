@@ -50,6 +50,7 @@ private:
     void rebuildStream();
     void buildStream();
     void tearDownStream();
+    void releasePaths();
 
     FSEventStreamRef _streamRef = nullptr;
     CFArrayRef _currentPaths = nullptr;

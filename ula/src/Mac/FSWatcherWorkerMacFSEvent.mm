@@ -55,6 +55,7 @@ FSWatcherWorkerMacFSEvent::~FSWatcherWorkerMacFSEvent() {
     }
     const ScopedARPool pool;
     tearDownStream();
+    releasePaths();
 }
 
 bool FSWatcherWorkerMacFSEvent::start(const std::string& path) {
@@ -123,6 +124,7 @@ void FSWatcherWorkerMacFSEvent::rebuildStream() {
 void FSWatcherWorkerMacFSEvent::buildStream() {
     if (_streamRef != nullptr || _currentPaths != nullptr)
         debug::assertionFailed(kSource, 176, "_streamRef == NULL && _currentPaths == NULL");
+    releasePaths();
     _currentPaths = createPaths(roots());
     FSEventStreamContext context{};
     context.info = this;
@@ -135,16 +137,21 @@ void FSWatcherWorkerMacFSEvent::buildStream() {
     FSEventStreamStart(_streamRef);
 }
 
+void FSWatcherWorkerMacFSEvent::releasePaths() {
+    if (_currentPaths == nullptr)
+        return;
+    for (CFIndex i = 0; i < CFArrayGetCount(_currentPaths); ++i)
+        CFRelease(CFArrayGetValueAtIndex(_currentPaths, i));
+    CFRelease(_currentPaths);
+    _currentPaths = nullptr;
+}
+
 void FSWatcherWorkerMacFSEvent::tearDownStream() {
     if (_streamRef == nullptr)
         return;
     if (_currentPaths == nullptr)
         debug::assertionFailed(kSource, 155, "_currentPaths != NULL");
-    for (CFIndex i = 0; _currentPaths != nullptr && i < CFArrayGetCount(_currentPaths); ++i)
-        CFRelease(CFArrayGetValueAtIndex(_currentPaths, i));
-    if (_currentPaths != nullptr)
-        CFRelease(_currentPaths);
-    _currentPaths = nullptr;
+    releasePaths();
     FSEventStreamRef const stream = std::exchange(_streamRef, nullptr);
     FSEventStreamStop(stream);
     FSEventStreamInvalidate(stream);
