@@ -7,6 +7,8 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <map>
+#include <poll.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <thread>
@@ -216,6 +218,17 @@ TEST_F(KernelQueues, WaitEndsWhenAnotherThreadHasReadTheEvent) {
     other.join();
 }
 
+TEST_F(KernelQueues, QueueIsReadableWhenThereIsAnEvent) {
+    OpenItem item(folder / "a");
+    ASSERT_EQ(queue.add(item), 0);
+    pollfd wait{queue.descriptor, POLLIN, 0};
+    EXPECT_EQ(poll(&wait, 1, 0), 0);
+    touch("a");
+    EXPECT_EQ(poll(&wait, 1, 30'000), 1);
+    EXPECT_EQ(queue.notes(), static_cast<unsigned>(NOTE_ATTRIB));
+    EXPECT_EQ(poll(&wait, 1, 0), 0);
+}
+
 TEST_F(KernelQueues, WaitEndsWithTheTimeout) {
     const timespec timeout{0, 20'000'000};
     EXPECT_EQ(queue.next(timeout).ident, 0u);
@@ -241,16 +254,39 @@ TEST_F(KernelQueues, NumberOfAClosedQueueBelongsToTheNextOne) {
     close(first);
 }
 
-TEST_F(KernelQueues, QueuesBeyondTheLimitAreRefused) {
-    rlimit limit{};
-    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &limit), 0);
-    const rlimit none{0, limit.rlim_max};
-    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
-    const int refused = kqueue();
-    const int error = errno;
-    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &limit), 0);
-    EXPECT_EQ(refused, -1);
-    EXPECT_EQ(error, EMFILE);
+/// For a while the process may open nothing.
+class NoDescriptors {
+public:
+    NoDescriptors() {
+        EXPECT_EQ(getrlimit(RLIMIT_NOFILE, &_before), 0);
+        const rlimit none{0, _before.rlim_max};
+        EXPECT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
+    }
+    ~NoDescriptors() { EXPECT_EQ(setrlimit(RLIMIT_NOFILE, &_before), 0); }
+    NoDescriptors(const NoDescriptors&) = delete;
+    NoDescriptors& operator=(const NoDescriptors&) = delete;
+
+private:
+    rlimit _before{};
+};
+
+TEST_F(KernelQueues, QueueBeyondTheLimitOfDescriptorsIsRefused) {
+    const NoDescriptors limit;
+    EXPECT_EQ(kqueue(), -1);
+    EXPECT_EQ(errno, EMFILE);
+}
+
+TEST_F(KernelQueues, ItemThatCannotBeLetGoIsRefusedAndMayBeAddedLater) {
+    OpenItem item(folder / "a");
+    {
+        const NoDescriptors limit;
+        EXPECT_EQ(queue.add(item), EMFILE);
+    }
+    touch("a");
+    EXPECT_EQ(queue.notes(), 0u);
+    ASSERT_EQ(queue.add(item), 0);
+    touch("a");
+    EXPECT_EQ(queue.notes(), static_cast<unsigned>(NOTE_ATTRIB));
 }
 
 TEST_F(KernelQueues, ForkedChildHasNoQueueOfItsParents) {
