@@ -11,11 +11,6 @@
 
 namespace {
 
-std::string variable(const char* name) {
-    const char* const value = std::getenv(name);
-    return value == nullptr ? "" : value;
-}
-
 bool isUsable(const std::string& path) {
     struct stat item {};
     return path[0] == '/' && stat(path.c_str(), &item) == 0 && S_ISDIR(item.st_mode) &&
@@ -33,21 +28,18 @@ bool isPrivate(const std::string& path) {
 // as the folder stays what it is.
 NSString* directoryOfGNUstep() {
     static std::mutex mutex;
-    static auto* const knownFor = new std::string;
     static auto* const known = new std::string;
-    const std::string variables = variable("TEMP") + '\n' + variable("TMP");
     const std::lock_guard lock(mutex);
-    if (known->empty() || variables != *knownFor || !isPrivate(*known)) {
+    if (known->empty() || !isPrivate(*known))
         *known = [NSTemporaryDirectory() UTF8String];
-        *knownFor = variables;
-    }
     return [NSString stringWithUTF8String:known->c_str()];
 }
 
 }  // namespace
 
 NSString* ULATemporaryDirectory() {
-    std::string path = variable("TMPDIR");
+    const char* const variable = std::getenv("TMPDIR");
+    std::string path = variable == nullptr ? "" : variable;
     while (path.size() > 1 && path.back() == '/')
         path.pop_back();
     NSString* const text = isUsable(path) ? [NSString stringWithUTF8String:path.c_str()] : nil;
