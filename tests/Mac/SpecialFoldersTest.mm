@@ -6,6 +6,7 @@
 #include "ula/ModuleMac.h"
 #include "ula/ScopedARPool.h"
 
+#include "tests/support/ChildProcess.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -196,6 +197,19 @@ TEST_F(SpecialFolder, PreferencesAreGivenAndLoggedAtEveryCall) {
 TEST_F(SpecialFolder, ComposedOnesAreNotTidied) {
     setenv("HOME", "/", 1);
     EXPECT_EQ(text(SpecialFolders::myApplicationData()), "//Library/Application Support");
+}
+
+// As in a container that was given a user's number only. Needs root: changes the user of a child.
+TEST_F(SpecialFolder, UserWhomNobodyKnowsGetsAnswersToo) {
+    const std::string answers = test::runInChild([] {
+        unsetenv("HOME");
+        if (setgid(54321) != 0 || setuid(54321) != 0)
+            return std::string("the child is still root");
+        const bool hasTemporary = fs::is_directory(text(SpecialFolders::tempPath()));
+        return text(SpecialFolders::home()) + (hasTemporary ? " and " : " without ") +
+               text(SpecialFolders::myApplicationData());
+    });
+    EXPECT_EQ(answers, "/ and //Library/Application Support");
 }
 
 TEST_F(SpecialFolder, NullModuleIsTheMainBundle) {
