@@ -130,6 +130,15 @@ COMPARISONS = [
     ("read a shooting date strictly", "readDateStrictly/ula", "readDate/fixed chrono", [""], None),
     ("read a shooting date strictly", "readDateStrictly/ula", "readDate/strptime", [""], None),
     ("the same with zone, to UTC", "readDateWithZone/ula", "readDate/strptime", [""], None),
+    ("write to being told, half below", "watchDelay.p50/ula", "watchDelay.p50/polled inotify", [""], 1.1),
+    ("write to being told, half below", "watchDelay.p50/ula", "watchDelay.p50/inotify", [""], None),
+    ("write to being told, half below", "watchDelay.p50/ula", "watchDelay.p50/QFileSystemWatcher", [""], None),
+    ("write to being told, half below", "watchDelay.p50/ula", "watchDelay.p50/GFileMonitor", [""], None),
+    ("write to being told, longest", "watchDelay.p99/ula", None, [""], 105e6),
+    ("a second of 1,000 idle watches", "watchIdle/ula", None, ["1000"], 2e6),
+    ("a second of 1,000 idle watches", "watchIdle/ula", "watchIdle/polled inotify", ["1000"], None),
+    ("a second of 1,000 idle watches", "watchIdle/ula", "watchIdle/QFileSystemWatcher", ["1000"], None),
+    ("a second of 1,000 idle watches", "watchIdle/ula", "watchIdle/GFileMonitor", ["1000"], None),
     ("sort names, comparing", "sortNames/ula compare", "sortNames/ICU compare", ["100000"], None),
 ]
 
@@ -137,7 +146,8 @@ COMPARISONS = [
 def amount(entry):
     """What the benchmark is about: a counter, or else nanoseconds: of the processor, which a busy
     machine disturbs less, but of the clock where a disk is waited for."""
-    for counter in ("bytes_per_key", "bytes_per_job", "allocations_per_call", "ns_per_job"):
+    for counter in ("bytes_per_key", "bytes_per_job", "allocations_per_call", "ns_per_job",
+                    "ns_per_second"):
         if counter in entry:
             return entry[counter]
     clock = "real_time" if entry["name"].startswith("replace") else "cpu_time"
@@ -207,6 +217,8 @@ def size_label(name, size):
         return size + " ms"
     if name.startswith(("children", "folders", "contains")):
         return KEYS[size] + " entries"
+    if name.startswith("watch"):
+        return KEYS[size] + " files" if size else ""
     if name.startswith("compareNames"):
         return ["drawn at random", "neighbours"][int(size)]
     if name.startswith("sortNames"):

@@ -9,6 +9,7 @@
 #include "tools/ula/TrashCommand.h"
 #include "tools/ula/VolumesCommand.h"
 #include "tools/ula/Warnings.h"
+#include "tools/ula/WatchCommand.h"
 
 #include <CLI/CLI.hpp>
 #include <cstdio>
@@ -27,6 +28,7 @@ constexpr const char* kHelp = R"(Examples:
   ula volumes              the start-up disk and mounted volumes by their names
   ula time *.jpg           when pictures were taken, and their files made and changed
   ula trash old.jpg        moves a file to the trash, and says where it is now
+  ula watch -r Pictures    what changes in a tree, live
   ula settings --help      all about settings files
   ula settings x set --help    all about storing values
 
@@ -75,6 +77,7 @@ int main(int argc, char** argv) {
     addTimeCommand(program, result);
     addTrashCommand(program, result);
     addVolumesCommand(program, result);
+    addWatchCommand(program, result);
     std::vector<std::string> arguments;
     for (int i = 1; i < argc; ++i)
         arguments.push_back(protectArgument(argv[i]));
