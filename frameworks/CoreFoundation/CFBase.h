@@ -25,6 +25,7 @@ typedef unsigned char Boolean;
 typedef uint8_t UInt8;
 typedef int32_t SInt32;
 typedef uint32_t UInt32;
+typedef uint64_t UInt64;
 typedef uint16_t UniChar;
 
 typedef signed long CFIndex;
