@@ -3,12 +3,9 @@
 
 #include "CFOwner.h"
 #import "ula/ObjCHelper.h"
-#include "ula/foundation/filesystem/DurableFile.h"
-#include "ula/foundation/filesystem/FileSystem.h"
 
 #include <cerrno>
 #include <cstring>
-#include <string_view>
 #include <sys/stat.h>
 
 namespace tav::ula {
@@ -63,25 +60,6 @@ NSDictionary* dictionaryOf(NSData* bytes, std::string& error) {
     return nil;
 }
 
-bool holdsGroups(NSDictionary* root) {
-    for (id name in root)
-        if (![[root objectForKey:name] isKindOfClass:[NSDictionary class]])
-            return false;
-    return [root count] != 0;
-}
-
-/// Whether the file at the path is one that a user may want back.
-bool isWorthABackup(const std::string& path, NSData* replacement) {
-    std::string ignored;
-    NSData* const old = readBytes(path, ignored);
-    return old != nil && ![old isEqualToData:replacement] &&
-           holdsGroups(dictionaryOf(old, ignored));
-}
-
-std::string_view viewOf(NSData* bytes) {
-    return {static_cast<const char*>([bytes bytes]), [bytes length]};
-}
-
 }  // namespace
 
 NSDictionary* loadPropertyList(const std::string& path, std::string& error) {
@@ -92,26 +70,11 @@ NSDictionary* loadPropertyList(const std::string& path, std::string& error) {
     return root;
 }
 
-bool savePropertyList(NSDictionary* root, const std::string& path, bool keepBackup,
-                      std::string& error) {
-    CFOwner<CFErrorRef> reason;
-    const CFOwner<CFDataRef> made(CFPropertyListCreateData(
-        kCFAllocatorDefault, root, kCFPropertyListXMLFormat_v1_0, 0, reason.receive()));
-    if (!made) {
-        error = path + ": " + takeReason(reason);
-        return false;
-    }
-    NSData* const bytes = reinterpret_cast<NSData*>(const_cast<__CFData*>(made.get()));
-    const FastString file(path);
-    [[NSFileManager defaultManager]
-              createDirectoryAtPath:pathOf(filesystem::parentPath(file).toStdString())
-        withIntermediateDirectories:YES
-                         attributes:nil
-                              error:nullptr];
-    filesystem::DurableFileOptions options;
-    if (keepBackup && isWorthABackup(path, bytes))
-        options.keepOldAs = filesystem::leaf(file).toStdString() + ".bak";
-    return filesystem::replaceFileDurably(file, viewOf(bytes), options, &error);
+bool holdsGroups(NSDictionary* root) {
+    for (id name in root)
+        if (![[root objectForKey:name] isKindOfClass:[NSDictionary class]])
+            return false;
+    return [root count] != 0;
 }
 
 }  // namespace tav::ula
