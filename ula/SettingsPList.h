@@ -39,8 +39,10 @@ public:
     /// cannot carry.
     bool write() override;
 
-    /// The path of the user's or of the machine's file.
+    /// The path of the user's or of the machine's file; of any application's without an object.
     std::string buildFileName(bool userScope) const;
+    static std::string fileName(const FastString& appName, const FastString& company,
+                                bool userScope);
 
     /// Why the last `read` or `write` failed; empty after a success.
     const std::string& lastError() const { return _lastError; }

@@ -63,8 +63,13 @@ SettingsPList::~SettingsPList() {
 }
 
 std::string SettingsPList::buildFileName(bool userScope) const {
-    const std::string path = "/Library/Preferences/com." + _company.toStdString() + "." +
-                             _appName.toStdString() + ".plist";
+    return fileName(_appName, _company, userScope);
+}
+
+std::string SettingsPList::fileName(const FastString& appName, const FastString& company,
+                                    bool userScope) {
+    const std::string path = "/Library/Preferences/com." + company.toStdString() + "." +
+                             appName.toStdString() + ".plist";
     return userScope ? SpecialFolders::home().toStdString() + path : path;
 }
 
