@@ -104,12 +104,14 @@ bool SettingsPList::write() {
 
 bool SettingsPList::readFile(const std::string& path, GroupMap& settings, std::string& error) {
     settings.clear();
+    error.clear();
     return readPropertyListQuickly(path, settings) || readWithPlatform(path, settings, error);
 }
 
 bool SettingsPList::writeFile(const std::string& path, const GroupMap& settings, bool keepBackup,
                               std::string& error) {
     std::string text;
+    error.clear();
     try {
         xml::XmlOutput output([&](std::string_view piece) { text += piece; });
         writePropertyList(settings, output);
