@@ -168,11 +168,13 @@ Object makeBase64Data(std::string_view text, ObjectFactory& factory) {
     std::string bytes;
     std::uint32_t bits = 0;
     int count = 0;
+    bool isPadded = false;
     for (const char byte : text) {
+        isPadded = isPadded || byte == '=';
         if (isBlank(byte) || byte == '=')
             continue;
         const int digit = base64Digit(byte);
-        if (digit < 0)
+        if (digit < 0 || isPadded)
             return nullptr;
         bits = (bits << 6) | static_cast<std::uint32_t>(digit);
         count += 6;

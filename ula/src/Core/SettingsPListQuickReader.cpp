@@ -67,17 +67,15 @@ private:
     char* _end;
 };
 
-/// A document type with declarations of its own is not for this reader.
+/// The document type is one of the two that lists have had.
 bool QuickReader::skipProlog() {
     if (!takeHere(xml::XmlWriter::kDeclaration) && rest().starts_with("<?"))
         return false;
-    if (!take("<!DOCTYPE plist "))
+    if (!take("<!DOCTYPE plist PUBLIC \"-//Apple"))
         return true;
-    const std::size_t end = rest().find_first_of(">[");
-    if (end == std::string_view::npos || rest()[end] == '[')
-        return false;
-    _next += end + 1;
-    return true;
+    takeHere(" Computer");
+    return takeHere("//DTD PLIST 1.0//EN\" "
+                    "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">");
 }
 
 bool QuickReader::readGroups(SettingsBase::GroupMap& settings) {
