@@ -11,6 +11,8 @@
 #include <CoreFoundation/CFRunLoop.h>
 #include <CoreFoundation/CFString.h>
 
+#include <stddef.h>
+
 CF_EXTERN_C_BEGIN
 
 typedef UInt64 FSEventStreamEventId;
@@ -44,9 +46,9 @@ enum : FSEventStreamEventFlags {
     /// the old path, the second the new one. A single one is a move in or out.
     kFSEventStreamEventFlagItemRenamed = 0x800,
     kFSEventStreamEventFlagItemModified = 0x1000,
+    /// Everything that is no folder.
     kFSEventStreamEventFlagItemIsFile = 0x10000,
     kFSEventStreamEventFlagItemIsDir = 0x20000,
-    kFSEventStreamEventFlagItemIsSymlink = 0x40000,
 };
 
 typedef struct __FSEventStream* FSEventStreamRef;
@@ -61,8 +63,9 @@ typedef struct {
 } FSEventStreamContext;
 
 /// `eventPaths` is an array of `numEvents` C strings in the bytes of the file system. They begin
-/// with a root as the stream was given it; those of folders end with a slash. Owner: the stream,
-/// for the time of the call.
+/// with a root as the stream was given it. Folders in which something has changed, or which are to
+/// be scanned, end with a slash; roots that have changed and single items do not. Owner: the
+/// stream, for the time of the call.
 typedef void (*FSEventStreamCallback)(ConstFSEventStreamRef stream, void* info, size_t numEvents,
                                       void* eventPaths, const FSEventStreamEventFlags* eventFlags,
                                       const FSEventStreamEventId* eventIds);
@@ -88,7 +91,7 @@ CF_EXPORT void FSEventStreamUnscheduleFromRunLoop(FSEventStreamRef stream, CFRun
 CF_EXPORT Boolean FSEventStreamStart(FSEventStreamRef stream);
 /// Nothing is told after this has returned, except by a call-back in progress on another thread.
 CF_EXPORT void FSEventStreamStop(FSEventStreamRef stream);
-/// Unschedules for ever.
+/// Unschedules for ever. Needed before the last release: a stream that is scheduled lives on.
 CF_EXPORT void FSEventStreamInvalidate(FSEventStreamRef stream);
 /// Tells, in the calling thread, what has happened up to this call.
 CF_EXPORT void FSEventStreamFlushSync(FSEventStreamRef stream);

@@ -1,0 +1,278 @@
+// SPDX-License-Identifier: MIT
+#include "EventCollector.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <cstring>
+#include <poll.h>
+#include <pthread.h>
+#include <sys/eventfd.h>
+#include <system_error>
+#include <thread>
+#include <unistd.h>
+
+namespace fsevents {
+
+namespace {
+
+// A stream that is stopped so that another one takes its place hands over what it had not told.
+constexpr auto kTakeOverWithin = std::chrono::milliseconds(50);
+// Folders stay watched for a moment: whoever replaces a stream needs them again at once.
+constexpr auto kKeptUnused = std::chrono::seconds(1);
+
+// Signals are for the threads of the application.
+class SignalsBlocked {
+public:
+    SignalsBlocked() {
+        sigset_t all;
+        sigfillset(&all);
+        pthread_sigmask(SIG_SETMASK, &all, &_before);
+    }
+    ~SignalsBlocked() { pthread_sigmask(SIG_SETMASK, &_before, nullptr); }
+
+private:
+    sigset_t _before;
+};
+
+}  // namespace
+
+// Never destroyed: its thread may run until the very end.
+EventCollector& EventCollector::ofProcess() {
+    static auto* const collector = new EventCollector;
+    return *collector;
+}
+
+// Run loops have fork handlers, too. Those that are registered later lock first, and the
+// collector's lock is always taken before a run loop's.
+EventCollector::EventCollector() {
+    CFRunLoopGetMain();
+    pthread_atfork(prepareFork, continueParent, continueChild);
+}
+
+void EventCollector::prepareFork() {
+    ofProcess()._mutex.lock();
+}
+
+void EventCollector::continueParent() {
+    ofProcess()._mutex.unlock();
+}
+
+// The child has no thread that collects, and shares the kernel's queue with its parent: it leaves
+// both alone. Its streams are stopped; those that it starts itself work.
+void EventCollector::continueChild() {
+    EventCollector& collector = ofProcess();
+    if (collector._tracker)
+        collector._tracker->kernel().abandon();
+    collector._tracker.reset();
+    collector._mounts.reset();
+    if (collector._wakeDescriptor >= 0)
+        close(collector._wakeDescriptor);
+    collector._wakeDescriptor = -1;
+    collector._isRunning = false;
+    collector._trees.clear();
+    for (EventStream* stream : std::exchange(collector._streams, {}))
+        stream->setStarted(false);
+    collector._predecessor.reset();
+    collector._mutex.unlock();
+}
+
+bool EventCollector::start(EventStream& stream) {
+    std::lock_guard lock(_mutex);
+    if (stream.isStarted())
+        return true;
+    if (!ensureRunning())
+        return false;
+    drain();
+    stream.retain();
+    stream.setStarted(true);
+    _streams.push_back(&stream);
+    takeOverFromPredecessor(stream);
+    for (const std::string& root : stream.roots())
+        _trees[treeFor(root)]->streams.push_back(&stream);
+    if (stream.wantsHistory()) {
+        stream.collapse(nextEventIds(1));
+        stream.record("", kFSEventStreamEventFlagHistoryDone, nextEventIds(1));
+    }
+    // The kernel will not tell the thread of what the walk has collected.
+    drain();
+    wake();
+    return true;
+}
+
+void EventCollector::stop(EventStream& stream) {
+    std::lock_guard lock(_mutex);
+    if (!stream.isStarted())
+        return;
+    stream.setStarted(false);
+    std::erase(_streams, &stream);
+    endPredecessor();
+    _predecessor = {&stream, std::this_thread::get_id(), Clock::now()};
+    wake();
+}
+
+void EventCollector::takeOverFromPredecessor(EventStream& stream) {
+    if (_predecessor && _predecessor->thread == std::this_thread::get_id() &&
+        Clock::now() - _predecessor->stoppedAt < kTakeOverWithin)
+        stream.takeOver(*_predecessor->stream);
+    endPredecessor();
+}
+
+void EventCollector::endPredecessor() {
+    if (!_predecessor)
+        return;
+    EventStream* const stream = _predecessor->stream;
+    _predecessor.reset();
+    detach(*stream);
+    stream->release();
+}
+
+void EventCollector::detach(EventStream& stream) {
+    for (const auto& tree : _trees)
+        if (tree && std::erase(tree->streams, &stream) != 0)
+            tree->unusedSince = Clock::now();
+}
+
+std::vector<Event> EventCollector::take(EventStream& stream) {
+    std::lock_guard lock(_mutex);
+    return stream.takePending();
+}
+
+std::vector<Event> EventCollector::takeUpToDate(EventStream& stream) {
+    std::lock_guard lock(_mutex);
+    if (!stream.isStarted())
+        return {};
+    drain();
+    wake();
+    return stream.takePending();
+}
+
+void EventCollector::flushSoon(EventStream& stream) {
+    std::lock_guard lock(_mutex);
+    if (!stream.isStarted())
+        return;
+    drain();
+    stream.hurry();
+    wake();
+}
+
+bool EventCollector::ensureRunning() {
+    if (_isRunning)
+        return true;
+    std::unique_ptr<KernelWatches> kernel = KernelWatches::open();
+    if (!kernel) {
+        fprintf(stderr, "FSEvents: nothing can be watched: %s%s\n", strerror(errno),
+                errno == EMFILE ? "; raise fs.inotify.max_user_instances, or let go of files" : "");
+        return false;
+    }
+    _wakeDescriptor = eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC);
+    _tracker = std::make_unique<FolderTracker>(std::move(kernel), client());
+    _mounts = std::make_unique<MountChanges>();
+    try {
+        launchThread();
+    } catch (const std::system_error& error) {
+        fprintf(stderr, "FSEvents: nothing can be watched: %s\n", error.what());
+        _tracker.reset();
+        return false;
+    }
+    _isRunning = true;
+    return true;
+}
+
+void EventCollector::launchThread() {
+    const SignalsBlocked blocked;
+    std::thread([this] { run(); }).detach();
+}
+
+void EventCollector::wake() {
+    const uint64_t one = 1;
+    [[maybe_unused]] const ssize_t written = write(_wakeDescriptor, &one, sizeof one);
+}
+
+void EventCollector::run() {
+    pthread_setname_np(pthread_self(), "fsevents");
+    std::unique_lock lock(_mutex);
+    for (;;) {
+        drain();
+        const Clock::time_point next = std::min(tellStreams(), dropUnused());
+        if (_trees.empty() && _streams.empty())
+            break;
+        wait(lock, next);
+    }
+    _tracker.reset();
+    _mounts.reset();
+    close(_wakeDescriptor);
+    _wakeDescriptor = -1;
+    _isRunning = false;
+}
+
+void EventCollector::wait(std::unique_lock<std::mutex>& lock, Clock::time_point until) {
+    using std::chrono::ceil;
+    using std::chrono::milliseconds;
+    int timeoutMs = -1;
+    if (until != Clock::time_point::max())
+        timeoutMs = static_cast<int>(
+            std::max(ceil<milliseconds>(until - Clock::now()), milliseconds(0)).count());
+    pollfd descriptors[] = {{_wakeDescriptor, POLLIN, 0},
+                            {_tracker->kernel().descriptor(), POLLIN, 0},
+                            {_mounts->descriptor(), POLLPRI, 0}};
+    lock.unlock();
+    poll(descriptors, std::size(descriptors), timeoutMs);
+    lock.lock();
+    uint64_t count = 0;
+    [[maybe_unused]] const ssize_t size = read(_wakeDescriptor, &count, sizeof count);
+}
+
+// When the next of them is to be told.
+EventCollector::Clock::time_point EventCollector::tellStreams() {
+    Clock::time_point next = Clock::time_point::max();
+    const Clock::time_point now = Clock::now();
+    for (EventStream* stream : _streams) {
+        const Clock::time_point due = stream->due();
+        if (due <= now)
+            stream->tellRunLoop();
+        else
+            next = std::min(next, due);
+    }
+    return next;
+}
+
+// When the next of them will have been unused for long enough.
+EventCollector::Clock::time_point EventCollector::dropUnused() {
+    Clock::time_point next = Clock::time_point::max();
+    const Clock::time_point now = Clock::now();
+    if (_predecessor && _predecessor->stoppedAt + kTakeOverWithin <= now)
+        endPredecessor();
+    else if (_predecessor)
+        next = _predecessor->stoppedAt + kTakeOverWithin;
+    for (uint32_t number = 0; number < _trees.size(); ++number) {
+        const auto& tree = _trees[number];
+        if (!tree || !tree->streams.empty())
+            continue;
+        if (tree->unusedSince + kKeptUnused <= now)
+            closeTree(number);
+        else
+            next = std::min(next, tree->unusedSince + kKeptUnused);
+    }
+    while (!_trees.empty() && !_trees.back())
+        _trees.pop_back();
+    return next;
+}
+
+void EventCollector::drain() {
+    drainKernel();
+    handleMounts();
+    checkRoots();
+    if (std::exchange(_hasLostTrack, false))
+        recover();
+}
+
+void EventCollector::drainKernel() {
+    do {
+        _tracker->kernel().collect();
+        _tracker->handleWaiting();
+    } while (!_tracker->kernel().isEmpty() && !_hasLostTrack);
+}
+
+}  // namespace fsevents

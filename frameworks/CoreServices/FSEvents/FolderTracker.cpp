@@ -1,0 +1,341 @@
+// SPDX-License-Identifier: MIT
+#include "FolderTracker.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <climits>
+#include <fcntl.h>
+#include <sys/inotify.h>
+#include <unistd.h>
+
+namespace fsevents {
+
+namespace {
+
+// Both ends of a move are told in one go; this is for the moment between the two.
+constexpr int kMoveEndTimeoutMs = 10;
+
+FSEventStreamEventFlags kindOf(bool isFolder) {
+    return isFolder ? kFSEventStreamEventFlagItemIsDir : kFSEventStreamEventFlagItemIsFile;
+}
+
+FSEventStreamEventFlags flagsOf(uint32_t mask) {
+    FSEventStreamEventFlags flags = kindOf((mask & IN_ISDIR) != 0);
+    if ((mask & IN_CREATE) != 0)
+        flags |= kFSEventStreamEventFlagItemCreated;
+    if ((mask & IN_DELETE) != 0)
+        flags |= kFSEventStreamEventFlagItemRemoved;
+    if ((mask & IN_ATTRIB) != 0)
+        flags |= kFSEventStreamEventFlagItemInodeMetaMod;
+    if ((mask & IN_MODIFY) != 0)
+        flags |= kFSEventStreamEventFlagItemModified;
+    if ((mask & IN_MOVE) != 0)
+        flags |= kFSEventStreamEventFlagItemRenamed;
+    return flags;
+}
+
+// A path may be longer than the kernel takes at once.
+int openFolderAt(const std::string& path, bool followsLast) {
+    const int flags = O_RDONLY | O_DIRECTORY | O_NONBLOCK | O_CLOEXEC;
+    int at = AT_FDCWD;
+    std::string rest = path;
+    while (rest.size() >= PATH_MAX) {
+        const std::size_t cut = rest.rfind('/', PATH_MAX - 2);
+        const int next = openat(at, rest.substr(0, cut).c_str(), flags);
+        const int error = errno;
+        if (at >= 0)
+            close(at);
+        errno = error;
+        if (next < 0)
+            return -1;
+        at = next;
+        rest.erase(0, cut + 1);
+    }
+    const int result = openat(at, rest.c_str(), flags | (followsLast ? 0 : O_NOFOLLOW));
+    const int error = errno;
+    if (at >= 0)
+        close(at);
+    errno = error;
+    return result;
+}
+
+}  // namespace
+
+class FolderTracker::Opened {
+public:
+    explicit Opened(int descriptor) : _descriptor(descriptor) {}
+    Opened(const Opened&) = delete;
+    Opened& operator=(const Opened&) = delete;
+    ~Opened() {
+        if (_descriptor >= 0)
+            close(_descriptor);
+    }
+    int get() const { return _descriptor; }
+    explicit operator bool() const { return _descriptor >= 0; }
+
+private:
+    int _descriptor;
+};
+
+FolderTracker::FolderTracker(std::unique_ptr<KernelWatches> kernel, Client& client)
+    : _kernel(std::move(kernel)), _client(client) {
+}
+
+std::string FolderTracker::pathOf(Folder folder) const {
+    std::string path = _client.rootPath(_store.treeOf(folder)) + _store.pathBelowRoot(folder);
+    return path.empty() ? "/" : path;
+}
+
+Folder FolderTracker::openRoot(uint32_t tree, int* error) {
+    *error = 0;
+    const std::string& path = _client.rootPath(tree);
+    _guards.arm(tree, path, *_kernel);
+    const Opened opened(openFolderAt(path.empty() ? "/" : path, true));
+    const int watch = opened ? _kernel->addFolder(opened.get()) : -1;
+    if (watch < 0) {
+        if (errno != ENOENT && errno != ENOTDIR)
+            *error = errno;
+        return kNoFolder;
+    }
+    const Folder root = _store.addRoot(tree, watch);
+    FolderWalk(*_kernel, _store, *this).list(root, opened.get());
+    return root;
+}
+
+void FolderTracker::closeRoot(uint32_t tree, Folder root) {
+    const std::vector<int> watches = _guards.disarm(tree);
+    if (root != kNoFolder)
+        forget(root);
+    for (const int watch : watches)
+        release(watch);
+}
+
+bool FolderTracker::leadsTo(uint32_t tree, Folder root) {
+    const std::string& path = _client.rootPath(tree);
+    const Opened opened(openFolderAt(path.empty() ? "/" : path, true));
+    if (!opened)
+        return false;
+    const int watch = _kernel->addFolder(opened.get());
+    release(watch);
+    return watch == _store.watchOf(root);
+}
+
+// The folder, open; nothing when its path leads to another one. An event that is still to come
+// says then where it is, and it is looked at again.
+FolderTracker::Opened FolderTracker::open(Folder folder) {
+    const int descriptor = openFolderAt(pathOf(folder), _store.isRoot(folder));
+    if (descriptor < 0) {
+        if (errno == ENOENT || errno == ENOTDIR || errno == ELOOP)
+            _store.setIncomplete(folder, true);
+        else
+            _client.notFollowed(folder, {}, errno);
+        return Opened(-1);
+    }
+    const int watch = _kernel->addFolder(descriptor);
+    if (watch == _store.watchOf(folder))
+        return Opened(descriptor);
+    release(watch);
+    close(descriptor);
+    _store.setIncomplete(folder, true);
+    return Opened(-1);
+}
+
+void FolderTracker::adopt(Folder parent, std::string_view name, bool tellContent) {
+    const Opened opened = open(parent);
+    if (!opened)
+        return;
+    _tellsFound = tellContent;
+    FolderWalk(*_kernel, _store, *this).enter(parent, opened.get(), name);
+    _tellsFound = false;
+}
+
+void FolderTracker::found(Folder folder, std::string_view name, bool isFolder) {
+    if (_tellsFound)
+        _client.itemChanged(folder, name, kFSEventStreamEventFlagItemCreated | kindOf(isFolder),
+                            _client.nextEventIds(1));
+}
+
+void FolderTracker::refresh(Folder root, std::string_view pathBelowRoot) {
+    Folder parent = root;
+    std::string_view rest = pathBelowRoot.substr(1);
+    for (std::size_t end = rest.find('/'); end != std::string_view::npos; end = rest.find('/')) {
+        parent = _store.child(parent, rest.substr(0, end));
+        if (parent == kNoFolder)
+            return;
+        rest.remove_prefix(end + 1);
+    }
+    forgetChild(parent, rest);
+    adopt(parent, rest, false);
+}
+
+void FolderTracker::handleWaiting() {
+    std::vector<char> bytes;
+    std::vector<KernelEvent> events = _kernel->take(bytes);
+    if (MovePairs::mayLackEnd(events)) {
+        _kernel->waitAndCollect(kMoveEndTimeoutMs);
+        std::vector<char> more;
+        const std::vector<KernelEvent> later = _kernel->take(more);
+        events.insert(events.end(), later.begin(), later.end());
+        handle(events);
+    } else {
+        handle(events);
+    }
+}
+
+void FolderTracker::handle(const std::vector<KernelEvent>& events) {
+    const MovePairs pairs(events);
+    for (std::size_t index = 0; index < events.size(); ++index) {
+        const KernelEvent& event = events[index];
+        if ((event.mask & IN_Q_OVERFLOW) != 0)
+            return _client.lostTrack();
+        const std::size_t partner = pairs.partnerOf(index);
+        if (partner == MovePairs::kNone)
+            handleSingle(event);
+        else if ((event.mask & IN_MOVED_FROM) != 0)
+            handleMove(event, events[partner]);
+        handleGuarded(event);
+    }
+}
+
+void FolderTracker::handleGuarded(const KernelEvent& event) {
+    for (const auto& [tree, concern] : _guards.concernedBy(event)) {
+        if (concern == RootGuards::Concern::Content)
+            _client.rootWritten(tree, flagsOf(event.mask));
+        else
+            _client.rootMayBeAnother(tree);
+    }
+    if ((event.mask & IN_IGNORED) != 0)
+        _guards.forget(event.watch);
+}
+
+void FolderTracker::handleSingle(const KernelEvent& event) {
+    const std::vector<Folder> folders = _store.onWatch(event.watch);
+    if (folders.empty())
+        return;
+    const FSEventStreamEventId id = _client.nextEventIds(1);
+    for (const Folder folder : folders)
+        // Handling it for one of them may have taken away the next.
+        if (_store.watchOf(folder) == event.watch)
+            handleOn(folder, event, id);
+}
+
+void FolderTracker::handleOn(Folder folder, const KernelEvent& event, FSEventStreamEventId id) {
+    if ((event.mask & IN_IGNORED) != 0) {
+        if (_store.isRoot(folder))
+            _client.rootForgotten(_store.treeOf(folder));
+        return forget(folder);
+    }
+    if (event.name.empty()) {
+        // For others the parent tells it, with the name.
+        if ((event.mask & IN_ATTRIB) != 0 && _store.isRoot(folder))
+            _client.itemChanged(folder, {}, flagsOf(event.mask | IN_ISDIR), id);
+        return;
+    }
+    _client.itemChanged(folder, event.name, flagsOf(event.mask), id);
+    if ((event.mask & IN_ISDIR) == 0)
+        return;
+    if ((event.mask & (IN_DELETE | IN_MOVED_FROM)) != 0)
+        forgetChild(folder, event.name);
+    // Changed attributes may open a folder that nobody could read.
+    else if ((event.mask & (IN_CREATE | IN_MOVED_TO)) != 0 ||
+             _store.child(folder, event.name) == kNoFolder)
+        adopt(folder, event.name);
+}
+
+void FolderTracker::handleMove(const KernelEvent& from, const KernelEvent& to) {
+    const std::vector<Folder> sources = _store.onWatch(from.watch);
+    std::vector<Folder> targets = _store.onWatch(to.watch);
+    if (sources.empty() && targets.empty())
+        return;
+    const FSEventStreamEventId id = _client.nextEventIds(2);
+    for (const Folder source : sources)
+        _client.itemChanged(source, from.name, flagsOf(from.mask), id);
+    for (const Folder target : targets)
+        _client.itemChanged(target, to.name, flagsOf(to.mask), id + 1);
+    if ((from.mask & IN_ISDIR) == 0)
+        return;
+    for (const Folder source : sources) {
+        const auto target = std::find_if(targets.begin(), targets.end(), [&](Folder candidate) {
+            return _store.treeOf(candidate) == _store.treeOf(source);
+        });
+        if (target == targets.end()) {
+            forgetChild(source, from.name);
+            continue;
+        }
+        relocate(source, from.name, *target, to.name);
+        targets.erase(target);
+    }
+    for (const Folder target : targets)
+        adopt(target, to.name);
+}
+
+// The kernel's watches move with the folders. Where it is not certain that this is the folder that
+// was moved (it, or another one, was found at its place before its events were handled), the
+// client is told to look.
+void FolderTracker::relocate(Folder source, std::string_view oldName, Folder target,
+                             std::string_view newName) {
+    const Folder moved = _store.child(source, oldName);
+    const Folder occupant = _store.child(target, newName);
+    const Opened parent = open(target);
+    const Opened opened(parent ? openat(parent.get(), std::string(newName).c_str(),
+                                        O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC)
+                               : -1);
+    const int watch = opened ? _kernel->addFolder(opened.get()) : -1;
+    const bool isCertain = moved != kNoFolder && (!opened || _store.watchOf(moved) == watch);
+    if (moved != kNoFolder && isBelow(target, moved))
+        return _client.lostTrack();
+    if (!isCertain) {
+        if (moved != kNoFolder)
+            forget(moved);
+        release(watch);
+        adopt(target, newName);
+        return _client.mustScan(target, newName);
+    }
+    if (occupant != kNoFolder && occupant != moved)
+        forget(occupant);
+    _store.move(moved, target, newName);
+    if (!_store.hasIncomplete())
+        return;
+    for (const Folder folder : _store.subtree(moved)) {
+        if (!_store.isIncomplete(folder))
+            continue;
+        const Opened again = open(folder);
+        if (!again)
+            continue;
+        _store.setIncomplete(folder, false);
+        _tellsFound = true;
+        FolderWalk(*_kernel, _store, *this).list(folder, again.get());
+        _tellsFound = false;
+    }
+}
+
+bool FolderTracker::isBelow(Folder folder, Folder top) const {
+    while (folder != top && !_store.isRoot(folder))
+        folder = _store.parentOf(folder);
+    return folder == top;
+}
+
+void FolderTracker::forgetChild(Folder parent, std::string_view name) {
+    const Folder child = _store.child(parent, name);
+    if (child != kNoFolder)
+        forget(child);
+}
+
+void FolderTracker::forget(Folder top) {
+    std::size_t count = 0;
+    for (const Folder folder : _store.subtree(top)) {
+        const int watch = _store.watchOf(folder);
+        _store.remove(folder);
+        release(watch);
+        if (++count % FolderWalk::kFoldersBetweenCollections == 0)
+            _kernel->collect();
+    }
+}
+
+// A watch that something still needs stays.
+void FolderTracker::release(int watch) {
+    if (watch >= 0 && !_store.isWatched(watch) && !_guards.uses(watch))
+        _kernel->remove(watch);
+}
+
+}  // namespace fsevents

@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "CoreServices/MountInfo.h"
+
+#include <string>
+#include <vector>
+
+namespace fsevents {
+
+struct MountChange {
+    std::string point;
+    bool isMounted;
+};
+
+// What is mounted and unmounted, as the kernel tells it to this process.
+class MountChanges {
+public:
+    MountChanges();
+    MountChanges(const MountChanges&) = delete;
+    MountChanges& operator=(const MountChanges&) = delete;
+    ~MountChanges();
+
+    // Polled for POLLPRI; -1 where nothing is told.
+    int descriptor() const { return _descriptor; }
+    // Since the call before, unmounted ones first.
+    std::vector<MountChange> take();
+
+private:
+    int _descriptor;
+    std::vector<coreservices::Mount> _known;
+};
+
+// Mount points whose folders cannot be followed: the kernel's own file systems, which tell nothing,
+// and those that may never answer.
+std::vector<std::string> mountsNotToFollow();
+
+}  // namespace fsevents

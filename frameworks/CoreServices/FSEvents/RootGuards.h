@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "KernelWatches.h"
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace fsevents {
+
+// Watches over the way to each root: the folders above it and the links on the way, and where
+// something is missing the last folder that is there.
+class RootGuards {
+public:
+    enum class Concern {
+        None,
+        Way,      // the root may be gone, back, or another one
+        Content,  // a root that is no folder was written to, or its attributes were changed
+    };
+
+    void arm(uint32_t tree, const std::string& path, KernelWatches& kernel);
+    // The watches that nobody here uses any more.
+    std::vector<int> disarm(uint32_t tree);
+    void clear() { _guards.clear(); }
+    void forget(int watch) { _guards.erase(watch); }
+    bool uses(int watch) const { return _guards.contains(watch); }
+
+    // Which trees the event concerns.
+    std::vector<std::pair<uint32_t, Concern>> concernedBy(const KernelEvent& event) const;
+
+private:
+    struct Guard {
+        uint32_t tree;
+        std::string name;  // of what is guarded in the folder; empty for the folder itself
+        bool isRoot;       // and not something on the way to it
+    };
+
+    void add(const std::string& folder, uint32_t mask, Guard guard, KernelWatches& kernel);
+    static Concern concern(const Guard& guard, const KernelEvent& event);
+
+    std::multimap<int, Guard> _guards;
+};
+
+}  // namespace fsevents
