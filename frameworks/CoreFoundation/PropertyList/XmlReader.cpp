@@ -7,6 +7,7 @@
 #include "Text.h"
 #include "Values.h"
 
+#include <algorithm>
 #include <charconv>
 
 namespace cf::plist {

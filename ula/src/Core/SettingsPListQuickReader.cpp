@@ -153,7 +153,7 @@ bool QuickReader::readInteger(Setting& setting) {
 /// What begins with no digit may be infinite, or no number.
 bool QuickReader::readReal(Setting& setting) {
     double number = 0;
-    const char* const digit = *_next == '-' ? _next + 1 : _next;
+    const char* const digit = _next + (rest().starts_with('-') ? 1 : 0);
     if (digit >= _end || *digit < '0' || *digit > '9')
         return false;
     const auto [stop, error] = std::from_chars(_next, _end, number);
