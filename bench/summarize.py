@@ -55,6 +55,12 @@ COMPARISONS = [
     ("save, no sync", "save/ula", "save/string+write", FILES, 0.6),
     ("replace durably", "replace/ula", "replace/QSaveFile", FILES[:2], 1.1),
     ("replace durably", "replace/ula", "replace/QSaveFile+folder", FILES[:2], None),
+    ("load a property list", "loadList/ula", "loadList/libplist", FILES[:2], 0.5),
+    ("load a property list", "loadList/ula", "loadList/GNUstep", FILES[:2], 1.1),
+    ("save one, no sync", "saveList/ula", "saveList/libplist", FILES[:2], 0.5),
+    ("save one, no sync", "saveList/ula", "saveList/GNUstep", FILES[:2], 1.1),
+    ("text to objects", "readObjects/ula", "readObjects/GNUstep", FILES[:2], 1.1),
+    ("objects to text", "writeObjects/ula", "writeObjects/GNUstep", FILES[:2], 1.1),
     ("emit to 0 slots", "emit/ula", "emit/snapshot", ["0"], 1.3),
     ("emit to 1 slot", "emit/ula", "emit/snapshot", ["1"], 1.3),
     ("emit to 8 slots", "emit/ula", "emit/snapshot", ["8"], 1.3),
@@ -111,6 +117,18 @@ COMPARISONS = [
     ("list the visible folders", "folders/ula", "children/QDir", ENTRIES, 0.667),
     ("list the visible folders", "folders/ula", "children/GIO", ENTRIES, 0.333),
     ("has a visible folder", "contains/ula", "contains/QDir", ENTRIES, None),
+    ("find the home folder", "homeFolder/ula", None, [""], 20_000),
+    ("find the home folder", "homeFolder/ula", "homeFolder/Qt", [""], None),
+    ("find the temporary folder", "temporaryFolder/ula", None, [""], 20_000),
+    ("find the temporary folder", "temporaryFolder/ula", "temporaryFolder/Qt", [""], None),
+    ("find the documents", "documents/ula", None, [""], 20_000),
+    ("find the documents", "documents/ula", "documents/Qt", [""], None),
+    ("find the documents", "documents/ula", "documents/GLib", [""], None),
+    ("find the application support", "applicationSupport/ula", None, [""], 20_000),
+    ("find the application support", "applicationSupport/ula", "applicationSupport/Qt", [""], None),
+    ("find a program's resources", "resources/ula", None, [""], 20_000),
+    ("find a program's frameworks", "frameworks/ula", None, [""], 20_000),
+    ("find a program's folder", "execution/ula", None, [""], 20_000),
     ("read a shooting date", "readDate/ula", "readDate/fixed chrono", [""], 1.5),
     ("read a shooting date", "readDate/ula", "readDate/strptime", [""], None),
     ("read a shooting date", "readDate/ula", "readDate/sscanf", [""], None),
@@ -131,6 +149,15 @@ COMPARISONS = [
     ("code of the country", "country/ula", "country/Qt", [""], None),
     ("release of the system", "release/ula", "release/Qt", [""], None),
     ("release of the system", "release/ula", "release/GLib", [""], None),
+    ("write to being told, half below", "watchDelay.p50/ula", "watchDelay.p50/polled inotify", [""], 1.1),
+    ("write to being told, half below", "watchDelay.p50/ula", "watchDelay.p50/inotify", [""], None),
+    ("write to being told, half below", "watchDelay.p50/ula", "watchDelay.p50/QFileSystemWatcher", [""], None),
+    ("write to being told, half below", "watchDelay.p50/ula", "watchDelay.p50/GFileMonitor", [""], None),
+    ("write to being told, longest", "watchDelay.p99/ula", None, [""], 105e6),
+    ("a second of 1,000 idle watches", "watchIdle/ula", None, ["1000"], 2e6),
+    ("a second of 1,000 idle watches", "watchIdle/ula", "watchIdle/polled inotify", ["1000"], None),
+    ("a second of 1,000 idle watches", "watchIdle/ula", "watchIdle/QFileSystemWatcher", ["1000"], None),
+    ("a second of 1,000 idle watches", "watchIdle/ula", "watchIdle/GFileMonitor", ["1000"], None),
     ("sort names, comparing", "sortNames/ula compare", "sortNames/ICU compare", ["100000"], None),
 ]
 
@@ -138,7 +165,8 @@ COMPARISONS = [
 def amount(entry):
     """What the benchmark is about: a counter, or else nanoseconds: of the processor, which a busy
     machine disturbs less, but of the clock where a disk or a program is waited for."""
-    for counter in ("bytes_per_key", "bytes_per_job", "allocations_per_call", "ns_per_job"):
+    for counter in ("bytes_per_key", "bytes_per_job", "allocations_per_call", "ns_per_job",
+                    "ns_per_second"):
         if counter in entry:
             return entry[counter]
     clock = "real_time" if entry["name"].startswith(WAITING) else "cpu_time"
@@ -208,6 +236,8 @@ def size_label(name, size):
         return size + " ms"
     if name.startswith(("children", "folders", "contains")):
         return KEYS[size] + " entries"
+    if name.startswith("watch"):
+        return KEYS[size] + " files" if size else ""
     if name.startswith("compareNames"):
         return ["drawn at random", "neighbours"][int(size)]
     if name.startswith("sortNames"):

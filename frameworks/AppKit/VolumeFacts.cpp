@@ -65,17 +65,18 @@ const Mount* volumeAt(const std::string& path, const std::vector<Mount>& mounts,
 
 }  // namespace
 
-std::vector<std::string> volumePaths(const std::vector<Mount>& mounts, const std::string& folder) {
+std::vector<Volume> mountedVolumes(const std::vector<Mount>& mounts, const std::string& folder) {
     std::map<std::string, std::string> entries;
     for (const VolumeEntry& entry : coreservices::Volumes(folder).list(mounts))
         if (entry.state == VolumeState::MountPoint || entry.state == VolumeState::Link)
             entries[entry.target] = folder + "/" + entry.name;
-    std::vector<std::string> paths = {"/"};
+    std::vector<Volume> volumes;
     for (const std::string& point : volumePoints(mounts, folder)) {
         auto entry = entries.find(point);
-        paths.push_back(entry == entries.end() ? point : entry->second);
+        volumes.push_back(
+            {entry == entries.end() ? point : entry->second, *mountCovering(point, mounts), 0});
     }
-    return paths;
+    return volumes;
 }
 
 std::optional<FileSystemInfo> fileSystemInfo(const std::string& path, const Machine& machine) {

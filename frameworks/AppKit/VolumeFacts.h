@@ -10,10 +10,15 @@
 
 namespace appkit {
 
-// "/" for the start-up disk; then the volumes in the order of mounting, by their entry in `folder`,
-// "/Volumes/Stick", or where they are mounted when they have none there.
-std::vector<std::string> volumePaths(const std::vector<coreservices::Mount>& mounts,
-                                     const std::string& folder);
+struct Volume {
+    std::string path;  // its entry in `folder`, "/Volumes/Stick", or where it is mounted
+    coreservices::Mount mount;
+    uint64_t serial = 0;  // see mountSerials(); 0 where it was not looked up
+};
+
+// All but the start-up disk, in the order of mounting.
+std::vector<Volume> mountedVolumes(const std::vector<coreservices::Mount>& mounts,
+                                   const std::string& folder);
 
 struct FileSystemInfo {
     bool isRemovable = false;

@@ -6,12 +6,13 @@
 
 #include "AppKit/IconPixels.h"
 #include "AppKit/IconTheme.h"
+#include "AppKit/ReplaceWorkspaceMethod.h"
 #include "AppKit/VolumeFacts.h"
+#include "AppKit/VolumeNotifications.h"
 
 #include <cstring>
 #include <map>
 #include <mutex>
-#include <objc/runtime.h>
 
 using diskarbitration::Machine;
 
@@ -70,10 +71,21 @@ NSImage* iconForFile(id self, SEL command, NSString* path) {
     return icon != nullptr ? imageOf(*icon) : originalIconForFile(self, command, @"/");
 }
 
-NSArray* mountedLocalVolumePaths(id, SEL) {
-    NSMutableArray* paths = [NSMutableArray array];
+std::vector<std::string> listedPaths() {
+    if (const std::vector<std::string>* told = appkit::volumesBeingTold())
+        return *told;
     coreservices::MountList mounts = Machine::ofProcess().mounts();
-    for (const std::string& path : appkit::volumePaths(*mounts, kVolumes)) {
+    std::vector<appkit::Volume> volumes = appkit::mountedVolumes(*mounts, kVolumes);
+    appkit::volumesWereListed(volumes);
+    std::vector<std::string> paths;
+    for (const appkit::Volume& volume : volumes)
+        paths.push_back(volume.path);
+    return paths;
+}
+
+NSArray* mountedLocalVolumePaths(id, SEL) {
+    NSMutableArray* paths = [NSMutableArray arrayWithObject:@"/"];
+    for (const std::string& path : listedPaths()) {
         NSString* text = [NSString stringWithUTF8String:path.c_str()];
         // Bytes that are no text name nothing that could be asked about later.
         if (text != nil)
@@ -101,14 +113,6 @@ BOOL getFileSystemInfo(id, SEL, NSString* path, BOOL* removable, BOOL* writable,
     return YES;
 }
 
-// Gives the method that was there.
-template <class Function>
-Function replaceMethod(SEL selector, Function function) {
-    Method method = class_getInstanceMethod(objc_getClass("NSWorkspace"), selector);
-    return reinterpret_cast<Function>(
-        method_setImplementation(method, reinterpret_cast<IMP>(function)));
-}
-
 }  // namespace
 
 @interface ULWorkspaceVolumes : NSObject
@@ -116,13 +120,12 @@ Function replaceMethod(SEL selector, Function function) {
 
 @implementation ULWorkspaceVolumes
 
-// Looked up, not sent a message: that would initialize the workspace before the program has begun.
 + (void)load {
-    originalIconForFile = replaceMethod(@selector(iconForFile:), iconForFile);
-    replaceMethod(@selector(mountedLocalVolumePaths), mountedLocalVolumePaths);
-    replaceMethod(@selector(getFileSystemInfoForPath:
-                                         isRemovable:isWritable:isUnmountable:description:type:),
-                  getFileSystemInfo);
+    originalIconForFile = appkit::replaceWorkspaceMethod(@selector(iconForFile:), iconForFile);
+    appkit::replaceWorkspaceMethod(@selector(mountedLocalVolumePaths), mountedLocalVolumePaths);
+    appkit::replaceWorkspaceMethod(
+        @selector(getFileSystemInfoForPath:isRemovable:isWritable:isUnmountable:description:type:),
+        getFileSystemInfo);
 }
 
 @end

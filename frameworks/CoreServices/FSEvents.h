@@ -42,8 +42,9 @@ enum : FSEventStreamEventFlags {
     kFSEventStreamEventFlagItemCreated = 0x100,
     kFSEventStreamEventFlagItemRemoved = 0x200,
     kFSEventStreamEventFlagItemInodeMetaMod = 0x400,
-    /// A move within the roots is two events with identifiers that follow each other: the first has
-    /// the old path, the second the new one. A single one is a move in or out.
+    /// A move within a root is two events with identifiers that follow each other: the first has
+    /// the old path, the second the new one. What moves in is created, and everything below it,
+    /// what moves out removed.
     kFSEventStreamEventFlagItemRenamed = 0x800,
     kFSEventStreamEventFlagItemModified = 0x1000,
     /// Everything that is no folder.

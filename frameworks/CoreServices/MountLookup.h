@@ -23,6 +23,19 @@ reachableMounts(const std::vector<Mount>& mounts);
 // Thread: any.
 __attribute__((visibility("default"))) MountList currentMounts();
 
+// As long as it lives, currentMounts() answers the thread that made it with this table: what has
+// just changed is told, and asked about, by one state of things.
+class __attribute__((visibility("default"))) MountView {
+public:
+    explicit MountView(MountList mounts);
+    ~MountView();
+    MountView(const MountView&) = delete;
+    MountView& operator=(const MountView&) = delete;
+
+private:
+    MountList _outer;
+};
+
 // Whether the kernel answers for this file system on its own: no server, no other process and no
 // network is asked. Unknown types do not.
 __attribute__((visibility("default"))) bool answersByItself(const Mount& mount);

@@ -8,6 +8,7 @@
 #include <pthread.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 
 namespace coreservices {
 
@@ -73,10 +74,19 @@ private:
     ino_t _space = 0;
 };
 
+thread_local MountList viewed;
+
 }  // namespace
 
 MountList currentMounts() {
-    return MountTable::instance().mounts();
+    return viewed != nullptr ? viewed : MountTable::instance().mounts();
+}
+
+MountView::MountView(MountList mounts) : _outer(std::exchange(viewed, std::move(mounts))) {
+}
+
+MountView::~MountView() {
+    viewed = std::move(_outer);
 }
 
 }  // namespace coreservices

@@ -8,6 +8,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <future>
 #include <gmock/gmock.h>
 #include <limits>
 #include <stdexcept>
@@ -25,6 +26,19 @@ TEST(ThreadTest, JoinWaitsForTheFunction) {
     thread.join();
     thread.join();
     EXPECT_EQ(result, 7);
+}
+
+TEST(ThreadTest, DetachedThreadOutlivesItsObjectWhichItMayDelete) {
+    std::promise<void> deleted;
+    std::promise<Thread*> made;
+    auto* const thread = new Thread([&] {
+        Thread* const self = made.get_future().get();
+        self->detach();
+        delete self;
+        deleted.set_value();
+    });
+    made.set_value(thread);
+    deleted.get_future().get();
 }
 
 TEST(ThreadTest, InterruptEndsAPendingSleep) {

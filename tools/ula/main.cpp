@@ -2,6 +2,7 @@
 #include "tools/ula/DirCommand.h"
 #include "tools/ula/DisplayText.h"
 #include "tools/ula/DrivesCommand.h"
+#include "tools/ula/FoldersCommand.h"
 #include "tools/ula/SettingsCommand.h"
 #include "tools/ula/StandardOutput.h"
 #include "tools/ula/SystemCommand.h"
@@ -9,6 +10,7 @@
 #include "tools/ula/TrashCommand.h"
 #include "tools/ula/VolumesCommand.h"
 #include "tools/ula/Warnings.h"
+#include "tools/ula/WatchCommand.h"
 
 #include <CLI/CLI.hpp>
 #include <cstdio>
@@ -23,10 +25,12 @@ constexpr const char* kHelp = R"(Examples:
   ula settings photo.xml set Window Width 1280
   ula dir --sort Pictures  a folder as a folder browser sees it
   ula drives               mounted volumes: their kinds, how large and how full
+  ula folders              where documents, pictures and the rest lie
   ula volumes              the start-up disk and mounted volumes by their names
   ula system               language, release, processors, graphics and memory
   ula time *.jpg           when pictures were taken, and their files made and changed
   ula trash old.jpg        moves a file to the trash, and says where it is now
+  ula watch -r Pictures    what changes in a tree, live
   ula settings --help      all about settings files
   ula settings x set --help    all about storing values
 
@@ -70,11 +74,13 @@ int main(int argc, char** argv) {
     ExitCode result = ExitOk;
     addDirCommand(program, result);
     addDrivesCommand(program, result);
+    addFoldersCommand(program, result);
     addSettingsCommand(program, result);
     addSystemCommand(program, result);
     addTimeCommand(program, result);
     addTrashCommand(program, result);
     addVolumesCommand(program, result);
+    addWatchCommand(program, result);
     std::vector<std::string> arguments;
     for (int i = 1; i < argc; ++i)
         arguments.push_back(protectArgument(argv[i]));

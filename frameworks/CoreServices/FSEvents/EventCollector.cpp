@@ -90,7 +90,7 @@ bool EventCollector::start(EventStream& stream) {
     _streams.push_back(&stream);
     takeOverFromPredecessor(stream);
     for (const std::string& root : stream.roots())
-        _trees[treeFor(root)]->streams.push_back(&stream);
+        attach(stream, root);
     if (stream.wantsHistory()) {
         stream.collapse(nextEventIds(1));
         stream.record("", kFSEventStreamEventFlagHistoryDone, nextEventIds(1));
@@ -220,6 +220,7 @@ void EventCollector::wait(std::unique_lock<std::mutex>& lock, Clock::time_point 
     lock.unlock();
     poll(descriptors, std::size(descriptors), timeoutMs);
     lock.lock();
+    _mounts->note(descriptors[2].revents);
     uint64_t count = 0;
     [[maybe_unused]] const ssize_t size = read(_wakeDescriptor, &count, sizeof count);
 }

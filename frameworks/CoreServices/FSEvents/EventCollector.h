@@ -82,7 +82,8 @@ private:
     void checkRoot(uint32_t number);
     void tellRootChanged(const Tree& tree);
 
-    uint32_t treeFor(const std::string& root);
+    void attach(EventStream& stream, const std::string& root);
+    uint32_t treeFor(const std::string& root, bool* isNew);
     void openTree(uint32_t number);
     void closeTree(uint32_t number);
     void detach(EventStream& stream);

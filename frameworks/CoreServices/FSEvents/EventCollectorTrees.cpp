@@ -132,7 +132,15 @@ void EventCollector::rootForgotten(uint32_t number) {
     _trees[number]->mayBeAnother = true;
 }
 
-uint32_t EventCollector::treeFor(const std::string& root) {
+void EventCollector::attach(EventStream& stream, const std::string& root) {
+    bool isNew = false;
+    const uint32_t number = treeFor(root, &isNew);
+    _trees[number]->streams.push_back(&stream);
+    if (isNew)
+        openTree(number);
+}
+
+uint32_t EventCollector::treeFor(const std::string& root, bool* isNew) {
     uint32_t place = static_cast<uint32_t>(_trees.size());
     for (uint32_t number = 0; number < _trees.size(); ++number) {
         if (_trees[number] && _trees[number]->path == root)
@@ -144,7 +152,7 @@ uint32_t EventCollector::treeFor(const std::string& root) {
         _trees.emplace_back();
     _trees[place] = std::make_unique<Tree>();
     _trees[place]->path = root;
-    openTree(place);
+    *isNew = true;
     return place;
 }
 

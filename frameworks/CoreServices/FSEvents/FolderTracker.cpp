@@ -6,6 +6,7 @@
 #include <climits>
 #include <fcntl.h>
 #include <sys/inotify.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace fsevents {
@@ -19,18 +20,17 @@ FSEventStreamEventFlags kindOf(bool isFolder) {
     return isFolder ? kFSEventStreamEventFlagItemIsDir : kFSEventStreamEventFlagItemIsFile;
 }
 
+// What comes from or goes to where nothing is watched is new or gone.
 FSEventStreamEventFlags flagsOf(uint32_t mask) {
     FSEventStreamEventFlags flags = kindOf((mask & IN_ISDIR) != 0);
-    if ((mask & IN_CREATE) != 0)
+    if ((mask & (IN_CREATE | IN_MOVED_TO)) != 0)
         flags |= kFSEventStreamEventFlagItemCreated;
-    if ((mask & IN_DELETE) != 0)
+    if ((mask & (IN_DELETE | IN_MOVED_FROM)) != 0)
         flags |= kFSEventStreamEventFlagItemRemoved;
     if ((mask & IN_ATTRIB) != 0)
         flags |= kFSEventStreamEventFlagItemInodeMetaMod;
     if ((mask & IN_MODIFY) != 0)
         flags |= kFSEventStreamEventFlagItemModified;
-    if ((mask & IN_MOVE) != 0)
-        flags |= kFSEventStreamEventFlagItemRenamed;
     return flags;
 }
 
@@ -140,12 +140,15 @@ FolderTracker::Opened FolderTracker::open(Folder folder) {
     return Opened(-1);
 }
 
-void FolderTracker::adopt(Folder parent, std::string_view name, bool tellContent) {
+void FolderTracker::adopt(Folder parent, std::string_view name, bool tellsContent) {
     const Opened opened = open(parent);
-    if (!opened)
-        return;
-    _tellsFound = tellContent;
-    FolderWalk(*_kernel, _store, *this).enter(parent, opened.get(), name);
+    if (opened)
+        enter(parent, opened.get(), name, tellsContent);
+}
+
+void FolderTracker::enter(Folder parent, int descriptor, std::string_view name, bool tellsContent) {
+    _tellsFound = tellsContent;
+    FolderWalk(*_kernel, _store, *this).enter(parent, descriptor, name);
     _tellsFound = false;
 }
 
@@ -231,8 +234,19 @@ void FolderTracker::handleOn(Folder folder, const KernelEvent& event, FSEventStr
             _client.itemChanged(folder, {}, flagsOf(event.mask | IN_ISDIR), id);
         return;
     }
+    handleItem(folder, event, id);
+    // Two items may have changed places, which the kernel tells as two moves.
+    if ((event.mask & IN_MOVED_FROM) != 0)
+        tellIfThere(folder, event.name);
+}
+
+void FolderTracker::handleItem(Folder folder, const KernelEvent& event, FSEventStreamEventId id) {
+    const bool isFolder = (event.mask & IN_ISDIR) != 0;
+    // A folder was found at its place before this was handled: it comes later.
+    if (!isFolder && (event.mask & (IN_CREATE | IN_DELETE | IN_MOVE)) != 0)
+        removeFolder(folder, event.name);
     _client.itemChanged(folder, event.name, flagsOf(event.mask), id);
-    if ((event.mask & IN_ISDIR) == 0)
+    if (!isFolder)
         return;
     if ((event.mask & (IN_DELETE | IN_MOVED_FROM)) != 0)
         forgetChild(folder, event.name);
@@ -243,70 +257,144 @@ void FolderTracker::handleOn(Folder folder, const KernelEvent& event, FSEventStr
 }
 
 void FolderTracker::handleMove(const KernelEvent& from, const KernelEvent& to) {
-    const std::vector<Folder> sources = _store.onWatch(from.watch);
+    std::vector<Move> moves;
+    std::vector<Folder> sources;
     std::vector<Folder> targets = _store.onWatch(to.watch);
-    if (sources.empty() && targets.empty())
-        return;
-    const FSEventStreamEventId id = _client.nextEventIds(2);
-    for (const Folder source : sources)
-        _client.itemChanged(source, from.name, flagsOf(from.mask), id);
-    for (const Folder target : targets)
-        _client.itemChanged(target, to.name, flagsOf(to.mask), id + 1);
-    if ((from.mask & IN_ISDIR) == 0)
-        return;
-    for (const Folder source : sources) {
+    for (const Folder source : _store.onWatch(from.watch)) {
         const auto target = std::find_if(targets.begin(), targets.end(), [&](Folder candidate) {
             return _store.treeOf(candidate) == _store.treeOf(source);
         });
         if (target == targets.end()) {
-            forgetChild(source, from.name);
+            sources.push_back(source);
             continue;
         }
-        relocate(source, from.name, *target, to.name);
+        // A folder has the name that the file leaves: they have changed places.
+        const bool isOfFolder = (from.mask & IN_ISDIR) != 0;
+        if (!isOfFolder && _store.child(source, from.name) != kNoFolder)
+            continue;
+        moves.push_back({source, *target});
         targets.erase(target);
     }
+    tellMoves(moves, from, to);
+    for (const Move& move : moves)
+        followMove(move, from, to);
+    // From one tree to another.
+    const FSEventStreamEventId id = _client.nextEventIds(2);
+    for (const Folder source : sources)
+        handleOn(source, from, id);
     for (const Folder target : targets)
-        adopt(target, to.name);
+        handleOn(target, to, id + 1);
 }
 
-// The kernel's watches move with the folders. Where it is not certain that this is the folder that
-// was moved (it, or another one, was found at its place before its events were handled), the
-// client is told to look.
+void FolderTracker::tellMoves(const std::vector<Move>& moves, const KernelEvent& from,
+                              const KernelEvent& to) {
+    const FSEventStreamEventFlags flags =
+        kFSEventStreamEventFlagItemRenamed | kindOf((from.mask & IN_ISDIR) != 0);
+    const FSEventStreamEventId id = _client.nextEventIds(2);
+    for (const Move& move : moves)
+        _client.itemChanged(move.source, from.name, flags, id);
+    for (const Move& move : moves)
+        _client.itemChanged(move.target, to.name, flags, id + 1);
+}
+
+void FolderTracker::followMove(const Move& move, const KernelEvent& from, const KernelEvent& to) {
+    if ((from.mask & IN_ISDIR) != 0)
+        relocate(move.source, from.name, move.target, to.name);
+    else
+        forgetChild(move.target, to.name);
+    // As for a single end.
+    if (_store.watchOf(move.source) == from.watch)
+        tellIfThere(move.source, from.name);
+}
+
+void FolderTracker::tellIfThere(Folder folder, std::string_view name) {
+    const Opened parent = open(folder);
+    struct stat item {};
+    if (!parent ||
+        fstatat(parent.get(), std::string(name).c_str(), &item, AT_SYMLINK_NOFOLLOW) != 0)
+        return;
+    const bool isFolder = S_ISDIR(item.st_mode);
+    _client.itemChanged(folder, name, kFSEventStreamEventFlagItemCreated | kindOf(isFolder),
+                        _client.nextEventIds(1));
+    if (isFolder)
+        enter(folder, parent.get(), name, true);
+}
+
+// The kernel's watches move with the folders. Where this is not the folder that was moved (it, or
+// another one, was found at its place before its events were handled), it is told anew.
 void FolderTracker::relocate(Folder source, std::string_view oldName, Folder target,
                              std::string_view newName) {
     const Folder moved = _store.child(source, oldName);
-    const Folder occupant = _store.child(target, newName);
-    const Opened parent = open(target);
-    const Opened opened(parent ? openat(parent.get(), std::string(newName).c_str(),
-                                        O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC)
-                               : -1);
-    const int watch = opened ? _kernel->addFolder(opened.get()) : -1;
-    const bool isCertain = moved != kNoFolder && (!opened || _store.watchOf(moved) == watch);
     if (moved != kNoFolder && isBelow(target, moved))
         return _client.lostTrack();
-    if (!isCertain) {
+    if (moved == kNoFolder || !mayBeAt(moved, target, newName)) {
         if (moved != kNoFolder)
             forget(moved);
-        release(watch);
-        adopt(target, newName);
-        return _client.mustScan(target, newName);
+        forgetChild(target, newName);
+        tellRemoved(target, newName);
+        return tellIfThere(target, newName);
     }
+    const Folder occupant = _store.child(target, newName);
     if (occupant != kNoFolder && occupant != moved)
         forget(occupant);
     _store.move(moved, target, newName);
-    if (!_store.hasIncomplete())
-        return;
-    for (const Folder folder : _store.subtree(moved)) {
+    if (_store.hasIncomplete())
+        complete(moved);
+}
+
+// False when another folder has the place. When nothing has it, or it cannot be found, the folder
+// may have moved on.
+bool FolderTracker::mayBeAt(Folder folder, Folder parent, std::string_view name) {
+    const Opened opened = open(parent);
+    if (!opened)
+        return true;
+    const Opened place(openat(opened.get(), std::string(name).c_str(),
+                              O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    if (!place)
+        return true;
+    const int watch = _kernel->addFolder(place.get());
+    release(watch);
+    return watch == _store.watchOf(folder);
+}
+
+// Looks again where a folder could not be found under its path.
+void FolderTracker::complete(Folder top) {
+    for (const Folder folder : _store.subtree(top)) {
         if (!_store.isIncomplete(folder))
             continue;
-        const Opened again = open(folder);
-        if (!again)
+        const Opened opened = open(folder);
+        if (!opened)
             continue;
         _store.setIncomplete(folder, false);
         _tellsFound = true;
-        FolderWalk(*_kernel, _store, *this).list(folder, again.get());
+        FolderWalk(*_kernel, _store, *this).list(folder, opened.get());
         _tellsFound = false;
     }
+}
+
+void FolderTracker::replaced(Folder folder) {
+    const Folder parent = _store.parentOf(folder);
+    const std::string name(_store.nameOf(folder));
+    if (!_tellsFound)
+        return forget(folder);
+    removeFolder(parent, name);
+    _client.itemChanged(parent, name,
+                        kFSEventStreamEventFlagItemCreated | kFSEventStreamEventFlagItemIsDir,
+                        _client.nextEventIds(1));
+}
+
+void FolderTracker::tellRemoved(Folder parent, std::string_view name) {
+    _client.itemChanged(parent, name,
+                        kFSEventStreamEventFlagItemRemoved | kFSEventStreamEventFlagItemIsDir,
+                        _client.nextEventIds(1));
+}
+
+void FolderTracker::removeFolder(Folder parent, std::string_view name) {
+    const Folder child = _store.child(parent, name);
+    if (child == kNoFolder)
+        return;
+    forget(child);
+    tellRemoved(parent, name);
 }
 
 bool FolderTracker::isBelow(Folder folder, Folder top) const {

@@ -63,14 +63,28 @@ public:
 
 private:
     class Opened;
+    // Within one tree.
+    struct Move {
+        Folder source;
+        Folder target;
+    };
 
     void handle(const std::vector<KernelEvent>& events);
     void handleSingle(const KernelEvent& event);
     void handleOn(Folder folder, const KernelEvent& event, FSEventStreamEventId id);
-    void handleMove(const KernelEvent& from, const KernelEvent& to);
+    void handleItem(Folder folder, const KernelEvent& event, FSEventStreamEventId id);
     void handleGuarded(const KernelEvent& event);
+    void handleMove(const KernelEvent& from, const KernelEvent& to);
+    void tellMoves(const std::vector<Move>& moves, const KernelEvent& from, const KernelEvent& to);
+    void followMove(const Move& move, const KernelEvent& from, const KernelEvent& to);
     void relocate(Folder source, std::string_view oldName, Folder target, std::string_view newName);
-    void adopt(Folder parent, std::string_view name, bool tellContent = true);
+    bool mayBeAt(Folder folder, Folder parent, std::string_view name);
+    void complete(Folder top);
+    void tellRemoved(Folder parent, std::string_view name);
+    void removeFolder(Folder parent, std::string_view name);
+    void tellIfThere(Folder folder, std::string_view name);
+    void adopt(Folder parent, std::string_view name, bool tellsContent = true);
+    void enter(Folder parent, int descriptor, std::string_view name, bool tellsContent);
     void forgetChild(Folder parent, std::string_view name);
     void forget(Folder top);
     void release(int watch);
@@ -79,7 +93,7 @@ private:
     std::string pathOf(Folder folder) const;
 
     void found(Folder folder, std::string_view name, bool isFolder) override;
-    void replaced(Folder folder) override { forget(folder); }
+    void replaced(Folder folder) override;
     void notFollowed(Folder folder, std::string_view name, int error) override {
         _client.notFollowed(folder, name, error);
     }

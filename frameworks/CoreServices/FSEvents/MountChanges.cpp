@@ -10,6 +10,7 @@
 #include <poll.h>
 #include <string_view>
 #include <unistd.h>
+#include <utility>
 
 namespace fsevents {
 
@@ -49,7 +50,9 @@ MountChanges::~MountChanges() {
 
 std::vector<MountChange> MountChanges::take() {
     pollfd table{_descriptor, POLLPRI, 0};
-    if (_descriptor < 0 || poll(&table, 1, 0) <= 0)
+    if (_descriptor >= 0 && poll(&table, 1, 0) > 0)
+        note(table.revents);
+    if (!std::exchange(_isChanged, false))
         return {};
     std::vector<Mount> now = coreservices::parseMountInfo(coreservices::readMountInfo());
     std::vector<MountChange> changes;

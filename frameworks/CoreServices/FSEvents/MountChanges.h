@@ -21,13 +21,16 @@ public:
     MountChanges& operator=(const MountChanges&) = delete;
     ~MountChanges();
 
-    // Polled for POLLPRI; -1 where nothing is told.
+    // Polled for POLLPRI; -1 where nothing is told. The kernel tells each change to one poll only:
+    // whoever polls it passes on what came back.
     int descriptor() const { return _descriptor; }
+    void note(short polled) { _isChanged = _isChanged || polled != 0; }
     // Since the call before, unmounted ones first.
     std::vector<MountChange> take();
 
 private:
     int _descriptor;
+    bool _isChanged = false;
     std::vector<coreservices::Mount> _known;
 };
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Needs root: mounts in a space of its own.
 #include "CoreServices/MountLookup.h"
+#include "CoreServices/MountSerials.h"
 #include "CoreServices/Volumes.h"
 
 #include "tests/support/Mounts.h"
@@ -12,6 +13,7 @@
 #include <gtest/gtest.h>
 #include <sys/mount.h>
 #include <sys/wait.h>
+#include <thread>
 #include <unistd.h>
 
 namespace {
@@ -136,6 +138,40 @@ TEST(CurrentMounts, ShowEveryChangeAtOnce) {
         MountedMemory memory(folder.path());
         EXPECT_TRUE(isMounted());
     }
+}
+
+TEST(CurrentMounts, AreOnesOfAViewAsLongAsItLivesOnItsThread) {
+    TemporaryFolder folder{fs::canonical(fs::temp_directory_path())};
+    const MountList before = currentMounts();
+    MountedMemory memory(folder.path());
+    {
+        const MountView view(before);
+        EXPECT_EQ(currentMounts(), before);
+        const MountList none = std::make_shared<std::vector<Mount>>();
+        {
+            const MountView inner(none);
+            EXPECT_EQ(currentMounts(), none);
+        }
+        EXPECT_EQ(currentMounts(), before);
+        std::thread([&] { EXPECT_EQ(currentMounts()->size(), before->size() + 1); }).join();
+    }
+    EXPECT_EQ(currentMounts()->size(), before->size() + 1);
+}
+
+TEST(MountSerials, AreNeverGivenAgain) {
+    TemporaryFolder folder{fs::canonical(fs::temp_directory_path())};
+    auto serial = [&]() -> uint64_t {
+        MountedMemory memory(folder.path());
+        const MountList mounts = currentMounts();
+        const Mount& mount = *mountCovering(folder.path(), *mounts);
+        const std::map<uint64_t, uint64_t> serials = mountSerials();
+        // Older kernels have none at all.
+        if (!serials.empty())
+            EXPECT_EQ(serials.count(mount.id), 1u);
+        return serials.empty() ? 0 : serials.at(mount.id);
+    };
+    const uint64_t first = serial();
+    EXPECT_EQ(first == serial(), first == 0);
 }
 
 TEST(CurrentMounts, AreReadOnceForManyQuestions) {

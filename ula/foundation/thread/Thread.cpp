@@ -98,6 +98,11 @@ void Thread::join() {
         _thread.join();
 }
 
+void Thread::detach() {
+    if (_thread.joinable())
+        _thread.detach();
+}
+
 void Thread::interrupt() {
     _interruption->request();
 }

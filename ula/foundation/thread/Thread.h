@@ -25,6 +25,9 @@ public:
 
     /// Waits until the function has returned. A second call returns at once.
     void join();
+    /// Leaves the thread to end by itself: neither `join` nor the destructor waits for it from now
+    /// on.
+    void detach();
     /// Makes a pending or the next `sleep` of the thread throw `ThreadInterruptedException`.
     void interrupt();
 

@@ -69,7 +69,9 @@ std::string nameForRootDisk() {
 
 std::string normalizeMacPathToRoot(const std::string& path) {
     const ScopedARPool pool;
-    return [[NSPathUtil normalizeToRootDisk:[NSString fromStdString:path]] toStdString];
+    NSString* const text = [NSString fromStdString:path];
+    // Bytes that are no text are a path all the same.
+    return text == nil ? path : [[NSPathUtil normalizeToRootDisk:text] toStdString];
 }
 
 }  // namespace tav::ula::NSPathUtilNameSpace
