@@ -159,6 +159,11 @@ COMPARISONS = [
     ("a second of 1,000 idle watches", "watchIdle/ula", "watchIdle/QFileSystemWatcher", ["1000"], None),
     ("a second of 1,000 idle watches", "watchIdle/ula", "watchIdle/GFileMonitor", ["1000"], None),
     ("sort names, comparing", "sortNames/ula compare", "sortNames/ICU compare", ["100000"], None),
+    ("screen at a point", "screenAtPoint/ula", None, ["2"], 20000),
+    ("screen at a point", "screenAtPoint/ula", "screenAtPoint/QGuiApplication", ["2"], None),
+    ("working area at a point", "workingArea/ula", None, ["2"], 20000),
+    ("all screens", "allScreens/ula", None, ["2"], 20000),
+    ("number of a display", "displayID/ula", None, ["2"], 20000),
 ]
 
 
