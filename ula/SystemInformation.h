@@ -26,6 +26,13 @@ struct VideoControllerInfo {
     std::uint64_t videoMemory = 0;
 };
 
+struct DisplayInfo {
+    std::int32_t width = 0;   ///< of the working area; units: pixels
+    std::int32_t height = 0;  ///< of the working area; units: pixels
+    std::int64_t bitsPerPixel = 0;
+    bool isPrimary = false;
+};
+
 /// Physical memory, and the virtual memory that is available. Units: bytes.
 using MemInfo = std::pair<std::uint64_t, std::uint64_t>;
 
@@ -44,6 +51,8 @@ public:
     static std::vector<CPUInfo> getCPUInfo();
     /// One record, of the graphics device that the machine starts with. As `getCPUInfo`.
     static std::vector<VideoControllerInfo> getVideoControllerInfo();
+    /// Of each screen, in the order of `Screen::getAllScreens`.
+    static std::vector<DisplayInfo> getDisplayInfo();
     static MemInfo getMemInfo();
     /// Always empty.
     static HDDInfo getHDDInfo();

@@ -3,6 +3,7 @@
 #include "tests/tool/ToolProcess.h"
 
 #include "tests/support/ChildProcess.h"
+#include "tests/support/DisplayServer.h"
 
 #include <cstdlib>
 #include <gmock/gmock.h>
@@ -15,6 +16,7 @@ namespace tav::test {
 namespace {
 
 using testing::ContainsRegex;
+using testing::HasSubstr;
 using testing::StartsWith;
 using Json = nlohmann::json;
 
@@ -23,6 +25,7 @@ protected:
     SystemTool() {
         for (const char* name : {"LC_MESSAGES", "LC_MONETARY", "LANG", "LANGUAGE"})
             unsetenv(name);
+        unsetenv("DISPLAY");
         setenv("LC_ALL", "de_AT.UTF-8", 1);
     }
     Json json() { return Json::parse(run({"system", "--json"}).output); }
@@ -34,6 +37,7 @@ TEST_F(SystemTool, TellsALineOfEachFact) {
     EXPECT_EQ(result.errors, "");
     EXPECT_THAT(result.output, StartsWith("Language    Deutsch (de_AT)\nCountry     AT\nSystem "));
     EXPECT_THAT(result.output, ContainsRegex("\nProcessors  .+, [0-9]+ MHz, .+\nGraphics    .+\n"
+                                             "Displays    none\n"
                                              "Memory      [0-9.]+ [KMGT]iB, [0-9.]+ [KMGT]iB "));
 }
 
@@ -49,6 +53,7 @@ TEST_F(SystemTool, JsonHasTheSameInBytes) {
               sysconf(_SC_PHYS_PAGES) * sysconf(_SC_PAGESIZE));
     EXPECT_LE(facts["memory"]["usable"].get<long>(), facts["memory"]["physical"].get<long>());
     EXPECT_TRUE(facts["graphics"].contains("model"));
+    EXPECT_EQ(facts["displays"], Json::array());
 }
 
 TEST_F(SystemTool, FollowsTheUsersLocale) {
@@ -73,6 +78,14 @@ TEST_F(SystemTool, SaysHowManyProcessorsMayBeUsed) {
         return runTool(folderPath, {"system", "--json"}).output;
     });
     EXPECT_EQ(Json::parse(output)["processor"]["usable"], 1);
+}
+
+TEST_F(SystemTool, TellsTheWorkingAreasOfDisplays) {
+    const DisplayServer server("800x600x24");
+    EXPECT_THAT(run({"system"}).output, HasSubstr("\nDisplays    800 x 600 (primary)\n"));
+    const Json displays = json()["displays"];
+    EXPECT_EQ(displays, Json::parse(R"([{"width": 800, "height": 600, "bitsPerPixel": 24,
+                                          "primary": true}])"));
 }
 
 TEST_F(SystemTool, TakesNoArguments) {

@@ -18,6 +18,7 @@ namespace tav::tool {
 namespace {
 
 using ula::CPUInfo;
+using ula::DisplayInfo;
 using ula::Environment;
 using ula::FastString;
 using ula::MemInfo;
@@ -43,6 +44,7 @@ struct Facts {
     std::string user = Environment::getUserName();
     CPUInfo processor = SystemInformation::getCPUInfo().front();
     VideoControllerInfo graphics = SystemInformation::getVideoControllerInfo().front();
+    std::vector<DisplayInfo> displays = SystemInformation::getDisplayInfo();
     MemInfo memory = SystemInformation::getMemInfo();
     std::int64_t effectiveCount = SystemInformation::getEffectiveCPUCount();
     MemInfo effectiveMemory = SystemInformation::getEffectiveMemInfo();
@@ -89,6 +91,14 @@ std::string graphicsText(const VideoControllerInfo& graphics) {
     return graphics.model.empty() ? "none known" : joined({shown(graphics.model), memory});
 }
 
+std::string displaysText(const std::vector<DisplayInfo>& displays) {
+    std::vector<std::string> texts;
+    for (const DisplayInfo& display : displays)
+        texts.push_back(std::to_string(display.width) + " x " + std::to_string(display.height) +
+                        (display.isPrimary ? " (primary)" : ""));
+    return displays.empty() ? "none" : joined(texts);
+}
+
 std::string memoryText(const Facts& facts) {
     const bool isLimited = facts.effectiveMemory.first != facts.memory.first;
     const std::string usable =
@@ -113,7 +123,18 @@ void printText(const Facts& facts) {
     printLine(colours, "User", displayText(facts.user));
     printLine(colours, "Processors", processorText(facts));
     printLine(colours, "Graphics", graphicsText(facts.graphics));
+    printLine(colours, "Displays", displaysText(facts.displays));
     printLine(colours, "Memory", memoryText(facts));
+}
+
+Json jsonOf(const std::vector<DisplayInfo>& displays) {
+    Json list = Json::array();
+    for (const DisplayInfo& display : displays)
+        list.push_back({{"width", display.width},
+                        {"height", display.height},
+                        {"bitsPerPixel", display.bitsPerPixel},
+                        {"primary", display.isPrimary}});
+    return list;
 }
 
 void printJson(const Facts& facts) {
@@ -132,6 +153,7 @@ void printJson(const Facts& facts) {
           {"usable", facts.effectiveCount}}},
         {"graphics",
          {{"model", shown(facts.graphics.model)}, {"memory", facts.graphics.videoMemory}}},
+        {"displays", jsonOf(facts.displays)},
         {"memory",
          {{"physical", facts.memory.first},
           {"available", facts.memory.second},
