@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "EventCollector.h"
 
+#include "CoreServices/MountLookup.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
@@ -44,10 +46,11 @@ EventCollector& EventCollector::ofProcess() {
     return *collector;
 }
 
-// Run loops have fork handlers, too. Those that are registered later lock first, and the
-// collector's lock is always taken before a run loop's.
+// Run loops and the table of mounts have fork handlers, too. Those that are registered later lock
+// first, and the collector's lock is always taken before theirs.
 EventCollector::EventCollector() {
     CFRunLoopGetMain();
+    coreservices::currentMounts();
     pthread_atfork(prepareFork, continueParent, continueChild);
 }
 

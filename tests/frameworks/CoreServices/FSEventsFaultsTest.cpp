@@ -231,6 +231,22 @@ TEST_F(FSEventsFaultsTest, ForkedChildLeavesTheStreamsOfItsParentAlone) {
     EXPECT_TRUE(recorder.hasTold(at("sub/child"), kFileCreated));
 }
 
+TEST_F(FSEventsFaultsTest, ProcessForksWhileStreamsStart) {
+    std::atomic<bool> isOver = false;
+    std::thread starter([&] {
+        for (int number = 0; !isOver; ++number) {
+            const std::string root = at(std::to_string(number % 20));
+            fs::create_directory(root);
+            StreamRecorder recorder({root});
+            fs::remove(root);
+        }
+    });
+    for (int round = 0; round < 300; ++round)
+        ASSERT_EQ(runInChild([] { return std::string("alive"); }), "alive");
+    isOver = true;
+    starter.join();
+}
+
 TEST_F(FSEventsFaultsTest, ThreadsStartAndStopStreamsWhileFoldersChange) {
     std::atomic<bool> isOver = false;
     std::thread writer([&] {
