@@ -31,12 +31,21 @@ public:
     std::vector<std::pair<uint32_t, Concern>> concernedBy(const KernelEvent& event) const;
 
 private:
+    class Way;
+    struct Item;
+    enum class Kind {
+        Folder,        // the folder itself, which is on the way
+        Entry,         // something in the folder that may come and go
+        File,          // the same, a root that is no folder
+        LockedFolder,  // the same, a root that may not be read as yet
+    };
     struct Guard {
         uint32_t tree;
-        std::string name;  // of what is guarded in the folder; empty for the folder itself
-        bool isRoot;       // and not something on the way to it
+        std::string name;  // of the entry
+        Kind kind;
     };
 
+    void addEntry(uint32_t tree, const Way& way, const Item& item, KernelWatches& kernel);
     void add(const std::string& folder, uint32_t mask, Guard guard, KernelWatches& kernel);
     static Concern concern(const Guard& guard, const KernelEvent& event);
 

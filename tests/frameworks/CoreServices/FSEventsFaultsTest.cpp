@@ -166,6 +166,25 @@ TEST_F(FSEventsFaultsTest, FolderThatMayNotBeReadIsFollowedOnceItMay) {
                         at("locked") + ", 100 " + at("locked/file"));
 }
 
+TEST_F(FSEventsFaultsTest, RootThatMayNotBeReadIsToldAndFollowedOnceItMay) {
+    ASSERT_EQ(chown(_root.c_str(), 65534, 65534), 0);
+    chmod(_folder.path().c_str(), 0755);
+    chmod(_root.c_str(), 0);
+    const std::string told = runInChild([&]() -> std::string {
+        if (setresuid(65534, 65534, 65534) != 0)
+            return "still root";
+        testing::internal::CaptureStderr();
+        StreamRecorder recorder({_root}, kItems);
+        chmod(_root.c_str(), 0755);
+        recorder.flush();
+        writeFile(at("file"), "");
+        recorder.flush();
+        testing::internal::GetCapturedStderr();
+        return recorder.text();
+    });
+    EXPECT_EQ(told, "20 " + _root + ", 100 " + at("file"));
+}
+
 TEST_F(FSEventsFaultsTest, MountsBelowTheRootAreToldAndFollowed) {
     fs::create_directories(at("sub/mnt"));
     StreamRecorder recorder({_root});
