@@ -68,12 +68,9 @@ void EventCollector::continueChild() {
     EventCollector& collector = ofProcess();
     if (collector._tracker)
         collector._tracker->kernel().abandon();
-    collector._tracker.reset();
-    collector._mounts.reset();
-    if (collector._wakeDescriptor >= 0)
-        close(collector._wakeDescriptor);
-    collector._wakeDescriptor = -1;
-    collector._isRunning = false;
+    if (std::exchange(collector._isRunning, false))
+        collector.letGo();
+    collector._hasLostTrack = false;
     collector._trees.clear();
     for (EventStream* stream : std::exchange(collector._streams, {}))
         stream->setStarted(false);
@@ -82,7 +79,7 @@ void EventCollector::continueChild() {
 }
 
 bool EventCollector::start(EventStream& stream) {
-    std::lock_guard lock(_mutex);
+    const Locked lock(*this);
     if (stream.isStarted())
         return true;
     if (!ensureRunning())
@@ -105,7 +102,7 @@ bool EventCollector::start(EventStream& stream) {
 }
 
 void EventCollector::stop(EventStream& stream) {
-    std::lock_guard lock(_mutex);
+    const Locked lock(*this);
     if (!stream.isStarted())
         return;
     stream.setStarted(false);
@@ -128,7 +125,12 @@ void EventCollector::endPredecessor() {
     EventStream* const stream = _predecessor->stream;
     _predecessor.reset();
     detach(*stream);
-    stream->release();
+    _toRelease.push_back(stream);
+}
+
+void EventCollector::release(const std::vector<EventStream*>& streams) {
+    for (EventStream* stream : streams)
+        stream->release();
 }
 
 void EventCollector::detach(EventStream& stream) {
@@ -170,13 +172,17 @@ bool EventCollector::ensureRunning() {
         return false;
     }
     _wakeDescriptor = eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC);
+    if (_wakeDescriptor < 0) {
+        fprintf(stderr, "FSEvents: nothing can be watched: %s\n", strerror(errno));
+        return false;
+    }
     _tracker = std::make_unique<FolderTracker>(std::move(kernel), client());
     _mounts = std::make_unique<MountChanges>();
     try {
         launchThread();
     } catch (const std::system_error& error) {
         fprintf(stderr, "FSEvents: nothing can be watched: %s\n", error.what());
-        _tracker.reset();
+        letGo();
         return false;
     }
     _isRunning = true;
@@ -203,11 +209,15 @@ void EventCollector::run() {
             break;
         wait(lock, next);
     }
+    letGo();
+    _isRunning = false;
+}
+
+void EventCollector::letGo() {
     _tracker.reset();
     _mounts.reset();
     close(_wakeDescriptor);
     _wakeDescriptor = -1;
-    _isRunning = false;
 }
 
 void EventCollector::wait(std::unique_lock<std::mutex>& lock, Clock::time_point until) {
@@ -220,7 +230,9 @@ void EventCollector::wait(std::unique_lock<std::mutex>& lock, Clock::time_point 
     pollfd descriptors[] = {{_wakeDescriptor, POLLIN, 0},
                             {_tracker->kernel().descriptor(), POLLIN, 0},
                             {_mounts->descriptor(), POLLPRI, 0}};
+    const std::vector<EventStream*> streams = std::exchange(_toRelease, {});
     lock.unlock();
+    release(streams);
     poll(descriptors, std::size(descriptors), timeoutMs);
     lock.lock();
     _mounts->note(descriptors[2].revents);
