@@ -2,6 +2,7 @@
 #include "RootGuards.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <climits>
 #include <deque>
 #include <sys/inotify.h>
@@ -93,11 +94,10 @@ void RootGuards::arm(uint32_t tree, const std::string& path, KernelWatches& kern
         const Item item = Item::at(way.item());
         // A folder on the way tells by itself when it is moved. Its parent would tell much else.
         const bool isOnTheWay = item.isFolder() && !way.isAtLast();
-        if (isOnTheWay)
-            add(way.item(), kIsMoved, {tree, "", Kind::Folder}, kernel);
-        else
-            addEntry(tree, way, item, kernel);
-        if (item != Item::at(way.item()) && looks < kMostLooks)
+        const bool isThere = isOnTheWay
+                                 ? add(way.item(), kIsMoved, {tree, "", Kind::Folder}, kernel)
+                                 : addEntry(tree, way, item, kernel);
+        if ((!isThere || item != Item::at(way.item())) && looks < kMostLooks)
             continue;
         if (isOnTheWay)
             way.enter();
@@ -106,7 +106,7 @@ void RootGuards::arm(uint32_t tree, const std::string& path, KernelWatches& kern
     }
 }
 
-void RootGuards::addEntry(uint32_t tree, const Way& way, const Item& item, KernelWatches& kernel) {
+bool RootGuards::addEntry(uint32_t tree, const Way& way, const Item& item, KernelWatches& kernel) {
     Kind kind = Kind::Entry;
     uint32_t mask = kComesOrGoes;
     const bool isRoot = way.isAtLast() && item.exists() && !item.isLink();
@@ -117,13 +117,15 @@ void RootGuards::addEntry(uint32_t tree, const Way& way, const Item& item, Kerne
         kind = Kind::LockedFolder;
         mask |= IN_ATTRIB;
     }
-    add(way.folder(), mask, {tree, way.name(), kind}, kernel);
+    return add(way.folder(), mask, {tree, way.name(), kind}, kernel);
 }
 
-void RootGuards::add(const std::string& folder, uint32_t mask, Guard guard, KernelWatches& kernel) {
+bool RootGuards::add(const std::string& folder, uint32_t mask, Guard guard, KernelWatches& kernel) {
     const int watch = kernel.addPath(folder.c_str(), mask);
-    if (watch >= 0)
-        _guards.emplace(watch, std::move(guard));
+    if (watch < 0)
+        return errno != ENOENT && errno != ENOTDIR;
+    _guards.emplace(watch, std::move(guard));
+    return true;
 }
 
 std::vector<int> RootGuards::disarm(uint32_t tree) {

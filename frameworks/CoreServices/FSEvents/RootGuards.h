@@ -45,8 +45,9 @@ private:
         Kind kind;
     };
 
-    void addEntry(uint32_t tree, const Way& way, const Item& item, KernelWatches& kernel);
-    void add(const std::string& folder, uint32_t mask, Guard guard, KernelWatches& kernel);
+    // Fail: false where the folder is gone.
+    bool addEntry(uint32_t tree, const Way& way, const Item& item, KernelWatches& kernel);
+    bool add(const std::string& folder, uint32_t mask, Guard guard, KernelWatches& kernel);
     static Concern concern(const Guard& guard, const KernelEvent& event);
 
     std::multimap<int, Guard> _guards;
