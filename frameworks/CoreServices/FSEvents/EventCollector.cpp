@@ -276,12 +276,15 @@ EventCollector::Clock::time_point EventCollector::dropUnused() {
     return next;
 }
 
+// What comes while trees are looked at anew is collected, and the kernel does not tell of it again.
 void EventCollector::drain() {
-    drainKernel();
-    handleMounts();
-    checkRoots();
-    if (std::exchange(_hasLostTrack, false))
-        recover();
+    do {
+        drainKernel();
+        handleMounts();
+        checkRoots();
+        if (std::exchange(_hasLostTrack, false))
+            recover();
+    } while (!_tracker->kernel().isEmpty());
 }
 
 void EventCollector::drainKernel() {
