@@ -190,7 +190,8 @@ void TreeReport::finish() {
 }
 
 void TreeReport::printBurst() {
-    printf("lag_ns %f\n", nanoseconds(_lastCovered - _lastMade));
+    // The last may be told before its file is closed.
+    printf("lag_ns %f\n", std::max(0.0, nanoseconds(_lastCovered - _lastMade)));
     printf("write_ns %f\n", nanoseconds(_lastMade - _files[0].made));
     printf("reports %f\n", static_cast<double>(_reports));
     printf("rescans %f\n", static_cast<double>(_rescans));
