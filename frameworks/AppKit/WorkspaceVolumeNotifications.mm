@@ -82,7 +82,10 @@ private:
     class Telling;
 
     Notifier();
-    bool watch();
+    bool isStarted();
+    // Leaves in its arguments what is to be destroyed. False when another thread was faster.
+    bool take(std::unique_ptr<VolumeWatch>& watch, std::unique_ptr<cf::RunLoopDescriptor>& source,
+              std::vector<Volume> now);
     // These two on the main thread.
     void tellChanges();
     bool tellNextChange();
@@ -134,27 +137,39 @@ void Notifier::volumesWereListed(const std::vector<Volume>& volumes) {
         _listed = withSerials(volumes);
 }
 
-// A child's own watch takes the place of its parent's; what it has been told stays true.
+// A child's own watch takes the place of its parent's; what it has been told stays true. No other
+// lock is taken under this object's, as a fork takes them all in an order of its own.
 void Notifier::start() {
-    std::lock_guard lock(_mutex);
-    if (_process == getpid() || !watch())
+    if (isStarted())
         return;
-    if (_process == 0)
-        _told.begin(_listed ? *std::exchange(_listed, std::nullopt)
-                            : volumesOf(coreservices::currentMounts()));
-    _process = getpid();
-    _source->schedule(CFRunLoopGetMain(), kCFRunLoopCommonModes);
-}
-
-bool Notifier::watch() {
     auto watch = std::make_unique<VolumeWatch>(kVolumes);
     if (watch->descriptor() < 0) {
         fprintf(stderr, "NSWorkspace: volumes are not watched: %s\n", strerror(errno));
-        return false;
+        return;
     }
-    _source = std::make_unique<cf::RunLoopDescriptor>(watch->descriptor(), EPOLLIN,
-                                                      [this](uint32_t) { tellChanges(); });
-    _watch = std::move(watch);
+    auto source = std::make_unique<cf::RunLoopDescriptor>(watch->descriptor(), EPOLLIN,
+                                                          [this](uint32_t) { tellChanges(); });
+    cf::RunLoopDescriptor& added = *source;
+    std::vector<Volume> now = volumesOf(coreservices::currentMounts());
+    if (take(watch, source, std::move(now)))
+        added.schedule(CFRunLoopGetMain(), kCFRunLoopCommonModes);
+}
+
+bool Notifier::isStarted() {
+    std::lock_guard lock(_mutex);
+    return _process == getpid();
+}
+
+bool Notifier::take(std::unique_ptr<VolumeWatch>& watch,
+                    std::unique_ptr<cf::RunLoopDescriptor>& source, std::vector<Volume> now) {
+    std::lock_guard lock(_mutex);
+    if (_process == getpid())
+        return false;
+    if (_process == 0)
+        _told.begin(_listed ? *std::exchange(_listed, std::nullopt) : std::move(now));
+    _process = getpid();
+    _watch.swap(watch);
+    _source.swap(source);
     return true;
 }
 

@@ -2,12 +2,15 @@
 #include "tests/tool/ToolProcess.h"
 
 #include <array>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
 #include <memory>
+#include <poll.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <utility>
 
 namespace tav::test {
 
@@ -104,6 +107,64 @@ void expectResult(const ToolResult& result, int code, const std::string& output,
     EXPECT_EQ(result.output, output);
     EXPECT_EQ(result.errors, errors);
     EXPECT_EQ(result.code, code);
+}
+
+RunningTool::RunningTool(const std::string& folder, const std::vector<std::string>& arguments) {
+    int ends[2];
+    if (pipe2(ends, O_CLOEXEC) != 0)
+        return;
+    const File in = temporaryFile();
+    _output = ends[0];
+    _process = start(folder, arguments, {fileno(in.get()), ends[1], ends[1]});
+    close(ends[1]);
+}
+
+RunningTool::~RunningTool() {
+    closeOutput();
+    if (_process <= 0)
+        return;
+    kill(_process, SIGKILL);
+    waitFor(_process);
+}
+
+std::string RunningTool::readLine() {
+    constexpr int kTimeoutMs = 10000;
+    std::size_t end = 0;
+    while ((end = _unread.find('\n')) == std::string::npos) {
+        pollfd output{_output, POLLIN, 0};
+        std::array<char, 4096> piece;
+        const ssize_t count =
+            poll(&output, 1, kTimeoutMs) > 0 ? read(_output, piece.data(), piece.size()) : 0;
+        if (count <= 0)
+            return "";
+        _unread.append(piece.data(), static_cast<std::size_t>(count));
+    }
+    const std::string line = _unread.substr(0, end);
+    _unread.erase(0, end + 1);
+    return line;
+}
+
+bool RunningTool::waitForLine(const std::string& line) {
+    for (std::string next = readLine(); !next.empty(); next = readLine()) {
+        if (next == line)
+            return true;
+        _seen += next + "\n";
+    }
+    return false;
+}
+
+void RunningTool::signal(int number) const {
+    kill(_process, number);
+}
+
+void RunningTool::closeOutput() {
+    if (_output >= 0)
+        close(_output);
+    _output = -1;
+}
+
+int RunningTool::wait() {
+    return waitFor(std::exchange(_process, -1));
 }
 
 }  // namespace tav::test

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 #include <string>
+#include <sys/types.h>
 #include <vector>
 
 namespace tav::test {
@@ -21,6 +22,32 @@ ToolResult runTool(const std::string& folder, const std::vector<std::string>& ar
                    const std::string& input = {}, const std::string& outputPath = {});
 /// The same with standard error on a terminal; what that showed is in `errors`.
 ToolResult runToolOnTerminal(const std::string& folder, const std::vector<std::string>& arguments);
+
+/// The tool while it runs, its standard output and error in one. Killed at the end.
+class RunningTool {
+public:
+    RunningTool(const std::string& folder, const std::vector<std::string>& arguments);
+    ~RunningTool();
+    RunningTool(const RunningTool&) = delete;
+    RunningTool& operator=(const RunningTool&) = delete;
+
+    /// Waits for a line, ten seconds at most; empty when none comes. Without its end.
+    std::string readLine();
+    /// Reads lines until there is this one. Fails: false, and `seen` has what came instead.
+    bool waitForLine(const std::string& line);
+    const std::string& seen() const { return _seen; }
+    void signal(int number) const;
+    /// No one reads any more.
+    void closeOutput();
+    /// As `ToolResult::code`.
+    int wait();
+
+private:
+    int _output = -1;
+    pid_t _process = -1;
+    std::string _unread;
+    std::string _seen;
+};
 
 /// Tests that run the tool in a folder of their own.
 class ToolTest : public testing::Test {

@@ -2,6 +2,7 @@
 #include "tools/ula/SettingsCommand.h"
 
 #include "tools/ula/SettingsCommands.h"
+#include "ula/SettingsPList.h"
 
 #include <CLI/CLI.hpp>
 #include <memory>
@@ -22,6 +23,7 @@ constexpr const char* kSettingsHelp = R"(Examples:
   ula settings photo.xml export > photo.json
   ula settings photo.xml import photo.json --backup   keeps photo.xml.bak
   ula settings photo.xml diff other.xml && echo same
+  ula settings --plist Example Photos list            an application's property list
 
 Exit codes:
   0  done                     3  a file cannot be read, or is not there
@@ -56,10 +58,37 @@ Examples:
   ula settings photo.xml import photo.json
   ula settings old.xml export | ula settings new.xml import - --replace)";
 
-/// Shared by the verbs: where the file's name will be, and where the exit code is wanted.
+/// What the command line says of the file.
+struct FileWords {
+    std::string path;
+    bool hasPath = false;
+    std::vector<std::string> plist;
+    bool isMachines = false;
+};
+
+/// Fails: throws `CommandError`.
+SettingsFile fileOf(const FileWords& words) {
+    const bool isPropertyList = !words.plist.empty();
+    if (!isPropertyList && !words.hasPath)
+        throw CommandError{ExitUsage, "FILE is required",
+                           "'ula --help' and 'ula COMMAND --help' show how"};
+    if (isPropertyList && words.hasPath)
+        throw CommandError{ExitUsage, "there must be FILE or --plist, not both"};
+    if (words.isMachines && !isPropertyList)
+        throw CommandError{ExitUsage, "--machine goes with --plist"};
+    if (!isPropertyList)
+        return {words.path, false};
+    const FastString company(words.plist[0]);
+    const FastString application(words.plist[1]);
+    if (company.empty() || application.empty())
+        throw CommandError{ExitUsage, "COMPANY and APP must not be empty"};
+    return {ula::SettingsPList::fileName(application, company, !words.isMachines), true};
+}
+
+/// Shared by the verbs: where the words for the file will be, and where the exit code is wanted.
 struct Target {
     CLI::App* settings;
-    std::shared_ptr<std::string> file;
+    std::shared_ptr<FileWords> file;
     ExitCode* result;
 };
 
@@ -71,10 +100,22 @@ CLI::Option* addText(CLI::App* verb, const char* name, std::string& text, const 
 template <class Options>
 CLI::App* addVerb(const Target& target, const char* name, const char* help,
                   const std::shared_ptr<Options>& options,
-                  ExitCode (*run)(const std::string&, const Options&)) {
+                  ExitCode (*run)(const SettingsFile&, const Options&)) {
     CLI::App* verb = target.settings->add_subcommand(name, help);
-    verb->callback([target, options, run] { *target.result = run(*target.file, *options); });
+    verb->callback(
+        [target, options, run] { *target.result = run(fileOf(*target.file), *options); });
     return verb;
+}
+
+void addFile(CLI::App* settings, FileWords& words) {
+    addText(settings, "FILE", words.path, "The settings file (XML)")
+        ->each([&words](const std::string&) { words.hasPath = true; });
+    settings->add_option("--plist", words.plist, "Instead: the property list of an application")
+        ->expected(2)
+        ->transform(&unprotectArgument)
+        ->type_name("COMPANY APP");
+    settings->add_flag("--machine", words.isMachines,
+                       "With --plist: the machine's list, not the user's");
 }
 
 void addBackup(CLI::App* verb, bool& keepBackup) {
@@ -169,10 +210,9 @@ std::string unprotectArgument(const std::string& argument) {
 }
 
 void addSettingsCommand(CLI::App& program, ExitCode& result) {
-    CLI::App* settings =
-        program.add_subcommand("settings", "Look at and change a settings file (XML)");
-    const Target target{settings, std::make_shared<std::string>(), &result};
-    addText(settings, "FILE", *target.file, "The settings file")->required();
+    CLI::App* settings = program.add_subcommand("settings", "Look at and change a settings file");
+    const Target target{settings, std::make_shared<FileWords>(), &result};
+    addFile(settings, *target.file);
     addList(target);
     addGet(target);
     addSet(target);
@@ -184,7 +224,7 @@ void addSettingsCommand(CLI::App& program, ExitCode& result) {
     settings->require_subcommand(0, 1);
     settings->callback([target] {
         if (target.settings->get_subcommands().empty())
-            *target.result = runList(*target.file, {});
+            *target.result = runList(fileOf(*target.file), {});
     });
     settings->footer(kSettingsHelp);
 }

@@ -51,9 +51,9 @@ void addGroup(SettingsTable& table, const FastString& name, const KeyMap* left,
 
 }  // namespace
 
-ExitCode runDiff(const std::string& file, const DiffOptions& options) {
+ExitCode runDiff(const SettingsFile& file, const DiffOptions& options) {
     const auto left = readStore(file);
-    const auto right = readStore(options.other);
+    const auto right = readStore({options.other, file.isPropertyList});
     if (left->groups() == right->groups())
         return ExitOk;
     if (options.isQuiet)
@@ -64,7 +64,7 @@ ExitCode runDiff(const std::string& file, const DiffOptions& options) {
                  addGroup(table, name, before, after);
              });
     const Colours colours = outputColours();
-    print(colours.red + ("--- " + displayText(file)) + colours.plain + "\n");
+    print(colours.red + ("--- " + displayText(file.path)) + colours.plain + "\n");
     print(colours.green + ("+++ " + displayText(options.other)) + colours.plain + "\n");
     table.print();
     return ExitDiffers;

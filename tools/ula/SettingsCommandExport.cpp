@@ -7,7 +7,7 @@
 
 namespace tav::tool {
 
-ExitCode runExport(const std::string& file, const ExportOptions& options) {
+ExitCode runExport(const SettingsFile& file, const ExportOptions& options) {
     const auto store = readStore(file);
     if (options.target == "-") {
         writeJson(store->groups(), print);

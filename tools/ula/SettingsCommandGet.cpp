@@ -20,12 +20,12 @@ void printBare(const Setting& setting) {
 
 }  // namespace
 
-ExitCode runGet(const std::string& file, const GetOptions& options) {
+ExitCode runGet(const SettingsFile& file, const GetOptions& options) {
     const auto store = readStore(file);
     const Setting* setting = store->find(options.group, options.key);
     if (!setting && !options.hasFallback)
         throw CommandError{ExitDiffers,
-                           file + ": there is no key \"" + options.key + "\" in group \"" +
+                           file.path + ": there is no key \"" + options.key + "\" in group \"" +
                                options.group + "\"",
                            "'ula settings FILE list' shows what there is; --default VALUE gives "
                            "a value instead"};

@@ -2,6 +2,7 @@
 #include "tools/ula/SettingsCommands.h"
 #include "tools/ula/SettingsJsonReader.h"
 #include "tools/ula/SettingsStore.h"
+#include "ula/foundation/xml/XmlDocumentRapid.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -54,7 +55,7 @@ void merge(GroupMap& groups, const FastString& name, KeyMap& keys, bool replaceG
 
 }  // namespace
 
-ExitCode runImport(const std::string& file, const ImportOptions& options) {
+ExitCode runImport(const SettingsFile& file, const ImportOptions& options) {
     std::string name;
     const std::string text = readSource(options.source, name);
     GroupMap groups = readJson(text, name);

@@ -21,10 +21,10 @@ void keepOnly(GroupMap& groups, const std::string& name, const std::string& file
 
 }  // namespace
 
-ExitCode runList(const std::string& file, const ListOptions& options) {
+ExitCode runList(const SettingsFile& file, const ListOptions& options) {
     const auto store = readStore(file);
     if (options.hasGroup)
-        keepOnly(store->groups(), options.group, file);
+        keepOnly(store->groups(), options.group, file.path);
     if (options.asJson) {
         writeJson(store->groups(), print);
         return ExitOk;

@@ -36,12 +36,12 @@ Setting newValue(const SetOptions& options, const Setting* old) {
 
 }  // namespace
 
-ExitCode runSet(const std::string& file, const SetOptions& options) {
+ExitCode runSet(const SettingsFile& file, const SetOptions& options) {
     if (options.group.empty() || options.key.empty())
         throw CommandError{ExitUsage, "GROUP and KEY must not be empty"};
     const auto store = openStore(file);
     const Setting value = newValue(options, store->find(options.group, options.key));
-    store->setGeneric(FastString(options.group), FastString(options.key), value);
+    store->groups()[FastString(options.group)].insert_or_assign(FastString(options.key), value);
     writeStore(*store, file, options.keepBackup);
     return ExitOk;
 }

@@ -18,7 +18,7 @@ bool removeKey(GroupMap& groups, const FastString& group, const FastString& key)
 
 }  // namespace
 
-ExitCode runUnset(const std::string& file, const UnsetOptions& options) {
+ExitCode runUnset(const SettingsFile& file, const UnsetOptions& options) {
     readStore(file);  // for its message when there is no file
     const auto store = openStore(file);
     const FastString group(options.group);
@@ -28,7 +28,7 @@ ExitCode runUnset(const std::string& file, const UnsetOptions& options) {
     if (!isRemoved) {
         const std::string key = options.hasKey ? "key \"" + options.key + "\" in " : std::string();
         throw CommandError{ExitDiffers,
-                           file + ": there is no " + key + "group \"" + options.group + "\"",
+                           file.path + ": there is no " + key + "group \"" + options.group + "\"",
                            "'ula settings FILE list' shows what there is"};
     }
     writeStore(*store, file, options.keepBackup);

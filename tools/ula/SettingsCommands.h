@@ -2,6 +2,7 @@
 #pragma once
 
 #include "tools/ula/CommandError.h"
+#include "tools/ula/SettingsStore.h"
 
 #include <string>
 #include <vector>
@@ -15,7 +16,7 @@ struct ListOptions {
     bool hasGroup = false;
     bool asJson = false;
 };
-ExitCode runList(const std::string& file, const ListOptions& options);
+ExitCode runList(const SettingsFile& file, const ListOptions& options);
 
 struct GetOptions {
     std::string group, key;
@@ -23,7 +24,7 @@ struct GetOptions {
     bool hasFallback = false;
     bool asJson = false;
 };
-ExitCode runGet(const std::string& file, const GetOptions& options);
+ExitCode runGet(const SettingsFile& file, const GetOptions& options);
 
 struct SetOptions {
     std::string group, key;
@@ -32,31 +33,31 @@ struct SetOptions {
     bool asJson = false;
     bool keepBackup = false;
 };
-ExitCode runSet(const std::string& file, const SetOptions& options);
+ExitCode runSet(const SettingsFile& file, const SetOptions& options);
 
 struct UnsetOptions {
     std::string group, key;
     bool hasKey = false;
     bool keepBackup = false;
 };
-ExitCode runUnset(const std::string& file, const UnsetOptions& options);
+ExitCode runUnset(const SettingsFile& file, const UnsetOptions& options);
 
 struct ImportOptions {
     std::string source;
     bool replaceGroups = false;
     bool keepBackup = false;
 };
-ExitCode runImport(const std::string& file, const ImportOptions& options);
+ExitCode runImport(const SettingsFile& file, const ImportOptions& options);
 
 struct ExportOptions {
     std::string target = "-";
 };
-ExitCode runExport(const std::string& file, const ExportOptions& options);
+ExitCode runExport(const SettingsFile& file, const ExportOptions& options);
 
 struct DiffOptions {
     std::string other;
     bool isQuiet = false;
 };
-ExitCode runDiff(const std::string& file, const DiffOptions& options);
+ExitCode runDiff(const SettingsFile& file, const DiffOptions& options);
 
 }  // namespace tav::tool

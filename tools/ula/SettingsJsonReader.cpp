@@ -4,6 +4,7 @@
 #include "tools/ula/CommandError.h"
 #include "tools/ula/ProgressBar.h"
 #include "tools/ula/SettingsValue.h"
+#include "ula/SettingsXML.h"
 #include "ula/foundation/text/NumberConversion.h"
 
 #include <algorithm>

@@ -2,6 +2,7 @@
 #include "tools/ula/SettingsValue.h"
 
 #include "tools/ula/CommandError.h"
+#include "ula/SettingsXML.h"
 #include "ula/foundation/text/NumberConversion.h"
 
 #include <regex>

@@ -179,7 +179,8 @@ private:
     }
 
     void tell(const char* event, const Drive& drive) {
-        _printer.tell({event, drive.mountPoint(), "", std::nullopt, drive.properties().title()});
+        const FileProperties& volume = drive.properties();
+        _printer.tell({event, volume.fullPath(), "", std::nullopt, volume.title()});
     }
 
     WatchPrinter _printer;

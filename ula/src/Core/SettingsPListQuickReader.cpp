@@ -1,0 +1,224 @@
+// SPDX-License-Identifier: MIT
+#include "ula/src/Core/SettingsPListQuickReader.h"
+
+#include "ula/foundation/xml/XmlCharacters.h"
+#include "ula/foundation/xml/XmlText.h"
+#include "ula/foundation/xml/XmlWriter.h"
+
+#include <charconv>
+#include <cstring>
+#include <vector>
+
+namespace tav::ula {
+
+namespace {
+
+using Setting = SettingsBase::Setting;
+
+class QuickReader {
+public:
+    explicit QuickReader(const xml::XmlText& text)
+        : _text(text), _next(text.bytes), _end(text.bytes + text.length) {}
+
+    bool read(SettingsBase::GroupMap& settings) {
+        return skipProlog() && take("<plist version=\"1.0\">") && readGroups(settings) &&
+               take("</plist>") && atEnd();
+    }
+
+private:
+    bool skipProlog();
+    bool readGroups(SettingsBase::GroupMap& settings);
+    bool readKeys(SettingsBase::KeyMap& keys);
+    bool readSetting(Setting& setting);
+    bool readInteger(Setting& setting);
+    bool readReal(Setting& setting);
+    bool readStringArray(Setting& setting);
+    bool readKey(FastString& name);
+    bool readContent(std::string_view end, std::string_view& content);
+    bool decodeRest(char* begin, std::string_view& content);
+
+    std::string_view rest() const { return {_next, static_cast<std::size_t>(_end - _next)}; }
+    void skipBlanks() {
+        while (_next < _end &&
+               (*_next == '\n' || *_next == '\t' || *_next == ' ' || *_next == '\r'))
+            ++_next;
+    }
+    bool atEnd() {
+        skipBlanks();
+        return _next == _end;
+    }
+    /// Goes past `markup` if it stands here.
+    bool takeHere(std::string_view markup) {
+        if (!rest().starts_with(markup))
+            return false;
+        _next += markup.size();
+        return true;
+    }
+    bool take(std::string_view markup) {
+        skipBlanks();
+        return takeHere(markup);
+    }
+    FastString share(std::string_view content) const {
+        return _text.share(content.data(), content.size());
+    }
+
+    const xml::XmlText& _text;
+    char* _next;
+    char* _end;
+};
+
+/// The document type is one of the two that lists have had.
+bool QuickReader::skipProlog() {
+    if (!takeHere(xml::XmlWriter::kDeclaration) && rest().starts_with("<?"))
+        return false;
+    if (!take("<!DOCTYPE plist PUBLIC \"-//Apple"))
+        return true;
+    takeHere(" Computer");
+    return takeHere("//DTD PLIST 1.0//EN\" "
+                    "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">");
+}
+
+bool QuickReader::readGroups(SettingsBase::GroupMap& settings) {
+    if (take("<dict/>"))
+        return true;
+    if (!takeHere("<dict>"))
+        return false;
+    while (!take("</dict>")) {
+        FastString name;
+        SettingsBase::KeyMap keys;
+        if (!readKey(name) || !readKeys(keys))
+            return false;
+        settings.insert_or_assign(name, std::move(keys));
+    }
+    return true;
+}
+
+bool QuickReader::readKeys(SettingsBase::KeyMap& keys) {
+    if (take("<dict/>"))
+        return true;
+    if (!takeHere("<dict>"))
+        return false;
+    while (!take("</dict>")) {
+        FastString name;
+        Setting setting;
+        if (!readKey(name) || !readSetting(setting))
+            return false;
+        keys.append(name, std::move(setting));
+    }
+    keys.buildIndex();
+    return true;
+}
+
+bool QuickReader::readKey(FastString& name) {
+    std::string_view content;
+    if (!take("<key>") || !readContent("</key>", content))
+        return false;
+    name = share(content);
+    return true;
+}
+
+bool QuickReader::readSetting(Setting& setting) {
+    if (take("<integer>"))
+        return readInteger(setting);
+    if (takeHere("<true/>"))
+        return setting = Setting(true), true;
+    if (takeHere("<false/>"))
+        return setting = Setting(false), true;
+    if (takeHere("<real>"))
+        return readReal(setting);
+    if (takeHere("<string/>"))
+        return setting = Setting(FastString()), true;
+    if (takeHere("<array/>"))
+        return setting = Setting(std::vector<FastString>()), true;
+    if (takeHere("<array>"))
+        return readStringArray(setting);
+    std::string_view content;
+    if (!takeHere("<string>") || !readContent("</string>", content))
+        return false;
+    setting = Setting(share(content));
+    return true;
+}
+
+/// The store has 32 bits for it: the lower ones.
+bool QuickReader::readInteger(Setting& setting) {
+    std::int64_t number = 0;
+    const auto [stop, error] = std::from_chars(_next, _end, number);
+    if (error != std::errc())
+        return false;
+    _next += stop - _next;
+    setting = Setting(static_cast<int>(number));
+    return takeHere("</integer>");
+}
+
+/// What begins with no digit may be infinite, or no number.
+bool QuickReader::readReal(Setting& setting) {
+    double number = 0;
+    const char* const digit = _next + (rest().starts_with('-') ? 1 : 0);
+    if (digit >= _end || *digit < '0' || *digit > '9')
+        return false;
+    const auto [stop, error] = std::from_chars(_next, _end, number);
+    if (error != std::errc())
+        return false;
+    _next += stop - _next;
+    setting = Setting(number);
+    return takeHere("</real>");
+}
+
+bool QuickReader::readStringArray(Setting& setting) {
+    std::vector<FastString> texts;
+    std::string_view content;
+    while (!take("</array>")) {
+        if (takeHere("<string/>"))
+            content = {};
+        else if (!takeHere("<string>") || !readContent("</string>", content))
+            return false;
+        texts.push_back(share(content));
+    }
+    setting = Setting(std::move(texts));
+    return true;
+}
+
+bool QuickReader::readContent(std::string_view end, std::string_view& content) {
+    char* const begin = _next;
+    while (_next < _end && *_next != '<' && *_next != '&')
+        ++_next;
+    content = {begin, static_cast<std::size_t>(_next - begin)};
+    return takeHere(end) || (decodeRest(begin, content) && takeHere(end));
+}
+
+/// Goes on where the first reference stands, decoding in place: a reference is never shorter than
+/// its character.
+bool QuickReader::decodeRest(char* begin, std::string_view& content) {
+    char* out = _next;
+    while (_next < _end && *_next != '<') {
+        if (*_next != '&') {
+            *out++ = *_next++;
+            continue;
+        }
+        std::uint32_t code = 0;
+        const std::size_t length = xml::decodeReference(rest(), code);
+        if (length == 0)
+            return false;
+        out = xml::encodeCharacter(code, out);
+        _next += length;
+    }
+    content = {begin, static_cast<std::size_t>(out - begin)};
+    return true;
+}
+
+}  // namespace
+
+bool readPropertyListQuickly(const FastString& path, SettingsBase::GroupMap& settings) {
+    xml::XmlText text;
+    xml::XmlError ignored;
+    if (!xml::readXmlFile(path, text, ignored) ||
+        xml::findInvalidCharacter(text.view()) != FastString::npos)
+        return false;
+    SettingsBase::GroupMap read;
+    if (!QuickReader(text).read(read))
+        return false;
+    settings.swap(read);
+    return true;
+}
+
+}  // namespace tav::ula
