@@ -8,9 +8,11 @@
 #include <csignal>
 #include <cstdio>
 #include <cstring>
+#include <ctime>
 #include <poll.h>
 #include <pthread.h>
 #include <sys/eventfd.h>
+#include <sys/prctl.h>
 #include <system_error>
 #include <thread>
 #include <unistd.h>
@@ -23,6 +25,14 @@ namespace {
 constexpr auto kTakeOverWithin = std::chrono::milliseconds(50);
 // Folders stay watched for a moment: whoever replaces a stream needs them again at once.
 constexpr auto kKeptUnused = std::chrono::seconds(1);
+
+// Zero for what is past.
+timespec timespecOf(std::chrono::nanoseconds duration) {
+    const auto whole = std::chrono::floor<std::chrono::seconds>(duration);
+    if (whole.count() < 0)
+        return {0, 0};
+    return {static_cast<time_t>(whole.count()), static_cast<long>((duration - whole).count())};
+}
 
 // Signals are for the threads of the application.
 class SignalsBlocked {
@@ -201,6 +211,8 @@ void EventCollector::wake() {
 
 void EventCollector::run() {
     pthread_setname_np(pthread_self(), "fsevents");
+    // Otherwise the kernel may take another 50 microseconds for every wait.
+    prctl(PR_SET_TIMERSLACK, 1);
     std::unique_lock lock(_mutex);
     for (;;) {
         drain();
@@ -221,19 +233,16 @@ void EventCollector::letGo() {
 }
 
 void EventCollector::wait(std::unique_lock<std::mutex>& lock, Clock::time_point until) {
-    using std::chrono::ceil;
-    using std::chrono::milliseconds;
-    int timeoutMs = -1;
-    if (until != Clock::time_point::max())
-        timeoutMs = static_cast<int>(
-            std::max(ceil<milliseconds>(until - Clock::now()), milliseconds(0)).count());
+    // Whole milliseconds would be late by half of one.
+    const timespec timeout = timespecOf(until - Clock::now());
+    const bool isEndless = until == Clock::time_point::max();
     pollfd descriptors[] = {{_wakeDescriptor, POLLIN, 0},
                             {_tracker->kernel().descriptor(), POLLIN, 0},
                             {_mounts->descriptor(), POLLPRI, 0}};
     const std::vector<EventStream*> streams = std::exchange(_toRelease, {});
     lock.unlock();
     release(streams);
-    poll(descriptors, std::size(descriptors), timeoutMs);
+    ppoll(descriptors, std::size(descriptors), isEndless ? nullptr : &timeout, nullptr);
     lock.lock();
     _mounts->note(descriptors[2].revents);
     uint64_t count = 0;
