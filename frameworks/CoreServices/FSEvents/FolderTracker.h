@@ -6,6 +6,7 @@
 #include "FolderWalk.h"
 #include "KernelWatches.h"
 #include "MovePairs.h"
+#include "OpenFolder.h"
 #include "RootGuards.h"
 
 #include <memory>
@@ -54,7 +55,7 @@ public:
     // Fails: kNoFolder for what is missing or no folder, and with an error for what can't be read.
     Folder openRoot(uint32_t tree, int* error);
     void closeRoot(uint32_t tree, Folder root);
-    // Whether the path of the root still leads to this folder.
+    // Whether the path of the root still leads to this folder. Its way is watched anew.
     bool leadsTo(uint32_t tree, Folder root);
     // Looks at a folder below a root anew, since something was mounted or unmounted there.
     void refresh(Folder root, std::string_view pathBelowRoot);
@@ -62,7 +63,6 @@ public:
     void handleWaiting();
 
 private:
-    class Opened;
     // Within one tree.
     struct Move {
         Folder source;
@@ -89,7 +89,7 @@ private:
     void forget(Folder top);
     void release(int watch);
     bool isBelow(Folder folder, Folder top) const;
-    Opened open(Folder folder);
+    OpenFolder open(Folder folder);
     std::string pathOf(Folder folder) const;
 
     void found(Folder folder, std::string_view name, bool isFolder) override;
