@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "CoreServices/Files.h"
 
+#include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
+#include <memory>
 #include <sys/stat.h>
 
 namespace coreservices {
@@ -50,4 +52,17 @@ CFURLRef CFURLCreateFromFSRef(CFAllocatorRef allocator, const FSRef* fsRef) {
     bool isFolder = lookAt(path, &info) && S_ISDIR(info.stx_mode);
     return CFURLCreateFromFileSystemRepresentation(
         allocator, fsRef->hidden, static_cast<CFIndex>(std::strlen(path)), isFolder);
+}
+
+OSStatus FSPathMakeRef(const UInt8* path, FSRef* ref, Boolean* isDirectory) {
+    if (path == nullptr || ref == nullptr)
+        return paramErr;
+    std::unique_ptr<char, decltype(&free)> real(
+        realpath(reinterpret_cast<const char*>(path), nullptr), free);
+    struct stat info;
+    if (!real || stat(real.get(), &info) != 0 || !coreservices::setPath(*ref, real.get()))
+        return fnfErr;
+    if (isDirectory != nullptr)
+        *isDirectory = S_ISDIR(info.st_mode);
+    return noErr;
 }

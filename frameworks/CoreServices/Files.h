@@ -24,6 +24,10 @@ CF_EXPORT Boolean CFURLGetFSRef(CFURLRef url, FSRef* fsRef);
 /// Fails: null for a path that is not UTF-8.
 CF_EXPORT CFURLRef CFURLCreateFromFSRef(CFAllocatorRef allocator, const FSRef* fsRef);
 
+/// The item at a path, "/" separated; of a link what it leads to. `isDirectory` may be null.
+/// Fails: fnfErr where nothing lies; the reference then is as it was.
+CF_EXPORT OSStatus FSPathMakeRef(const UInt8* path, FSRef* ref, Boolean* isDirectory);
+
 CF_EXTERN_C_END
 
 #ifdef __cplusplus
