@@ -49,9 +49,9 @@ CardFolder::CardFolder(std::string path) : _path(std::move(path)) {
 Descriptor CardFolder::open(const std::string& relativePath, int flags) {
     Descriptor top(::open(_path.c_str(), O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
     struct stat info {};
-    if (!top || fstat(top.get(), &info) != 0)
+    if (!top && errno != ENOENT)
         return Descriptor();
-    if (info.st_dev != _device) {
+    if (!top || fstat(top.get(), &info) != 0 || info.st_dev != _device) {
         errno = ENODEV;
         return Descriptor();
     }

@@ -20,6 +20,10 @@ int readingError(int number) {
         return afpAccessDenied;
     case ENOMEM:
         return memFullErr;
+    // A place on the card that cannot be read any more: others may be.
+    case EIO:
+    case EUCLEAN:
+        return kICAFileCorruptedErr;
     default:
         return kICACommunicationErr;
     }

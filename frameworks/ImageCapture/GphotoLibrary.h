@@ -3,6 +3,7 @@
 
 #include <gphoto2/gphoto2-abilities-list.h>
 #include <gphoto2/gphoto2-port-info-list.h>
+#include <gphoto2/gphoto2-port-result.h>
 #include <memory>
 #include <mutex>
 #include <optional>

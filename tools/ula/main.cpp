@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tools/ula/CamerasCommand.h"
 #include "tools/ula/DirCommand.h"
 #include "tools/ula/DisplayText.h"
 #include "tools/ula/DrivesCommand.h"
@@ -24,6 +25,7 @@ using namespace tav::tool;
 constexpr const char* kHelp = R"(Examples:
   ula settings photo.xml list
   ula settings photo.xml set Window Width 1280
+  ula cameras import Pictures   brings pictures over from a camera or card
   ula dir --sort Pictures  a folder as a folder browser sees it
   ula drives               mounted volumes: their kinds, how large and how full
   ula folders              where documents, pictures and the rest lie
@@ -74,6 +76,7 @@ int main(int argc, char** argv) {
     program.require_subcommand(1);
     program.footer(kHelp);
     ExitCode result = ExitOk;
+    addCamerasCommand(program, result);
     addDirCommand(program, result);
     addDrivesCommand(program, result);
     addFoldersCommand(program, result);

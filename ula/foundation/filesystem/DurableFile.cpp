@@ -7,6 +7,7 @@
 
 #include <climits>
 #include <cstdint>
+#include <cstdio>
 #include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
@@ -70,6 +71,7 @@ public:
     bool write(std::string_view bytes);
     bool commit();
     const std::string& error() const { return _error; }
+    bool exists() const { return _exists; }
 
 private:
     bool open();
@@ -80,6 +82,9 @@ private:
     bool copyAccessList();
 
     bool replace();
+    bool placeNew();
+    bool linkNew();
+    bool setTime();
     bool sync(const Descriptor& descriptor);
     bool nameNewFile();
     bool keepOldFile();
@@ -104,6 +109,7 @@ private:
     }
 
     bool fail(const char* what, int errorNumber) {
+        _exists = errorNumber == EEXIST;
         _error = std::string(what) + " \"" + _path + "\": " + std::strerror(errorNumber);
         return false;
     }
@@ -124,6 +130,7 @@ private:
     std::string _oldName;  ///< a second, hidden name of the old file while it has one
     bool _isUnnamed = false;
     bool _failed = false;
+    bool _exists = false;
     std::string _error;
 };
 
@@ -133,7 +140,7 @@ bool DurableFile::Replacement::open() {
         errno = EINVAL;
         return false;
     }
-    if (!followLinks(path))
+    if (!_options.onlyNew && !followLinks(path))
         return false;
     const std::size_t slash = path.rfind('/');
     _leaf = path.substr(slash + 1);
@@ -150,6 +157,10 @@ bool DurableFile::Replacement::open() {
 bool DurableFile::Replacement::findOldFile() {
     if (fstatat(_folder.get(), _leaf.c_str(), &_old, AT_SYMLINK_NOFOLLOW) != 0)
         return errno == ENOENT;
+    if (_options.onlyNew) {
+        errno = EEXIST;
+        return false;
+    }
     _hasOld = true;
     if (!S_ISREG(_old.st_mode)) {
         errno = S_ISDIR(_old.st_mode) ? EISDIR : EINVAL;
@@ -242,7 +253,53 @@ bool DurableFile::Replacement::commit() {
     return replace() || fail("cannot replace", errno);
 }
 
+bool DurableFile::Replacement::setTime() {
+    if (!_options.modificationTime)
+        return true;
+    const timespec times[2] = {{0, UTIME_OMIT},
+                               {static_cast<time_t>(*_options.modificationTime), 0}};
+    return futimens(_file.get(), times) == 0;
+}
+
+/// Gives the file its name, if nobody else has it.
+bool DurableFile::Replacement::linkNew() {
+    if (_isUnnamed) {
+        const std::string handle = "/proc/self/fd/" + std::to_string(_file.get());
+        return linkat(AT_FDCWD, handle.c_str(), _folder.get(), _leaf.c_str(),
+                      AT_SYMLINK_FOLLOW) == 0;
+    }
+    if (linkat(_folder.get(), _newName.c_str(), _folder.get(), _leaf.c_str(), 0) == 0)
+        return true;
+    if (errno != EPERM && errno != EOPNOTSUPP)
+        return false;
+    // Cards have no hard links.
+    if (renameat2(_folder.get(), _newName.c_str(), _folder.get(), _leaf.c_str(),
+                  RENAME_NOREPLACE) != 0)
+        return false;
+    _newName.clear();
+    return true;
+}
+
+bool DurableFile::Replacement::placeNew() {
+    if (!sync(_file) || !linkNew())
+        return false;
+    if (!sync(_folder)) {
+        const int reason = errno;
+        putBack();
+        errno = reason;
+        return false;
+    }
+    // Where files have no names before, nobody leaves any behind.
+    if (!_isUnnamed)
+        removeLeftovers();
+    return true;
+}
+
 bool DurableFile::Replacement::replace() {
+    if (!setTime())
+        return false;
+    if (_options.onlyNew)
+        return placeNew();
     if (!sync(_file) || !nameNewFile() || !keepOldFile() || !putInPlace())
         return false;
     if (!sync(_folder)) {
@@ -319,7 +376,7 @@ bool DurableFile::Replacement::copyOldFile() {
         [&] { return openat(_folder.get(), _leaf.c_str(), O_RDONLY | O_CLOEXEC); }));
     if (!old)
         return errno == ENOENT;
-    DurableFile copy(String(_folderPath + "/" + _options.keepOldAs), {_options.sync, {}});
+    DurableFile copy(String(_folderPath + "/" + _options.keepOldAs), {.sync = _options.sync});
     const auto buffer = std::make_unique<char[]>(1 << 16);
     for (;;) {
         const ssize_t count =
@@ -397,6 +454,10 @@ bool DurableFile::write(std::string_view bytes) {
 
 bool DurableFile::commit() {
     return _replacement->commit();
+}
+
+bool DurableFile::exists() const {
+    return _replacement->exists();
 }
 
 const std::string& DurableFile::error() const {

@@ -3,7 +3,9 @@
 
 #include "ula/foundation/text/FastString.h"
 
+#include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -17,6 +19,11 @@ struct DurableFileOptions {
     /// the name; empty: not kept. After a failure it may already be the file that is still in
     /// place.
     std::string keepOldAs;
+    /// Makes a new file and replaces nothing: what has the name, a link included, stays, and the
+    /// operation fails with `error()` saying that the file exists.
+    bool onlyNew = false;
+    /// When the new file was last changed; without it, now. Units: seconds since 1970.
+    std::optional<std::int64_t> modificationTime = {};
 };
 
 /// Replaces a file by a new one, whole or not at all: whoever opens the path at any moment, after
@@ -48,6 +55,8 @@ public:
     /// Puts the new file in its place. To be called once, last.
     bool commit();
 
+    /// Whether it failed because something has the name that was to be new.
+    bool exists() const;
     /// What failed and why, in words, e.g. "cannot write /a/b.xml: No space left on device".
     const std::string& error() const;
 

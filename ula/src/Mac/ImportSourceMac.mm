@@ -1,0 +1,158 @@
+// SPDX-License-Identifier: MIT
+#include "ula/src/Mac/ImportSourceMac.h"
+
+#include "ula/ImportSession.h"
+#import "ula/ObjCHelper.h"
+#include "ula/ScopedARPool.h"
+#include "ula/src/Mac/CFOwner.h"
+
+#import <Foundation/Foundation.h>
+#include <cstdlib>
+
+namespace tav::ula {
+
+namespace {
+
+using Properties = CFOwner<CFDictionaryRef>;
+
+/// Fails: leaves the owner empty.
+ICAError copyProperties(ICAObject object, Properties& properties) {
+    ICACopyObjectPropertyDictionaryPB block = {};
+    block.object = object;
+    block.theDict = properties.receive();
+    return ICACopyObjectPropertyDictionary(&block, nullptr);
+}
+
+NSDictionary* dictionary(const Properties& properties) {
+    return reinterpret_cast<NSDictionary*>(const_cast<__CFDictionary*>(properties.get()));
+}
+
+std::string textOf(NSString* text) {
+    return text == nil ? std::string() : [text toStdString];
+}
+
+ImportDevice deviceOf(NSDictionary* facts) {
+    ImportDevice device;
+    device.id = std::to_string([[facts objectForKey:@"icao"] intValue]);
+    device.name = textOf([facts objectForKey:@"ICAUserAssignedDeviceNameKey"]);
+    device.isCard =
+        [[facts objectForKey:@"ICADeviceTypeKey"] isEqual:@"ICADeviceTypeCardReader"];
+    // Where the platform says it.
+    device.problem = textOf([facts objectForKey:@"ULAProblem"]);
+    return device;
+}
+
+std::vector<ImportDevice> devicesOf(ICAObject list) {
+    std::vector<ImportDevice> devices;
+    Properties properties;
+    copyProperties(list, properties);
+    if (properties)
+        for (NSDictionary* facts in [dictionary(properties) objectForKey:@"devices"])
+            devices.push_back(deviceOf(facts));
+    return devices;
+}
+
+std::string describe(ICAError error) {
+    switch (error) {
+    case -43:
+        return "it is no longer there";
+    case -5000:
+        return "it may not be read";
+    case kICACommunicationErr:
+        return "the device does not answer";
+    case kICAInvalidObjectErr:
+    case kICADeviceNotFoundErr:
+        return "the device is no longer connected";
+    case kICAFileCorruptedErr:
+        return "not all of it could be read";
+    case kICACannotYieldDevice:
+        return "another program uses the device";
+    default:
+        return "it cannot be read (error " + std::to_string(error) + ")";
+    }
+}
+
+}  // namespace
+
+std::unique_ptr<ImportSource> openImportSource(const std::string& deviceId) {
+    return std::make_unique<ImportSourceMac>(static_cast<ICAObject>(std::atoi(deviceId.c_str())));
+}
+
+std::vector<ImportDevice> ImportSession::devices() {
+    const ScopedARPool pool;
+    ICAGetDeviceListPB block = {};
+    if (ICAGetDeviceList(&block, nullptr) != noErr)
+        return {};
+    return devicesOf(block.object);
+}
+
+ImportSourceMac::ImportSourceMac(ICAObject device) : _device(device) {
+    const ScopedARPool pool;
+    ICAGetDeviceListPB block = {};
+    if (ICAGetDeviceList(&block, nullptr) == noErr)
+        _deviceList = block.object;
+}
+
+bool ImportSourceMac::succeeded(ICAError error) {
+    _error = error;
+    return error == noErr;
+}
+
+bool ImportSourceMac::count(std::uint32_t folder, std::uint32_t& result) {
+    const ScopedARPool pool;
+    ICAGetChildCountPB block = {};
+    block.object = folder;
+    if (!succeeded(ICAGetChildCount(&block, nullptr)))
+        return false;
+    result = block.count;
+    return true;
+}
+
+bool ImportSourceMac::item(std::uint32_t folder, std::uint32_t index, ImportSourceItem& result) {
+    const ScopedARPool pool;
+    ICAGetNthChildPB block = {};
+    block.parentObject = folder;
+    block.index = index + 1;
+    Properties properties;
+    if (!succeeded(ICAGetNthChild(&block, nullptr)) ||
+        !succeeded(copyProperties(block.childObject, properties)))
+        return false;
+    NSDictionary* const facts = dictionary(properties);
+    result.number = block.childObject;
+    result.name = textOf([facts objectForKey:@"ifil"]);
+    result.isFolder = block.childInfo.objectType == kICADirectory;
+    result.size = [[facts objectForKey:@"isiz"] unsignedLongLongValue];
+    result.modified = [[facts objectForKey:@"ULAModificationTime"] longLongValue];
+    return true;
+}
+
+bool ImportSourceMac::read(std::uint32_t file, std::uint64_t offset, std::size_t size,
+                           std::string& bytes) {
+    const ScopedARPool pool;
+    CFOwner<CFDataRef> data;
+    ICACopyObjectDataPB block = {};
+    block.object = file;
+    block.startByte = offset;
+    block.requestedSize = size;
+    block.data = data.receive();
+    if (!succeeded(ICACopyObjectData(&block, nullptr)))
+        return false;
+    bytes.assign(reinterpret_cast<const char*>(CFDataGetBytePtr(data.get())),
+                 static_cast<std::size_t>(CFDataGetLength(data.get())));
+    return true;
+}
+
+std::string ImportSourceMac::problem() {
+    const ScopedARPool pool;
+    for (const ImportDevice& device : devicesOf(_deviceList))
+        if (device.id == std::to_string(static_cast<int>(_device)) && !device.problem.empty())
+            return device.problem;
+    return describe(_error);
+}
+
+bool ImportSourceMac::isGone() {
+    return _error == kICACommunicationErr || _error == kICAInvalidObjectErr ||
+           _error == kICADeviceNotFoundErr || _error == kICACannotYieldDevice;
+}
+
+}  // namespace tav::ula
