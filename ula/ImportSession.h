@@ -22,8 +22,8 @@ struct ImportDevice {
     std::string problem;  ///< why it cannot be read, and what to do about it; empty when it can
 };
 
-/// A file on a device. Two folders may have files of the same name: the number tells them apart, for
-/// as long as the device is connected.
+/// A file on a device. Two folders may have files of the same name: the number tells them apart,
+/// for as long as the device is connected.
 struct ImportObject {
     std::uint32_t number = 0;
     std::string name;    ///< fit to be a file's name
@@ -42,8 +42,8 @@ struct ImportOptions {
 
 struct ImportProgress {
     const ImportObject* object = nullptr;  ///< the one that is being brought over
-    std::uint64_t bytes = 0;      ///< of it so far; 0 when it is done
-    std::size_t files = 0;        ///< done, or left out
+    std::uint64_t bytes = 0;               ///< of it so far; 0 when it is done
+    std::size_t files = 0;                 ///< done, or left out
     std::size_t totalFiles = 0;
     std::uint64_t doneBytes = 0;  ///< those of the files that are done
     std::uint64_t totalBytes = 0;
@@ -83,8 +83,8 @@ public:
     ImportSession(const ImportSession&) = delete;
     ImportSession& operator=(const ImportSession&) = delete;
 
-    /// Lists the device part by part, each as soon as it is read; `listed` returns whether to go on.
-    /// Fails: false when something could not be read, and `error` says what.
+    /// Lists the device part by part, each as soon as it is read; `listed` returns whether to go
+    /// on. Fails: false when something could not be read, and `error` says what.
     bool list(const Listed& listed);
     /// Everything at once.
     std::vector<ImportObject> list();

@@ -16,10 +16,9 @@ namespace tav::ula {
 /// Thread: the one that first called `getInstance`, whose run loop brings the signals.
 class ULA_API PTPImporter {
 public:
-    using DeviceAdded =
-        boost::signals2::signal<void(const std::string& deviceId,
-                                     const std::vector<std::string>& fileNames),
-                                boost::signals2::last_value<void>>;
+    using DeviceAdded = boost::signals2::signal<void(const std::string& deviceId,
+                                                     const std::vector<std::string>& fileNames),
+                                                boost::signals2::last_value<void>>;
     using DeviceRemoved = boost::signals2::signal<void(const std::string& deviceId),
                                                   boost::signals2::last_value<void>>;
 

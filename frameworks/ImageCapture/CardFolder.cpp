@@ -59,8 +59,8 @@ Descriptor CardFolder::open(const std::string& relativePath, int flags) {
     how.flags = static_cast<uint64_t>(flags | O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
     how.resolve = RESOLVE_BENEATH | RESOLVE_NO_SYMLINKS | RESOLVE_NO_XDEV;
     const char* path = relativePath.empty() ? "." : relativePath.c_str();
-    return Descriptor(static_cast<int>(retryInterrupted(
-        [&] { return syscall(SYS_openat2, top.get(), path, &how, sizeof how); })));
+    return Descriptor(static_cast<int>(
+        retryInterrupted([&] { return syscall(SYS_openat2, top.get(), path, &how, sizeof how); })));
 }
 
 int CardFolder::fail(const std::string& path, int number) {

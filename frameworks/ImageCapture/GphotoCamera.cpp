@@ -73,13 +73,16 @@ GphotoCamera::GphotoCamera(std::string model, std::string port)
     gp_context_set_cancel_func(
         _context,
         [](GPContext*, void* self) {
-            bool isLate = std::chrono::steady_clock::now() > static_cast<GphotoCamera*>(self)->_deadline;
+            bool isLate =
+                std::chrono::steady_clock::now() > static_cast<GphotoCamera*>(self)->_deadline;
             return isLate ? GP_CONTEXT_FEEDBACK_CANCEL : GP_CONTEXT_FEEDBACK_OK;
         },
         this);
     gp_context_set_progress_funcs(
         _context, [](GPContext*, float, const char*, void*) { return 0u; },
-        [](GPContext*, unsigned, float, void* self) { static_cast<GphotoCamera*>(self)->noteLife(); },
+        [](GPContext*, unsigned, float, void* self) {
+            static_cast<GphotoCamera*>(self)->noteLife();
+        },
         [](GPContext*, unsigned, void*) {}, this);
 }
 

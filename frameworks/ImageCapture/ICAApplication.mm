@@ -132,13 +132,12 @@ void tell(ICANotification procedure, NSSet* events, ObjectNumber device, bool is
 int listen(const ICARegisterForEventNotificationPB& block) {
     if (block.notificationProc == nullptr || block.objectOfInterest != 0)
         return paramErr;
-    NSArray* wanted =
-        reinterpret_cast<NSArray*>(const_cast<__CFArray*>(block.eventsOfInterest));
+    NSArray* wanted = reinterpret_cast<NSArray*>(const_cast<__CFArray*>(block.eventsOfInterest));
     // For ever, as the registration is.
     NSSet* events = [[NSSet alloc] initWithArray:wanted == nil ? [NSArray array] : wanted];
     const ICANotification procedure = block.notificationProc;
-    const bool listens = Service::instance().listen(
-        [procedure, events](ObjectNumber device, bool isAdded) {
+    const bool listens =
+        Service::instance().listen([procedure, events](ObjectNumber device, bool isAdded) {
             tell(procedure, events, device, isAdded);
         });
     if (!listens)

@@ -51,8 +51,8 @@ bool NewFile::open(const std::string& folder) {
 // that has its number.
 bool NewFile::createNamed() {
     static unsigned serial = 0;
-    std::string name =
-        ".ula-import-" + std::to_string(getpid()) + "-" + std::to_string(__sync_add_and_fetch(&serial, 1));
+    std::string name = ".ula-import-" + std::to_string(getpid()) + "-" +
+                       std::to_string(__sync_add_and_fetch(&serial, 1));
     unlinkat(_folder.get(), name.c_str(), 0);
     _file = Descriptor(retryInterrupted([&] {
         return openat(_folder.get(), name.c_str(), O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC, 0666);
@@ -85,8 +85,8 @@ bool NewFile::moveToName() {
         return true;
     }
     // Where that is not known either there are links, which do not replace.
-    return errno == EINVAL && linkat(_folder.get(), _hiddenName.c_str(), _folder.get(),
-                                     _name.c_str(), 0) == 0;
+    return errno == EINVAL &&
+           linkat(_folder.get(), _hiddenName.c_str(), _folder.get(), _name.c_str(), 0) == 0;
 }
 
 }  // namespace imagecapture

@@ -83,8 +83,7 @@ void printFile(const ImportObject& object, bool asJson) {
 
 /// As they come.
 ExitCode listFiles(const Options& options) {
-    const ImportDevice device =
-        chooseCamera(connectedCameras(options.addresses), options.device);
+    const ImportDevice device = chooseCamera(connectedCameras(options.addresses), options.device);
     ImportSession session(device.id);
     session.list([&](const std::vector<ImportObject>& part) {
         for (const ImportObject& object : part)

@@ -8,8 +8,8 @@
 
 namespace tav::tool {
 
-/// A bar on standard error, if that is a terminal, for bytes that are brought over: how much of all,
-/// which file, how fast. Gone at its end.
+/// A bar on standard error, if that is a terminal, for bytes that are brought over: how much of
+/// all, which file, how fast. Gone at its end.
 class TransferBar {
 public:
     explicit TransferBar(std::uint64_t totalBytes);

@@ -265,8 +265,8 @@ bool DurableFile::Replacement::setTime() {
 bool DurableFile::Replacement::linkNew() {
     if (_isUnnamed) {
         const std::string handle = "/proc/self/fd/" + std::to_string(_file.get());
-        return linkat(AT_FDCWD, handle.c_str(), _folder.get(), _leaf.c_str(),
-                      AT_SYMLINK_FOLLOW) == 0;
+        return linkat(AT_FDCWD, handle.c_str(), _folder.get(), _leaf.c_str(), AT_SYMLINK_FOLLOW) ==
+               0;
     }
     if (linkat(_folder.get(), _newName.c_str(), _folder.get(), _leaf.c_str(), 0) == 0)
         return true;

@@ -35,8 +35,8 @@ std::string numbered(const std::string& name, int number) {
 }
 
 bool isThisFile(const struct stat& info, const ImportObject& object) {
-    const bool isLikeIt = S_ISREG(info.st_mode) &&
-                          static_cast<std::uint64_t>(info.st_size) == object.size;
+    const bool isLikeIt =
+        S_ISREG(info.st_mode) && static_cast<std::uint64_t>(info.st_size) == object.size;
     return isLikeIt && (object.modified == 0 || isSameDate(info.st_mtime, object.modified));
 }
 

@@ -100,8 +100,7 @@ bool ImportRun::begin(Transfer& transfer) {
 std::string ImportRun::folderFor(const Transfer& transfer) {
     if (_options.dateFolders.empty())
         return {};
-    return dateFolder(_options.dateFolders,
-                      pictureDay(transfer.piece, transfer.object.modified));
+    return dateFolder(_options.dateFolders, pictureDay(transfer.piece, transfer.object.modified));
 }
 
 bool ImportRun::choosePlace(Transfer& transfer) {

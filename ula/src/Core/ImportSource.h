@@ -32,7 +32,8 @@ public:
                       std::string& bytes) = 0;
     /// Why the last call failed.
     virtual std::string problem() = 0;
-    /// Whether it failed because the device has gone or does not answer: other files will fail, too.
+    /// Whether it failed because the device has gone or does not answer: other files will fail,
+    /// too.
     virtual bool isGone() = 0;
 };
 

@@ -22,9 +22,7 @@ class Tiff {
 public:
     explicit Tiff(std::string_view bytes) : _bytes(bytes), _isBig(bytes.substr(0, 2) == "MM") {}
 
-    bool isOne() const {
-        return (_isBig || _bytes.substr(0, 2) == "II") && number(2, 2) == 42;
-    }
+    bool isOne() const { return (_isBig || _bytes.substr(0, 2) == "II") && number(2, 2) == 42; }
     std::uint32_t number(std::size_t at, std::size_t size) const {
         std::uint32_t value = 0;
         for (std::size_t i = 0; i < size && at < _bytes.size() && size <= _bytes.size() - at; ++i) {
@@ -108,7 +106,8 @@ std::string filled(const std::string& pattern, const PictureDay& day) {
         const char kind = pattern[i] == '%' && i + 1 < pattern.size() ? pattern[i + 1] : '\0';
         const bool isKnown = kind == 'Y' || kind == 'm' || kind == 'd';
         if (isKnown)
-            result += kind == 'Y' ? digits(day.year, 4) : digits(kind == 'm' ? day.month : day.day, 2);
+            result +=
+                kind == 'Y' ? digits(day.year, 4) : digits(kind == 'm' ? day.month : day.day, 2);
         else
             result += pattern[i];
         i += isKnown ? 1 : 0;

@@ -35,8 +35,7 @@ ImportDevice deviceOf(NSDictionary* facts) {
     ImportDevice device;
     device.id = std::to_string([[facts objectForKey:@"icao"] intValue]);
     device.name = textOf([facts objectForKey:@"ICAUserAssignedDeviceNameKey"]);
-    device.isCard =
-        [[facts objectForKey:@"ICADeviceTypeKey"] isEqual:@"ICADeviceTypeCardReader"];
+    device.isCard = [[facts objectForKey:@"ICADeviceTypeKey"] isEqual:@"ICADeviceTypeCardReader"];
     // Where the platform says it.
     device.problem = textOf([facts objectForKey:@"ULAProblem"]);
     return device;

@@ -44,11 +44,10 @@ void handleNotification(CFStringRef type, CFDictionaryRef notification) {
 }
 
 void registerForNotifications() {
-    NSArray* const types =
-        [NSArray arrayWithObjects:text(kICANotificationTypeDeviceAdded),
-                                  text(kICANotificationTypeDeviceRemoved),
-                                  text(kICANotificationTypeStoreAdded),
-                                  text(kICANotificationTypeStoreRemoved), nil];
+    NSArray* const types = [NSArray arrayWithObjects:text(kICANotificationTypeDeviceAdded),
+                                                     text(kICANotificationTypeDeviceRemoved),
+                                                     text(kICANotificationTypeStoreAdded),
+                                                     text(kICANotificationTypeStoreRemoved), nil];
     ICARegisterForEventNotificationPB block = {};
     block.eventsOfInterest = reinterpret_cast<CFArrayRef>(types);
     block.notificationProc = handleNotification;
@@ -106,9 +105,8 @@ void PTPImporterMac::downloadFiles(const std::string& deviceId,
         return;
     }
     NSNumber* const device = [NSNumber numberWithInt:std::atoi(deviceId.c_str())];
-    NSDictionary* const selected =
-        [_importer getSelectedFilesDictFromDevice:device
-                                            files:textsOf(fileNames)];
+    NSDictionary* const selected = [_importer getSelectedFilesDictFromDevice:device
+                                                                       files:textsOf(fileNames)];
     for (NSString* name in selected)
         download(name, [selected objectForKey:name], folder);
 }

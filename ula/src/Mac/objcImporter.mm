@@ -67,7 +67,8 @@ NSDictionary* filesByName(NSArray* files) {
         return;
     }
     for (NSDictionary* device in [dictionary(properties) objectForKey:@"devices"])
-        [self addDeviceDictionary:[NSNumber numberWithInt:[[device objectForKey:@"icao"] intValue]]];
+        [self
+            addDeviceDictionary:[NSNumber numberWithInt:[[device objectForKey:@"icao"] intValue]]];
 }
 
 - (BOOL)addDeviceDictionary:(NSNumber*)number {
@@ -115,8 +116,7 @@ NSDictionary* filesByName(NSArray* files) {
 
 - (NSMutableDictionary*)getSelectedFilesDictFromDevice:(NSNumber*)number files:(NSArray*)names {
     NSMutableDictionary* const selected = [NSMutableDictionary dictionary];
-    NSDictionary* const files =
-        filesByName([[_devices objectForKey:number] objectForKey:@"data"]);
+    NSDictionary* const files = filesByName([[_devices objectForKey:number] objectForKey:@"data"]);
     for (NSString* name in names)
         if (NSDictionary* const file = [files objectForKey:name])
             [selected setObject:file forKey:name];
