@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ula/src/Core/ImportRun.h"
 
+#include "ula/FastString.h"
 #include "ula/src/Core/FileChecksum.h"
 #include "ula/src/Core/ImportSource.h"
 #include "ula/src/Core/PictureDate.h"
