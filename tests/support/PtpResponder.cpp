@@ -2,6 +2,7 @@
 #include "tests/support/PtpResponder.h"
 
 #include <arpa/inet.h>
+#include <chrono>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <poll.h>
@@ -170,6 +171,17 @@ PtpFaults PtpResponder::faults() {
     return _faults;
 }
 
+int PtpResponder::transfers() {
+    const std::lock_guard lock(_mutex);
+    return _transfers;
+}
+
+bool PtpResponder::waitForTransfers(int count) {
+    std::unique_lock lock(_mutex);
+    return _transferred.wait_for(lock, std::chrono::seconds(10),
+                                 [&] { return _transfers >= count; });
+}
+
 void PtpResponder::accept() {
     for (;;) {
         pollfd table[] = {{_listening, POLLIN, 0}, {_end, POLLIN, 0}};
@@ -302,7 +314,11 @@ bool PtpResponder::sendData(int connection, const Request& request, const std::s
 }
 
 bool PtpResponder::sendFile(int connection, const Request& request) {
-    ++_transfers;
+    {
+        const std::lock_guard lock(_mutex);
+        ++_transfers;
+    }
+    _transferred.notify_all();
     if (!_objects.has(request.parameters[0]) || _objects.isFolder(request.parameters[0]))
         return sendPacket(
             connection, OperationResponse,

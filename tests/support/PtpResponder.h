@@ -3,7 +3,7 @@
 
 #include "tests/support/PtpObjects.h"
 
-#include <atomic>
+#include <condition_variable>
 #include <list>
 #include <mutex>
 #include <string>
@@ -37,7 +37,9 @@ public:
     PtpObjects& objects() { return _objects; }
     void setFaults(const PtpFaults& faults);
     /// How many files, or parts of files, were asked for.
-    int transfers() const { return _transfers; }
+    int transfers();
+    /// Waits for that many. Fails: false after ten seconds.
+    bool waitForTransfers(int count);
 
 private:
     struct Request {
@@ -62,7 +64,8 @@ private:
     PtpObjects _objects;
     std::mutex _mutex;
     PtpFaults _faults;
-    std::atomic<int> _transfers = 0;
+    int _transfers = 0;
+    std::condition_variable _transferred;
     int _listening = -1;
     int _end = -1;  ///< readable when all is to end
     std::list<std::thread> _threads;

@@ -1,0 +1,166 @@
+// SPDX-License-Identifier: MIT
+// Imports that are killed, and cards that are pulled out, at random moments. Needs root: the card
+// is a disk image.
+#include "tests/support/ChildProcess.h"
+#include "tests/support/Mounts.h"
+#include "tests/support/Picture.h"
+#include "tests/support/TemporaryFolder.h"
+#include "ula/ImportSession.h"
+
+#include <atomic>
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <map>
+#include <memory>
+#include <random>
+#include <stdexcept>
+
+namespace tav::test {
+
+namespace {
+
+namespace fs = std::filesystem;
+using namespace ula;
+
+constexpr int kKills = 200 / ULA_ROUNDS_DIVISOR;
+constexpr std::size_t kPictures = 24;
+constexpr std::size_t kSize = 60'000;
+/// About as long as one picture takes.
+constexpr long kLongestDelayNs = 3'000'000;
+
+struct Progress {
+    std::atomic<int> imported{0};
+    std::atomic<bool> isDone{false};
+};
+
+/// As the card has it, by where it is to arrive: of two folders the same names.
+std::map<std::string, std::string> fill(const std::string& card) {
+    std::map<std::string, std::string> expected;
+    for (unsigned i = 0; i < kPictures; ++i) {
+        const std::string number = std::to_string(i / 2);
+        const std::string path = card + "/DCIM/10" + std::to_string(i % 2) + "TEST";
+        fs::create_directories(path);
+        const std::string bytes = picture("2009:03:15 10:20:30", kSize, i);
+        writeFile(path + "/IMG_" + number + ".JPG", bytes);
+        expected["IMG_" + number + (i % 2 == 0 ? ".JPG" : "-2.JPG")] = bytes;
+    }
+    return expected;
+}
+
+std::string cardId() {
+    for (const ImportDevice& device : ImportSession::devices())
+        if (device.isCard)
+            return device.id;
+    return {};
+}
+
+void importAll(const std::string& target, Progress& progress) {
+    ImportSession session(cardId());
+    const auto files = session.import(session.list(), target, {}, [&](const ImportProgress& told) {
+        progress.imported = static_cast<int>(told.files);
+    });
+    progress.isDone = files.size() == kPictures;
+    for (const ImportedFile& file : files)
+        if (file.result == ImportResult::Failed)
+            progress.isDone = false;
+}
+
+/// The card once more.
+class Inserted : public Mounted {
+public:
+    explicit Inserted(const std::string& image) : Mounted("/Volumes/Card") {
+        if (std::system(("mount -o loop '" + image + "' /Volumes/Card").c_str()) != 0)
+            throw std::runtime_error("the card cannot be mounted again");
+    }
+};
+
+class KilledImports : public testing::Test {
+protected:
+    KilledImports() { fs::create_directory(target); }
+
+    void wait() {
+        const timespec delay{0, std::uniform_int_distribution<long>(0, kLongestDelayNs)(random)};
+        nanosleep(&delay, nullptr);
+    }
+    /// What is there is whole, each picture once, and nothing else.
+    void inspect(const std::map<std::string, std::string>& expected, bool isComplete) {
+        std::size_t found = 0;
+        for (const auto& entry : fs::directory_iterator(target)) {
+            const std::string name = entry.path().filename().string();
+            const auto picture = expected.find(name);
+            ASSERT_NE(picture, expected.end()) << name << " is none of the pictures";
+            ASSERT_TRUE(readFile(entry.path().string()) == picture->second) << name;
+            ++found;
+        }
+        if (isComplete) {
+            ASSERT_EQ(found, expected.size());
+        }
+    }
+
+    TemporaryFolder folder{fs::canonical(fs::temp_directory_path())};
+    std::string target = folder / "target";
+    std::minstd_rand random{20'261'121};
+};
+
+TEST_F(KilledImports, EveryPictureIsThereWholeExactlyOnce) {
+    const MountedImage card("/Volumes/Card", folder.path());
+    const auto expected = fill(card.point());
+    int kills = 0, inside = 0, complete = 0;
+    while (kills < kKills) {
+        fs::create_directories(target);
+        Shared<Progress> progress;
+        while (!progress->isDone && kills < kKills) {
+            ChildProcess child([&] { importAll(target, *progress); });
+            wait();
+            child.kill();
+            ++kills;
+            inside += progress->isDone ? 0 : 1;
+            inspect(expected, progress->isDone);
+            if (HasFatalFailure())
+                return;
+            // Kills that come too soon for anything to be done are of no use for ever.
+            if (kills % 8 == 0)
+                ChildProcess([&] { importAll(target, *progress); }).wait();
+        }
+        inspect(expected, progress->isDone);
+        complete += progress->isDone ? 1 : 0;
+        fs::remove_all(target);
+    }
+    std::printf("%d kills, %d before the end, %d imports completed\n", kills, inside, complete);
+    EXPECT_GT(inside, 0);
+    EXPECT_GT(complete, 0);
+}
+
+TEST_F(KilledImports, CardThatIsPulledOutAtAnyMomentLosesNothing) {
+    std::unique_ptr<Mounted> card = std::make_unique<MountedImage>("/Volumes/Card", folder.path());
+    const std::string image = static_cast<MountedImage&>(*card).image();
+    const auto expected = fill(card->point());
+    int complete = 0;
+    for (int round = 0; round < kKills; ++round) {
+        Shared<Progress> progress;
+        {
+            ChildProcess child([&] { importAll(target, *progress); });
+            wait();
+            card.reset();
+            ASSERT_EQ(child.wait(), 0);
+        }
+        card = std::make_unique<Inserted>(image);
+        if (round % 10 == 9)
+            ASSERT_EQ(ChildProcess([&] { importAll(target, *progress); }).wait(), 0);
+        inspect(expected, progress->isDone);
+        if (HasFatalFailure())
+            return;
+        complete += progress->isDone ? 1 : 0;
+        if (progress->isDone)
+            fs::remove_all(target);
+        fs::create_directories(target);
+    }
+    EXPECT_GE(complete, kKills / 10);
+}
+
+}  // namespace
+
+}  // namespace tav::test
