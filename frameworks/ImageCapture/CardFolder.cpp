@@ -64,7 +64,7 @@ Descriptor CardFolder::open(const std::string& relativePath, int flags) {
 }
 
 int CardFolder::fail(const std::string& path, int number) {
-    _problem = describe("cannot read", joined(_path, path), number);
+    _problem = describe("cannot read", path.empty() ? _path : _path + "/" + path, number);
     if (number == EACCES || number == EPERM)
         _problem += "; mount the card so that you may read it";
     return readingError(number);

@@ -61,6 +61,24 @@ bool isAboutOneFile(int code) {
     return code == fnfErr || code == dskFulErr || code == kICAFileCorruptedErr;
 }
 
+// libgphoto2 closes descriptor 0 with every camera on the network, as it never opened the port that
+// it closes. Whatever has that number gets it back.
+class KeptDescriptorZero {
+public:
+    KeptDescriptorZero() : _copy(fcntl(0, F_DUPFD_CLOEXEC, 3)), _flags(fcntl(0, F_GETFD)) {}
+    ~KeptDescriptorZero() {
+        bool isLost = _copy && fcntl(0, F_GETFD) < 0;
+        if (isLost)
+            dup3(_copy.get(), 0, (_flags & FD_CLOEXEC) != 0 ? O_CLOEXEC : 0);
+    }
+    KeptDescriptorZero(const KeptDescriptorZero&) = delete;
+    KeptDescriptorZero& operator=(const KeptDescriptorZero&) = delete;
+
+private:
+    Descriptor _copy;
+    int _flags;
+};
+
 // A file that is gone with its descriptor.
 Descriptor temporaryFile() {
     return Descriptor(::open("/tmp", O_TMPFILE | O_RDWR | O_CLOEXEC, 0600));
@@ -99,6 +117,7 @@ void GphotoCamera::close() {
     if (_camera == nullptr)
         return;
     noteLife();
+    const KeptDescriptorZero kept;
     gp_camera_exit(_camera, _context);
     gp_camera_unref(_camera);
     _camera = nullptr;
@@ -121,6 +140,7 @@ int GphotoCamera::connect() {
     if (result >= GP_OK)
         result = gp_camera_init(_camera, _context);
     if (result < GP_OK) {
+        const KeptDescriptorZero kept;
         gp_camera_unref(_camera);
         _camera = nullptr;
     }

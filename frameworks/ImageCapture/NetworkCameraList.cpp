@@ -25,6 +25,11 @@ bool isPort(const std::string& text) {
     return isNumber && std::stoi(text) > 0 && std::stoi(text) <= 65535;
 }
 
+// Its events come through the same port as its answers, which has to be said twice.
+std::string portOf(const std::string& address) {
+    return "ptpip:" + address + address.substr(address.rfind(':'));
+}
+
 }  // namespace
 
 std::string networkAddress(const std::string& text) {
@@ -52,7 +57,7 @@ std::vector<FoundDevice> NetworkCameraList::look() {
     std::vector<FoundDevice> found;
     for (const std::string& address : _addresses)
         found.push_back({"network " + address, "Camera at " + address, Kind::Camera, [address] {
-                             return std::make_unique<GphotoCamera>(kModel, "ptpip:" + address);
+                             return std::make_unique<GphotoCamera>(kModel, portOf(address));
                          }});
     return found;
 }

@@ -107,7 +107,7 @@ TEST_F(Import, FilesOfManyPiecesArriveWhole) {
     const std::string bytes = picture("", 3'500'000, 7);
     add(1, 10, "a.jpg", bytes);
     EXPECT_THAT(resultsOf(import({"", true})), ElementsAre(ImportResult::Imported));
-    EXPECT_EQ(readFile(target("a.jpg")), bytes);
+    EXPECT_TRUE(readFile(target("a.jpg")) == bytes);
 }
 
 TEST_F(Import, WhatIsThereByNameSizeAndDateIsLeftOut) {

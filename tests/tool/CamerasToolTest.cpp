@@ -71,7 +71,7 @@ TEST_F(CamerasTool, ListsFilesWithSizesAndDates) {
 
 TEST_F(CamerasTool, ImportsWhatIsNotThereYet) {
     expectResult(onCamera({"import", "Pictures"}), 0, "2 imported (3.0 MB), 0 already there\n", "");
-    EXPECT_EQ(read("Pictures/IMG_2.JPG"), picture("2009:03:16 10:20:30", 3'000'000, 2));
+    EXPECT_TRUE(read("Pictures/IMG_2.JPG") == picture("2009:03:16 10:20:30", 3'000'000, 2));
     expectResult(onCamera({"import", "Pictures"}), 0, "0 imported (0 bytes), 2 already there\n",
                  "");
 }
