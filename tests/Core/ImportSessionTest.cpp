@@ -25,13 +25,13 @@ constexpr std::int64_t kDate = 1'000'000'000;  // 2001-09-09 in every time zone
 
 class Import : public testing::Test {
 protected:
-    void add(std::uint32_t folder, std::uint32_t number, const std::string& name,
+    void add(std::uint32_t parent, std::uint32_t number, const std::string& name,
              const std::string& contents, std::int64_t modified = kDate) {
-        facts.folders[folder].push_back({number, name, false, contents.size(), modified});
+        facts.folders[parent].push_back({number, name, false, contents.size(), modified});
         facts.contents[number] = contents;
     }
-    void addFolder(std::uint32_t folder, std::uint32_t number, const std::string& name) {
-        facts.folders[folder].push_back({number, name, true, 0, 0});
+    void addFolder(std::uint32_t parent, std::uint32_t number, const std::string& name) {
+        facts.folders[parent].push_back({number, name, true, 0, 0});
     }
     std::vector<ImportedFile> import(const ImportOptions& options = {}) {
         return session.import(session.list(), target(), options);

@@ -29,12 +29,11 @@ protected:
 
     std::string target(const std::string& name = "") { return folder / ("target/" + name); }
     void fill(const MountedImage& card) {
-        for (const char* path :
-             {"DCIM/100A/IMG_1.JPG", "DCIM/101B/IMG_1.JPG", "DCIM/101B/IMG_2.JPG"}) {
-            const std::string file = card.point() + "/" + path;
+        unsigned seed = 0;
+        for (const char* path : {"100A/IMG_1.JPG", "101B/IMG_1.JPG", "101B/IMG_2.JPG"}) {
+            const std::string file = card.point() + "/DCIM/" + path;
             fs::create_directories(fs::path(file).parent_path());
-            writeFile(file, picture("2009:03:15 10:20:30", 20'000,
-                                    static_cast<unsigned>(file.size() + file[file.size() - 9])));
+            writeFile(file, picture("2009:03:15 10:20:30", 20'000, ++seed));
         }
     }
     static ImportDevice cardDevice() {
