@@ -34,13 +34,13 @@ public:
     virtual std::string problem() const = 0;
 };
 
-enum class Kind { Camera, CardReader };
+enum class Kind { CameraDevice, CardReader };
 
 // A device as it is found, before anybody speaks to it.
 struct FoundDevice {
     std::string identity;  // the same for as long as it is connected
     std::string name;
-    Kind kind = Kind::Camera;
+    Kind kind = Kind::CameraDevice;
     std::function<std::unique_ptr<Camera>()> connect;
 };
 

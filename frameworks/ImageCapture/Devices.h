@@ -15,7 +15,7 @@ constexpr ObjectNumber kDeviceList = 1;
 struct DeviceFacts {
     ObjectNumber number = 0;
     std::string name;
-    Kind kind = Kind::Camera;
+    Kind kind = Kind::CameraDevice;
     std::string problem;  // why it could not be read the last time
 };
 

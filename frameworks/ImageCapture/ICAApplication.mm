@@ -41,6 +41,8 @@ int guarded(Work work) {
     } catch (const std::exception& exception) {
         std::fprintf(stderr, "ImageCapture: %s\n", exception.what());
         return ioErr;
+    } catch (...) {
+        return ioErr;
     }
 }
 
@@ -161,6 +163,12 @@ int nthChild(ICAGetNthChildPB& block) {
     return 0;
 }
 
+// Empty for what is none.
+std::string addressOf(CFStringRef address) {
+    const char* const utf8 = address == nullptr ? nullptr : [text(address) UTF8String];
+    return imagecapture::networkAddress(utf8 == nullptr ? "" : utf8);
+}
+
 }  // namespace
 
 ICAError ICAGetDeviceList(ICAGetDeviceListPB* pb, ICACompletion completion) {
@@ -198,8 +206,8 @@ ICAError ICARegisterForEventNotification(ICARegisterForEventNotificationPB* pb,
 }
 
 Boolean ULANetworkCameraAdd(CFStringRef address) {
-    const char* utf8 = address == nullptr ? nullptr : [text(address) UTF8String];
-    const std::string place = imagecapture::networkAddress(utf8 == nullptr ? "" : utf8);
+    const cf::AutoreleasePool pool;
+    const std::string place = addressOf(address);
     if (place.empty())
         return false;
     if (Service::instance().networkCameras().add(place))
@@ -208,9 +216,8 @@ Boolean ULANetworkCameraAdd(CFStringRef address) {
 }
 
 Boolean ULANetworkCameraRemove(CFStringRef address) {
-    const char* utf8 = address == nullptr ? nullptr : [text(address) UTF8String];
-    const std::string place = imagecapture::networkAddress(utf8 == nullptr ? "" : utf8);
-    const bool wasThere = Service::instance().networkCameras().remove(place);
+    const cf::AutoreleasePool pool;
+    const bool wasThere = Service::instance().networkCameras().remove(addressOf(address));
     if (wasThere)
         Service::instance().lookAgain();
     return wasThere;

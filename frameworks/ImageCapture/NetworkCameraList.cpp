@@ -56,9 +56,9 @@ std::vector<FoundDevice> NetworkCameraList::look() {
     std::lock_guard lock(_mutex);
     std::vector<FoundDevice> found;
     for (const std::string& address : _addresses)
-        found.push_back({"network " + address, "Camera at " + address, Kind::Camera, [address] {
-                             return std::make_unique<GphotoCamera>(kModel, portOf(address));
-                         }});
+        found.push_back(
+            {"network " + address, "Camera at " + address, Kind::CameraDevice,
+             [address] { return std::make_unique<GphotoCamera>(kModel, portOf(address)); }});
     return found;
 }
 

@@ -46,9 +46,9 @@ NSMutableDictionary* describeDevice(const DeviceFacts& device) {
     [result setObject:[NSNumber numberWithUnsignedInt:device.number] forKey:@"icao"];
     [result setObject:name forKey:@"ifil"];
     [result setObject:name forKey:key(kICAUserAssignedDeviceNameKey)];
-    [result
-        setObject:key(device.kind == Kind::Camera ? kICADeviceTypeCamera : kICADeviceTypeCardReader)
-           forKey:key(kICADeviceTypeKey)];
+    [result setObject:key(device.kind == Kind::CameraDevice ? kICADeviceTypeCamera
+                                                            : kICADeviceTypeCardReader)
+               forKey:key(kICADeviceTypeKey)];
     if (!device.problem.empty())
         [result setObject:textOf(device.problem) forKey:key(kULAProblemKey)];
     return result;

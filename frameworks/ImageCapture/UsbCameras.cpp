@@ -58,9 +58,9 @@ std::vector<FoundDevice> UsbCameras::look() {
     if (!mayHaveCameras())
         return found;
     for (const DetectedCamera& camera : detectUsbCameras())
-        found.push_back({camera.port + " " + camera.model, camera.model, Kind::Camera, [camera] {
-                             return std::make_unique<GphotoCamera>(camera.model, camera.port);
-                         }});
+        found.push_back(
+            {camera.port + " " + camera.model, camera.model, Kind::CameraDevice,
+             [camera] { return std::make_unique<GphotoCamera>(camera.model, camera.port); }});
     return found;
 }
 

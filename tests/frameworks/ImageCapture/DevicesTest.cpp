@@ -23,7 +23,7 @@ std::vector<std::unique_ptr<DeviceSource>> sourcesOf(std::vector<FoundDevice>& f
 class KnownDevices : public testing::Test {
 protected:
     void plugIn(const std::string& identity) {
-        found.push_back({identity, "Name of " + identity, Kind::Camera,
+        found.push_back({identity, "Name of " + identity, Kind::CameraDevice,
                          [this] { return std::make_unique<FakeCamera>(facts); }});
     }
     ObjectNumber onlyDevice() {

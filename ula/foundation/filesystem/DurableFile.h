@@ -18,7 +18,7 @@ struct DurableFileOptions {
     /// Keeps the file that is replaced under this name in the same folder, replacing what had
     /// the name; empty: not kept. After a failure it may already be the file that is still in
     /// place.
-    std::string keepOldAs;
+    std::string keepOldAs = {};
     /// Makes a new file and replaces nothing: what has the name, a link included, stays, and the
     /// operation fails with `error()` saying that the file exists.
     bool onlyNew = false;
