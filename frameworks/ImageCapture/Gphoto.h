@@ -40,6 +40,7 @@ private:
     int prepare(_Camera* camera);
     int addItem(const std::string& path, const char* name, bool isFolder, std::vector<Item>& items);
     void noteLife();
+    bool isLate();
     int addItems(const std::string& path, bool folders, std::vector<Item>& items);
     int readPart(const std::string& folder, const Item& file, uint64_t offset, std::string& bytes);
     int readFetched(uint64_t offset, std::string& bytes);
@@ -55,6 +56,8 @@ private:
     Fetched _fetched;
     // When whoever waits has waited long enough without a sign of life.
     std::chrono::steady_clock::time_point _deadline;
+    int _target = -1;  // of the copy under way
+    int64_t _arrived = 0;
 };
 
 struct DetectedCamera {

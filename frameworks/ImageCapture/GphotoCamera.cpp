@@ -91,9 +91,8 @@ GphotoCamera::GphotoCamera(std::string model, std::string port)
     gp_context_set_cancel_func(
         _context,
         [](GPContext*, void* self) {
-            bool isLate =
-                std::chrono::steady_clock::now() > static_cast<GphotoCamera*>(self)->_deadline;
-            return isLate ? GP_CONTEXT_FEEDBACK_CANCEL : GP_CONTEXT_FEEDBACK_OK;
+            return static_cast<GphotoCamera*>(self)->isLate() ? GP_CONTEXT_FEEDBACK_CANCEL
+                                                              : GP_CONTEXT_FEEDBACK_OK;
         },
         this);
     gp_context_set_progress_funcs(
@@ -111,6 +110,16 @@ GphotoCamera::~GphotoCamera() {
 
 void GphotoCamera::noteLife() {
     _deadline = std::chrono::steady_clock::now() + kPatience;
+}
+
+// Not all drivers tell of progress: what has arrived is a sign of life, too.
+bool GphotoCamera::isLate() {
+    struct stat info {};
+    if (_target >= 0 && fstat(_target, &info) == 0 && info.st_size != _arrived) {
+        _arrived = info.st_size;
+        noteLife();
+    }
+    return std::chrono::steady_clock::now() > _deadline;
 }
 
 void GphotoCamera::close() {
@@ -301,12 +310,17 @@ int GphotoCamera::copyWhole(const std::string& folder, const Item& file, int des
         return memFullErr;
     }
     FileOwner target(made);
+    _target = descriptor;
     errno = 0;
     int result = gp_camera_file_get(_camera, absolute(folder).c_str(), file.name.c_str(),
                                     GP_FILE_TYPE_NORMAL, target.get(), _context);
-    // The library tells a full disk by errno alone.
-    if (result < GP_OK && (errno == ENOSPC || errno == EDQUOT))
-        return writingError(errno);
+    _target = -1;
+    // The library tells a full disk by errno alone, and leaves the camera in the middle of a file.
+    if (int reason = errno; result < GP_OK && (reason == ENOSPC || reason == EDQUOT)) {
+        close();
+        _problem = describe("cannot write the copy of", file.name, reason);
+        return writingError(reason);
+    }
     if (result < GP_OK)
         return fail("read \"" + file.name + "\"", result);
     struct stat info {};
