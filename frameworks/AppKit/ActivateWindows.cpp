@@ -8,6 +8,7 @@
 #include <memory>
 #include <string>
 #include <vector>
+#include <xcb/res.h>
 #include <xcb/xcb.h>
 
 namespace appkit {
@@ -37,6 +38,9 @@ private:
     std::vector<uint32_t> numbers(xcb_window_t window, const char* property, xcb_atom_t type) const;
     std::vector<xcb_window_t> windows() const;
     std::vector<xcb_window_t> windowsOf(pid_t process) const;
+    uint32_t ownerOf(xcb_window_t window) const;
+    uint32_t ownerByConnection(xcb_window_t window) const;
+    bool isShown(xcb_window_t window) const;
     void askManager(xcb_window_t window) const;
     void raise(xcb_window_t window) const;
 
@@ -85,17 +89,40 @@ std::vector<xcb_window_t> Display::windows() const {
     return {children, children + xcb_query_tree_children_length(tree.get())};
 }
 
+// Not every toolkit says which process a window belongs to; GNUstep's does not without a manager.
+uint32_t Display::ownerOf(xcb_window_t window) const {
+    const auto told = numbers(window, "_NET_WM_PID", XCB_ATOM_CARDINAL);
+    return told.empty() ? ownerByConnection(window) : told[0];
+}
+
+// The server knows it of the programs on its own machine. 0 when it does not.
+uint32_t Display::ownerByConnection(xcb_window_t window) const {
+    const xcb_query_extension_reply_t* extension = xcb_get_extension_data(_connection, &xcb_res_id);
+    if (extension == nullptr || !extension->present)
+        return 0;
+    const xcb_res_client_id_spec_t wanted = {window, XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};
+    const Owned<xcb_res_query_client_ids_reply_t> reply(xcb_res_query_client_ids_reply(
+        _connection, xcb_res_query_client_ids(_connection, 1, &wanted), nullptr));
+    if (!reply)
+        return 0;
+    const auto ids = xcb_res_query_client_ids_ids_iterator(reply.get());
+    const bool hasValue = ids.rem > 0 && xcb_res_client_id_value_value_length(ids.data) > 0;
+    return hasValue ? *xcb_res_client_id_value_value(ids.data) : 0;
+}
+
+// Menus and the like have no part in the order of windows.
+bool Display::isShown(xcb_window_t window) const {
+    const Owned<xcb_get_window_attributes_reply_t> attributes(xcb_get_window_attributes_reply(
+        _connection, xcb_get_window_attributes(_connection, window), nullptr));
+    return attributes && !attributes->override_redirect &&
+           attributes->map_state == XCB_MAP_STATE_VIEWABLE;
+}
+
 std::vector<xcb_window_t> Display::windowsOf(pid_t process) const {
     std::vector<xcb_window_t> found;
-    for (xcb_window_t window : windows()) {
-        const auto owner = numbers(window, "_NET_WM_PID", XCB_ATOM_CARDINAL);
-        const bool isTheirs = !owner.empty() && owner[0] == static_cast<uint32_t>(process);
-        // Menus and the like are the manager's business in no case.
-        const Owned<xcb_get_window_attributes_reply_t> attributes(xcb_get_window_attributes_reply(
-            _connection, xcb_get_window_attributes(_connection, window), nullptr));
-        if (isTheirs && attributes && !attributes->override_redirect)
+    for (xcb_window_t window : windows())
+        if (ownerOf(window) == static_cast<uint32_t>(process))
             found.push_back(window);
-    }
     return found;
 }
 
@@ -114,22 +141,27 @@ void Display::askManager(xcb_window_t window) const {
 
 void Display::raise(xcb_window_t window) const {
     const uint32_t above = XCB_STACK_MODE_ABOVE;
-    xcb_map_window(_connection, window);
     xcb_configure_window(_connection, window, XCB_CONFIG_WINDOW_STACK_MODE, &above);
     xcb_set_input_focus(_connection, XCB_INPUT_FOCUS_PARENT, window, XCB_CURRENT_TIME);
 }
 
+// A manager also shows what was minimized; without one, windows that are not shown are not meant to
+// be.
 bool Display::activate(pid_t process) {
     if (xcb_connection_has_error(_connection) != 0)
         return false;
-    const std::vector<xcb_window_t> found = windowsOf(process);
     const bool isManaged = !numbers(root(), "_NET_SUPPORTING_WM_CHECK", XCB_ATOM_WINDOW).empty();
-    for (xcb_window_t window : found)
+    bool isAsked = false;
+    for (xcb_window_t window : windowsOf(process)) {
+        if (!isManaged && !isShown(window))
+            continue;
         isManaged ? askManager(window) : raise(window);
+        isAsked = true;
+    }
     // Everything has been carried out when this is answered.
     const Owned<xcb_get_input_focus_reply_t> done(
         xcb_get_input_focus_reply(_connection, xcb_get_input_focus(_connection), nullptr));
-    return !found.empty() && done;
+    return isAsked && done;
 }
 
 }  // namespace

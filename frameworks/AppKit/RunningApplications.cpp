@@ -22,12 +22,12 @@ public:
           _ownProgram(processes.program(getpid())) {}
 
     std::vector<RunningApplication> run();
+    std::optional<ApplicationIdentity> entryIdentity(pid_t process,
+                                                     const std::string& program) const;
 
 private:
     std::optional<RunningApplication> examine(const RunningProgram& running) const;
     std::optional<ApplicationIdentity> identify(const RunningProgram& running) const;
-    std::optional<ApplicationIdentity> entryIdentity(pid_t process,
-                                                     const std::string& program) const;
     std::string scriptOf(pid_t process) const;
     bool isHelper(const RunningApplication& application) const;
 
@@ -130,7 +130,15 @@ std::vector<RunningApplication> RunningApplications::list() const {
 }
 
 std::vector<RunningApplication> runningApplications() {
-    return RunningApplications(ProcessTable(), DesktopEntries::ofProcess()).list();
+    const ProcessTable processes;
+    return RunningApplications(processes, DesktopEntries::ofProcess()).list();
+}
+
+std::string ownEntryIdentifier() {
+    const ProcessTable processes;
+    const Search search(processes, DesktopEntries::ofProcess().current());
+    const auto identity = search.entryIdentity(getpid(), processes.program(getpid()));
+    return identity ? identity->identifier : "";
 }
 
 }  // namespace appkit

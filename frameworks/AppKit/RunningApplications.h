@@ -40,4 +40,8 @@ private:
 // Of this machine.
 std::vector<RunningApplication> runningApplications();
 
+// The desktop entry that this process was started by, or may have been: its identifier. Empty where
+// there is none for its program.
+std::string ownEntryIdentifier();
+
 }  // namespace appkit
