@@ -4,7 +4,7 @@
 
 #import <Foundation/Foundation.h>
 
-#include "tests/Mac/ApplicationBundle.h"
+#include "tests/support/ApplicationBundle.h"
 #include "tests/support/LogCapture.h"
 
 #include <cstdlib>

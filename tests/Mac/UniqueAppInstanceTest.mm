@@ -3,7 +3,7 @@
 
 #import <AppKit/AppKit.h>
 
-#include "tests/Mac/ApplicationBundle.h"
+#include "tests/support/ApplicationBundle.h"
 #include "tests/support/LogCapture.h"
 
 #include <algorithm>

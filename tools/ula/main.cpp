@@ -3,6 +3,7 @@
 #include "tools/ula/DisplayText.h"
 #include "tools/ula/DrivesCommand.h"
 #include "tools/ula/FoldersCommand.h"
+#include "tools/ula/RunningCommand.h"
 #include "tools/ula/SettingsCommand.h"
 #include "tools/ula/StandardOutput.h"
 #include "tools/ula/TimeCommand.h"
@@ -25,6 +26,7 @@ constexpr const char* kHelp = R"(Examples:
   ula dir --sort Pictures  a folder as a folder browser sees it
   ula drives               mounted volumes: their kinds, how large and how full
   ula folders              where documents, pictures and the rest lie
+  ula running              which applications run, their names and identifiers
   ula volumes              the start-up disk and mounted volumes by their names
   ula time *.jpg           when pictures were taken, and their files made and changed
   ula trash old.jpg        moves a file to the trash, and says where it is now
@@ -73,6 +75,7 @@ int main(int argc, char** argv) {
     addDirCommand(program, result);
     addDrivesCommand(program, result);
     addFoldersCommand(program, result);
+    addRunningCommand(program, result);
     addSettingsCommand(program, result);
     addTimeCommand(program, result);
     addTrashCommand(program, result);
