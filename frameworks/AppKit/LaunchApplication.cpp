@@ -4,6 +4,7 @@
 #include "AppKit/ActivateWindows.h"
 #include "AppKit/FileDescriptor.h"
 #include "AppKit/RunningApplications.h"
+#include "AppKit/SessionBus.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -4,6 +4,7 @@
 #include "AppKit/FileDescriptor.h"
 #include "AppKit/ProcessTable.h"
 #include "AppKit/RunningApplications.h"
+#include "AppKit/SessionBus.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -20,12 +21,9 @@ namespace {
 constexpr char kPath[] = "/com/canonical/unity/launcherentry/1";
 constexpr char kInterface[] = "com.canonical.Unity.LauncherEntry";
 
-// Null where there is none. One for the process.
+// Null where there is none. One for the process: a dock drops what is shown when it is closed.
 GDBusConnection* sessionBus() {
-    // Without it the bus would be started, or be looked for through the display.
-    if (std::getenv("DBUS_SESSION_BUS_ADDRESS") == nullptr)
-        return nullptr;
-    static GDBusConnection* const bus = g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, nullptr);
+    static GDBusConnection* const bus = connectToSessionBus();
     return bus;
 }
 

@@ -20,6 +20,7 @@ public:
 
     /// SIGKILL, and waits until the process is gone.
     void kill();
+    pid_t id() const { return _id; }
     void signal(int number) const { ::kill(_id, number); }
     /// Waits for the end. The exit code, or minus the number of the signal.
     int wait();
