@@ -4,7 +4,11 @@
 #include "tests/support/ChildProcess.h"
 #include "tests/support/TemporaryFolder.h"
 
+#include <algorithm>
+#include <chrono>
 #include <condition_variable>
+#include <csignal>
+#include <cstdlib>
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <mutex>
@@ -220,6 +224,7 @@ TEST_F(Guard, AStoppedInstanceIsStillTheOne) {
 
 /// Root's, and one of a user who can be told nothing.
 TEST_F(Guard, OneForTheMachineHoldsAgainstOtherUsers) {
+    setenv("XDG_DATA_HOME", folder.path().c_str(), 1);
     const std::string shared = folder / "shared";
     std::filesystem::create_directory(shared);
     chmod(folder.path().c_str(), 0755);

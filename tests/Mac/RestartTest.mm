@@ -29,14 +29,15 @@ void write(const std::string& text) {
         _exit(1);
 }
 
-NSArray* arguments(id, SEL) {
+NSArray* givenArguments(id, SEL) {
     return [NSArray arrayWithObjects:firstArgument, @"--other", nil];
 }
 
 }  // namespace
 
 // In place of the system call in the library, and of nothing else: programs are not run here.
-extern "C" int __wrap_execv(const char* path, char* const words[]) {
+extern "C" __attribute__((visibility("default"))) int __wrap_execv(const char* path,
+                                                                   char* const words[]) {
     write(std::string(path) + ":");
     for (; *words != nullptr; ++words)
         write(" " + std::string(*words));
@@ -54,7 +55,7 @@ protected:
     Restart()
         : _pool([[NSAutoreleasePool alloc] init]),
           _arguments(class_getInstanceMethod([NSProcessInfo class], @selector(arguments))),
-          _original(method_setImplementation(_arguments, reinterpret_cast<IMP>(arguments))) {
+          _original(method_setImplementation(_arguments, reinterpret_cast<IMP>(givenArguments))) {
         firstArgument = @"/Applications/App.app/Contents/MacOS/App";
         isFailing = false;
     }
@@ -118,7 +119,8 @@ TEST_F(Restart, OpensTheBundleOfTheExecutable) {
 }
 
 TEST_F(Restart, ANameThatIsNotAsciiIsOpenedAllTheSame) {
-    firstArgument = @"/Applications/Fr\u00fchling \u65e5.app/Contents/MacOS/App";
+    firstArgument =
+        [NSString stringWithUTF8String:"/Applications/Fr\u00fchling \u65e5.app/Contents/MacOS/App"];
     setRestartRequired(true);
     EXPECT_EQ(check(), "/usr/bin/open: /usr/bin/open /Applications/Fr\u00fchling \u65e5.app\n");
 }

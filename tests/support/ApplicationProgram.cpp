@@ -6,13 +6,13 @@
 //   ends PROGRAM             reports that it was started, and whether the one before it still runs
 #include "ula/UniqueAppInstance.h"
 
+#include <algorithm>
 #include <climits>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
 #include <string>
-#include <sys/ioctl.h>
 #include <unistd.h>
 
 namespace {

@@ -163,7 +163,8 @@ TEST_F(Machine, ApplicationsOfOthersAreTheirs) {
 TEST_F(Machine, BundlesOfBothLayoutsAreKnown) {
     const std::string modern = makeProgram("Photo.app/Contents/MacOS/Photo");
     writeFile(folder / "Photo.app/Contents/Info.plist",
-              "<plist><dict><key>CFBundleDisplayName</key><string>Photo Box</string>"
+              "<?xml version=\"1.0\"?><plist "
+              "version=\"1.0\"><dict><key>CFBundleDisplayName</key><string>Photo Box</string>"
               "<key>CFBundleName</key><string>Photo</string>"
               "<key>CFBundleIdentifier</key><string>com.maker.photo</string></dict></plist>");
     const std::string classic = makeProgram("Ink.app/Ink");
@@ -177,15 +178,18 @@ TEST_F(Machine, BundlesOfBothLayoutsAreKnown) {
 
 TEST_F(Machine, HelpersInBundlesAreNotTheApplication) {
     makeProgram("Photo.app/Contents/MacOS/Photo");
-    writeFile(folder / "Photo.app/Contents/Info.plist",
-              "<plist><dict><key>CFBundleExecutable</key><string>Photo</string></dict></plist>");
+    writeFile(
+        folder / "Photo.app/Contents/Info.plist",
+        "<?xml version=\"1.0\"?><plist "
+        "version=\"1.0\"><dict><key>CFBundleExecutable</key><string>Photo</string></dict></plist>");
     run({10, makeProgram("Photo.app/Contents/MacOS/Indexer")});
     EXPECT_THAT(applications(), IsEmpty());
 }
 
 TEST_F(Machine, AListOfPropertiesThatIsNoneGivesTheFoldersName) {
     const std::string program = makeProgram("Photo Box.app/Contents/MacOS/Photo");
-    writeFile(folder / "Photo Box.app/Contents/Info.plist", "<plist><dict><key>");
+    writeFile(folder / "Photo Box.app/Contents/Info.plist",
+              "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>");
     run({10, program});
     EXPECT_THAT(applications(), ElementsAre("Photo Box  10"));
 }

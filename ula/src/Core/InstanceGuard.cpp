@@ -7,6 +7,7 @@
 
 #include <cctype>
 #include <cerrno>
+#include <csignal>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
@@ -141,7 +142,12 @@ bool InstanceGuard::Body::listen() {
     if (_socket < 0)
         return false;
     closeInChildren(_socket);
+    // Signals are the application's own threads'.
+    sigset_t all, before;
+    sigfillset(&all);
+    pthread_sigmask(SIG_SETMASK, &all, &before);
     _thread = std::thread([this] { serve(); });
+    pthread_sigmask(SIG_SETMASK, &before, nullptr);
     return true;
 }
 
@@ -149,13 +155,14 @@ bool InstanceGuard::Body::listen() {
 InstanceGuard::Body::~Body() {
     InstanceLock gate;
     if (_thread.joinable()) {
-        close(_wake[1]);
+        // Closing it would not wake the thread while a child has the pipe, too.
+        while (write(_wake[1], "", 1) < 0 && errno == EINTR) {
+        }
         _thread.join();
         gate.acquire(_places.gate, InstanceLock::Wait::Yes);
         unlink(_places.socket.c_str());
         keepInChildren(_socket);
         close(_socket);
-        _wake[1] = -1;
     }
     for (const int end : _wake)
         if (end >= 0)
@@ -171,8 +178,10 @@ void InstanceGuard::Body::serve() {
         if (events[1].revents != 0)
             return;
         const int connection = events[0].revents != 0 ? accept(_socket, nullptr, nullptr) : -1;
-        if (connection >= 0)
-            serveOne(connection);
+        if (connection < 0)
+            continue;
+        fcntl(connection, F_SETFD, FD_CLOEXEC);
+        serveOne(connection);
     }
 }
 
