@@ -16,17 +16,15 @@ constexpr char kName[] = "org.freedesktop.secrets";
 constexpr char kPath[] = "/org/freedesktop/secrets";
 constexpr char kInterface[] = "org.freedesktop.Secret.Service";
 
-// What GLib would do, but for starting a bus where there is a display and none runs.
-std::string sessionBusAddress() {
-    if (const char* const address = std::getenv("DBUS_SESSION_BUS_ADDRESS"))
-        return address;
+// Asked beforehand: GLib would start a bus where there is a display and none runs, and wait for it.
+bool hasSessionBus() {
+    if (std::getenv("DBUS_SESSION_BUS_ADDRESS") != nullptr)
+        return true;
     const char* const folder = std::getenv("XDG_RUNTIME_DIR");
     const std::string path = std::string(folder != nullptr ? folder : "") + "/bus";
     struct stat facts {};
-    if (stat(path.c_str(), &facts) != 0 || !S_ISSOCK(facts.st_mode) || facts.st_uid != geteuid())
-        return {};
-    Owned<gchar> escaped(g_dbus_address_escape_value(path.c_str()));
-    return std::string("unix:path=") + escaped.get();
+    return stat(path.c_str(), &facts) == 0 && S_ISSOCK(facts.st_mode) &&
+           facts.st_uid == geteuid();
 }
 
 // What comes for the objects made meanwhile goes to nobody, rather than to the program's loop.
@@ -44,27 +42,27 @@ private:
     GMainContext* _context = g_main_context_new();
 };
 
-SecretService* openService(GDBusConnection* bus) {
+SecretService* openService() {
     const auto flags = static_cast<GDBusProxyFlags>(G_DBUS_PROXY_FLAGS_DO_NOT_CONNECT_SIGNALS |
                                                     G_DBUS_PROXY_FLAGS_DO_NOT_LOAD_PROPERTIES);
-    return SECRET_SERVICE(g_initable_new(SECRET_TYPE_SERVICE, nullptr, nullptr, "g-connection", bus,
-                                         "g-flags", flags, "g-name", kName, "g-object-path", kPath,
-                                         "g-interface-name", kInterface, "flags",
-                                         SECRET_SERVICE_OPEN_SESSION, nullptr));
+    return SECRET_SERVICE(
+        g_initable_new(SECRET_TYPE_SERVICE, nullptr, nullptr, "g-bus-type", G_BUS_TYPE_SESSION,
+                       "g-flags", flags, "g-name", kName, "g-object-path", kPath,
+                       "g-interface-name", kInterface, "flags", SECRET_SERVICE_OPEN_SESSION,
+                       nullptr));
 }
 
 }  // namespace
 
 bool SecretServiceConnection::openBus() {
-    const std::string address = sessionBusAddress();
-    if (address.empty())
+    if (!hasSessionBus())
         return false;
-    const auto flags =
-        static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
-                                          G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION);
-    _bus.reset(
-        g_dbus_connection_new_for_address_sync(address.c_str(), flags, nullptr, nullptr, nullptr));
-    return _bus != nullptr;
+    _bus.reset(g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, nullptr));
+    if (_bus == nullptr || g_dbus_connection_is_closed(_bus.get()))
+        return false;
+    // A bus that ends is no reason for the program to end.
+    g_dbus_connection_set_exit_on_close(_bus.get(), FALSE);
+    return true;
 }
 
 OSStatus SecretServiceConnection::connect(SecretService*& service) {
@@ -73,11 +71,13 @@ OSStatus SecretServiceConnection::connect(SecretService*& service) {
     if (_bus != nullptr && g_dbus_connection_is_closed(_bus.get()))
         disconnect();
     const QuietContext context;
-    if (_bus == nullptr && !openBus())
+    if (_bus == nullptr && !openBus()) {
+        _bus.reset();
         return errSecNotAvailable;
+    }
     _process = getpid();
     if (_service == nullptr)
-        _service.reset(openService(_bus.get()));
+        _service.reset(openService());
     service = _service.get();
     return service != nullptr ? errSecSuccess : errSecNotAvailable;
 }
