@@ -1,0 +1,160 @@
+// SPDX-License-Identifier: MIT
+// With a session bus and a keyring of each test's own.
+#include "tests/frameworks/Security/KeychainFixture.h"
+
+#include <csignal>
+#include <gio/gio.h>
+#include <gmock/gmock.h>
+
+namespace tav::test {
+namespace {
+
+using testing::HasSubstr;
+
+const std::string kServicePath = "/org/freedesktop/secrets/aliases/default";
+
+class SecretServiceTest : public KeychainFixture {
+protected:
+    void SetUp() override { startSession(); }
+    ~SecretServiceTest() override { endSession(); }
+
+    void startSession() {
+        _bus = g_test_dbus_new(G_TEST_DBUS_NONE);
+        g_test_dbus_up(_bus);
+        ASSERT_EQ(std::system("printf pw | gnome-keyring-daemon --unlock --components=secrets "
+                              "--daemonize >/dev/null 2>&1"),
+                  0);
+    }
+    // The keyring ends with the bus.
+    void endSession() {
+        if (_bus == nullptr)
+            return;
+        g_test_dbus_stop(_bus);
+        g_object_unref(_bus);
+        _bus = nullptr;
+        unsetenv("DBUS_SESSION_BUS_ADDRESS");
+    }
+
+    static void lock() {
+        const std::string command = "gdbus call --session --dest org.freedesktop.secrets "
+                                    "--object-path /org/freedesktop/secrets "
+                                    "--method org.freedesktop.Secret.Service.Lock \"['" +
+                                    kServicePath + "']\" >/dev/null";
+        ASSERT_EQ(std::system(command.c_str()), 0);
+    }
+
+    static std::string defaultPath() {
+        SecKeychainRef keychain = nullptr;
+        if (SecKeychainCopyDefault(&keychain) != errSecSuccess)
+            return "none";
+        const std::string path = pathOf(keychain);
+        CFRelease(keychain);
+        return path;
+    }
+
+    GTestDBus* _bus = nullptr;
+};
+
+TEST_F(SecretServiceTest, TakesItemsWhereItAnswers) {
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(addPassword("ann", std::string("a\0b", 3)), errSecSuccess);
+    EXPECT_EQ(addPassword("ann", "other"), errSecDuplicateItem);
+    EXPECT_EQ(readPassword("ann"), std::string("a\0b", 3));
+    EXPECT_EQ(defaultPath(), kServicePath);
+    EXPECT_FALSE(std::filesystem::exists(file("items")));
+    EXPECT_EQ(removePassword("ann"), errSecSuccess);
+    EXPECT_EQ(findPassword("ann"), errSecItemNotFound);
+    const std::string log = testing::internal::GetCapturedStderr();
+    EXPECT_THAT(log, HasSubstr("new items go to the Secret Service, which answers"));
+    EXPECT_EQ(log.find("keychain:"), log.rfind("keychain:")) << log;
+}
+
+TEST_F(SecretServiceTest, TakesNamesThatAreNoText) {
+    const std::string account("\xff%00\0", 5);
+    EXPECT_EQ(addPassword(account, "secret"), errSecSuccess);
+    EXPECT_EQ(readPassword(account), "secret");
+    EXPECT_EQ(findPassword(std::string("\xff\0\0", 3)), errSecItemNotFound);
+}
+
+TEST_F(SecretServiceTest, TellsOfALockedItemAndAsksForIt) {
+    ASSERT_EQ(addPassword("ann", "secret"), errSecSuccess);
+    lock();
+    EXPECT_EQ(findPassword("ann"), errSecSuccess);
+    // Nobody can be asked here: the prompt goes away by itself.
+    EXPECT_EQ(readPassword("ann"), "status " + std::to_string(errSecUserCanceled));
+    EXPECT_EQ(removePassword("ann"), errSecUserCanceled);
+    EXPECT_EQ(addPassword("bob", "secret"), errSecUserCanceled);
+    EXPECT_FALSE(std::filesystem::exists(file("items")));
+}
+
+TEST_F(SecretServiceTest, IsMissedWithoutItsBus) {
+    ASSERT_EQ(addPassword("ann", "secret"), errSecSuccess);
+    endSession();
+    EXPECT_EQ(findPassword("ann"), errSecNotAvailable);
+    EXPECT_EQ(addPassword("bob", "secret"), errSecNotAvailable);
+    EXPECT_FALSE(std::filesystem::exists(file("items")));
+    startSession();
+    EXPECT_EQ(readPassword("ann"), "secret");
+}
+
+TEST_F(SecretServiceTest, IsFoundAgainAfterItsOwnEnd) {
+    ASSERT_EQ(addPassword("ann", "secret"), errSecSuccess);
+    ASSERT_EQ(std::system("printf pw | gnome-keyring-daemon --replace --unlock "
+                          "--components=secrets --daemonize >/dev/null 2>&1"),
+              0);
+    EXPECT_EQ(readPassword("ann"), "secret");
+    EXPECT_EQ(addPassword("bob", "secret"), errSecSuccess);
+}
+
+TEST_F(SecretServiceTest, AnItemOfTheFileIsFoundThere) {
+    endSession();
+    ASSERT_EQ(addPassword("ann", "secret"), errSecSuccess);
+    startSession();
+    EXPECT_EQ(readPassword("ann"), "secret");
+    EXPECT_EQ(addPassword("ann", "other"), errSecDuplicateItem);
+    EXPECT_EQ(addPassword("bob", "secret"), errSecSuccess);
+    EXPECT_EQ(defaultPath(), file("items"));
+}
+
+TEST_F(SecretServiceTest, TheOtherStoreRefusesTheSameName) {
+    ASSERT_EQ(addPassword("ann", "secret"), errSecSuccess);
+    CFArrayRef list = nullptr;
+    ASSERT_EQ(SecKeychainCopySearchList(&list), errSecSuccess);
+    ASSERT_EQ(CFArrayGetCount(list), 2);
+    const auto other =
+        static_cast<SecKeychainRef>(const_cast<void*>(CFArrayGetValueAtIndex(list, 1)));
+    ASSERT_EQ(SecKeychainSetDefault(other), errSecSuccess);
+    EXPECT_EQ(defaultPath(), file("items"));
+    EXPECT_EQ(addPassword("ann", "other"), errSecDuplicateItem);
+    EXPECT_EQ(addPassword("bob", "other"), errSecSuccess);
+    EXPECT_TRUE(std::filesystem::exists(file("items")));
+    EXPECT_EQ(readPassword("ann"), "secret");
+    CFRelease(list);
+}
+
+TEST(WithoutASecretService, ABusAloneIsNoKeychain) {
+    const TemporaryFolder home;
+    setenv("XDG_DATA_HOME", home.path().c_str(), 1);
+    unsetenv("XDG_RUNTIME_DIR");
+    // Nothing is started on it.
+    setenv("XDG_DATA_DIRS", "/nonexistent", 1);
+    writeFile(home / "bus.conf",
+              "<busconfig><type>session</type><listen>unix:tmpdir=/tmp</listen>"
+              "<policy context=\"default\"><allow send_destination=\"*\" eavesdrop=\"true\"/>"
+              "<allow eavesdrop=\"true\"/><allow own=\"*\"/></policy></busconfig>");
+    const std::string address = home / "address";
+    const std::string command = "dbus-daemon --config-file=" + (home / "bus.conf") +
+                                " --fork --print-address=1 --print-pid=1 >" + address;
+    ASSERT_EQ(std::system(command.c_str()), 0);
+    const std::string printed = readFile(address);
+    const std::size_t line = printed.find('\n');
+    setenv("DBUS_SESSION_BUS_ADDRESS", printed.substr(0, line).c_str(), 1);
+    EXPECT_EQ(findPassword("ann"), errSecItemNotFound);
+    EXPECT_EQ(addPassword("ann", "secret"), errSecSuccess);
+    EXPECT_EQ(readPassword("ann"), "secret");
+    EXPECT_TRUE(std::filesystem::exists(home / "ula/keychain/items"));
+    kill(std::stoi(printed.substr(line + 1)), SIGTERM);
+}
+
+}  // namespace
+}  // namespace tav::test
