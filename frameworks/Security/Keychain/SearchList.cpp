@@ -105,6 +105,13 @@ OSStatus SearchList::findElsewhere(StoreKind kind, const ItemName& name) {
     return isNoMatter(other(kind), status) ? OSStatus(errSecItemNotFound) : status;
 }
 
+// Before the item: it shall not be missed where it cannot be reached.
+OSStatus SearchList::remember(StoreKind kind, const StoreChoice& choice) {
+    bool isLocked = false;
+    const OSStatus status = examine(kind, isLocked);
+    return status == errSecSuccess ? writeChoice(keychainFolder(), choice) : status;
+}
+
 OSStatus SearchList::addAndRemember(StoreKind kind, const ItemName& name, std::string_view secret) {
     const std::string folder = keychainFolder();
     const StoreChoice choice = readChoice(folder);
@@ -113,9 +120,7 @@ OSStatus SearchList::addAndRemember(StoreKind kind, const ItemName& name, std::s
     if (!choice.isDecided)
         decided.newItems = kind;
     decided.isServiceUsed = choice.isServiceUsed || kind == StoreKind::SecretService;
-    // Before the item: it shall not be missed where it cannot be reached.
-    const OSStatus status =
-        decided == choice ? OSStatus(errSecSuccess) : writeChoice(folder, decided);
+    const OSStatus status = decided == choice ? OSStatus(errSecSuccess) : remember(kind, decided);
     if (status != errSecSuccess)
         return status;
     return with(kind, [&](Store& store) { return store.add(name, secret); });

@@ -39,6 +39,7 @@ private:
     OSStatus with(StoreKind kind, Work work);
     OSStatus decide(const StoreChoice& choice, StoreKind& kind);
     OSStatus findElsewhere(StoreKind kind, const ItemName& name);
+    OSStatus remember(StoreKind kind, const StoreChoice& choice);
     OSStatus addAndRemember(StoreKind kind, const ItemName& name, std::string_view secret);
     void tellOnce(StoreKind kind, const char* reason);
 

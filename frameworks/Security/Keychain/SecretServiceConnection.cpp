@@ -23,8 +23,7 @@ bool hasSessionBus() {
     const char* const folder = std::getenv("XDG_RUNTIME_DIR");
     const std::string path = std::string(folder != nullptr ? folder : "") + "/bus";
     struct stat facts {};
-    return stat(path.c_str(), &facts) == 0 && S_ISSOCK(facts.st_mode) &&
-           facts.st_uid == geteuid();
+    return stat(path.c_str(), &facts) == 0 && S_ISSOCK(facts.st_mode) && facts.st_uid == geteuid();
 }
 
 // What comes for the objects made meanwhile goes to nobody, rather than to the program's loop.
@@ -45,11 +44,10 @@ private:
 SecretService* openService() {
     const auto flags = static_cast<GDBusProxyFlags>(G_DBUS_PROXY_FLAGS_DO_NOT_CONNECT_SIGNALS |
                                                     G_DBUS_PROXY_FLAGS_DO_NOT_LOAD_PROPERTIES);
-    return SECRET_SERVICE(
-        g_initable_new(SECRET_TYPE_SERVICE, nullptr, nullptr, "g-bus-type", G_BUS_TYPE_SESSION,
-                       "g-flags", flags, "g-name", kName, "g-object-path", kPath,
-                       "g-interface-name", kInterface, "flags", SECRET_SERVICE_OPEN_SESSION,
-                       nullptr));
+    return SECRET_SERVICE(g_initable_new(SECRET_TYPE_SERVICE, nullptr, nullptr, "g-bus-type",
+                                         G_BUS_TYPE_SESSION, "g-flags", flags, "g-name", kName,
+                                         "g-object-path", kPath, "g-interface-name", kInterface,
+                                         "flags", SECRET_SERVICE_OPEN_SESSION, nullptr));
 }
 
 }  // namespace
