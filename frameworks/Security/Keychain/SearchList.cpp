@@ -99,10 +99,11 @@ OSStatus SearchList::setDefault(StoreKind kind) {
     return writeChoice(folder, choice);
 }
 
-// One of two items of the same name would hide the other. The store itself refuses a second one.
+// One of two items of the same name would hide the other. The store itself refuses a second one;
+// what is in a service that cannot be reached comes after the file that was chosen.
 OSStatus SearchList::findElsewhere(StoreKind kind, const ItemName& name) {
     const OSStatus status = with(other(kind), [&](Store& store) { return store.find(name); });
-    return isNoMatter(other(kind), status) ? OSStatus(errSecItemNotFound) : status;
+    return status == errSecNotAvailable ? OSStatus(errSecItemNotFound) : status;
 }
 
 // Before the item: it shall not be missed where it cannot be reached.

@@ -21,9 +21,9 @@ template <class Object>
 using Owned = std::unique_ptr<Object, ReleaseGObject>;
 
 // The process's one connection to the Secret Service, made when it is first needed and anew after
-// the bus or the service has gone. It goes over the connection to the bus that GLib shares, libsecret
-// knows no other, which from then on no longer ends the program with the bus. No bus is ever
-// started; a bus may start the service.
+// the bus or the service has gone. It goes over the connection to the bus that GLib shares,
+// libsecret knows no other, which from then on no longer ends the program with the bus. No bus is
+// ever started; a bus may start the service.
 //
 // A process that was forked without exec has none: the thread behind it is the parent's.
 // Thread: one at a time.

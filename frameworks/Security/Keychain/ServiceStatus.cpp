@@ -4,14 +4,10 @@
 #include "Security/SecBase.h"
 
 #include <libsecret/secret.h>
-#include <memory>
-#include <string_view>
 
 namespace security {
 
 namespace {
-
-constexpr std::string_view kNoSession = "org.freedesktop.Secret.Error.NoSession";
 
 OSStatus statusOfService(int code) {
     switch (code) {
@@ -57,19 +53,14 @@ OSStatus statusOf(const GError* error) {
         return statusOfService(error->code);
     if (error->domain == G_DBUS_ERROR)
         return statusOfBus(error->code);
+    // A service that was started anew has an error without a name here for a session of the last
+    // one.
     const bool isOfConnection =
         error->domain == G_IO_ERROR &&
-        (error->code == G_IO_ERROR_CLOSED || error->code == G_IO_ERROR_TIMED_OUT ||
-         error->code == G_IO_ERROR_BROKEN_PIPE || error->code == G_IO_ERROR_CONNECTION_REFUSED);
+        (error->code == G_IO_ERROR_DBUS_ERROR || error->code == G_IO_ERROR_CLOSED ||
+         error->code == G_IO_ERROR_TIMED_OUT || error->code == G_IO_ERROR_BROKEN_PIPE ||
+         error->code == G_IO_ERROR_CONNECTION_REFUSED);
     return isOfConnection ? errSecNotAvailable : errSecInternalComponent;
-}
-
-bool isOfEndedSession(const GError* error) {
-    if (error == nullptr || error->domain == SECRET_ERROR)
-        return false;
-    const std::unique_ptr<gchar, decltype(&g_free)> name(g_dbus_error_get_remote_error(error),
-                                                         g_free);
-    return name != nullptr && name.get() == kNoSession;
 }
 
 }  // namespace security

@@ -207,8 +207,6 @@ OSStatus ServiceStore::readFound(SecretService* service, const ItemName& name,
     Failure failure;
     const Owned<SecretValue> value(secret_service_get_secret_for_dbus_path_sync(
         service, found.path.c_str(), nullptr, failure.receive()));
-    if (isOfEndedSession(failure.get()))
-        return errSecNotAvailable;
     if (value == nullptr)
         return failure.get() != nullptr ? failure.status() : errSecItemNotFound;
     gsize length = 0;

@@ -13,7 +13,7 @@ void reportKeychainStatus(OSStatus status);
 /// The sentence for a status.
 FastString keychainMessage(OSStatus status);
 
-/// A generic password and the steps of which everything is made. Texts are borrowed.
+/// A generic password and the steps of which everything is made.
 /// Fails: false, logged.
 class KeychainItem {
 public:

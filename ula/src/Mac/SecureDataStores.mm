@@ -130,8 +130,11 @@ OSStatus moveItems(SecKeychainRef from, SecKeychainRef to, KeychainMove& move) {
 }
 
 OSStatus moveFromAll(NSArray* keychains, SecKeychainRef to, KeychainMove& move) {
+    SecKeychainStatus state = 0;
+    const OSStatus reached = SecKeychainGetStatus(to, &state);
+    if (reached != errSecSuccess)
+        return reached;
     for (const id keychain in keychains) {
-        SecKeychainStatus state = 0;
         const auto from = (SecKeychainRef)keychain;
         // What cannot be reached keeps what it has.
         if (CFEqual(from, to) || SecKeychainGetStatus(from, &state) == errSecNotAvailable)
@@ -159,9 +162,9 @@ bool listKeychain(std::vector<KeychainItemName>& names) {
     const auto key = [](const KeychainItemName& name) {
         return std::tie(name.name, name.kind, name.account);
     };
-    std::ranges::sort(found, {}, key);
-    const auto repeated = std::ranges::unique(found);
-    found.erase(repeated.begin(), repeated.end());
+    std::sort(found.begin(), found.end(),
+              [&](const auto& left, const auto& right) { return key(left) < key(right); });
+    found.erase(std::unique(found.begin(), found.end()), found.end());
     names.insert(names.end(), found.begin(), found.end());
     return true;
 }
@@ -187,7 +190,8 @@ std::vector<KeychainStore> keychainStores() {
     std::vector<KeychainStore> stores;
     for (const id keychain in allKeychains())
         stores.push_back(describe((SecKeychainRef)keychain, defaultPath));
-    std::ranges::stable_partition(stores, &KeychainStore::isDefault);
+    std::stable_partition(stores.begin(), stores.end(),
+                          [](const KeychainStore& store) { return store.isDefault; });
     return stores;
 }
 
