@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
 // With a session bus and a keyring of each test's own.
 #include "tests/frameworks/Security/KeychainFixture.h"
+#include "tests/support/ChildProcess.h"
 
 #include <csignal>
 #include <gio/gio.h>
 #include <gmock/gmock.h>
+#include <memory>
 
 namespace tav::test {
 namespace {
@@ -104,6 +106,39 @@ TEST_F(SecretServiceTest, IsFoundAgainAfterItsOwnEnd) {
               0);
     EXPECT_EQ(readPassword("ann"), "secret");
     EXPECT_EQ(addPassword("bob", "secret"), errSecSuccess);
+}
+
+TEST_F(SecretServiceTest, AForkedProcessIsToldThatItHasNone) {
+    ASSERT_EQ(addPassword("ann", "secret"), errSecSuccess);
+    EXPECT_EQ(runInChild([] { return readPassword("ann"); }),
+              "status " + std::to_string(errSecNotAvailable));
+    EXPECT_EQ(readPassword("ann"), "secret");
+}
+
+TEST_F(SecretServiceTest, NothingIsLostAmongProcesses) {
+    std::vector<std::unique_ptr<ChildProcess>> children;
+    for (int child = 0; child < 4; ++child)
+        children.push_back(std::make_unique<ChildProcess>([child] {
+            for (int item = 0; item < 25; ++item) {
+                // One name of the four's own, one for which they compete.
+                const std::string own = std::to_string(child) + "-" + std::to_string(item);
+                const OSStatus shared = addPassword(std::to_string(item), "shared");
+                if (addPassword(own, own) != errSecSuccess ||
+                    (shared != errSecSuccess && shared != errSecDuplicateItem))
+                    _exit(1);
+            }
+            _exit(0);
+        }));
+    for (const auto& child : children)
+        EXPECT_EQ(child->wait(), 0);
+    for (int item = 0; item < 25; ++item) {
+        EXPECT_EQ(removePassword(std::to_string(item)), errSecSuccess);
+        EXPECT_EQ(findPassword(std::to_string(item)), errSecItemNotFound);
+        for (int child = 0; child < 4; ++child) {
+            const std::string own = std::to_string(child) + "-" + std::to_string(item);
+            EXPECT_EQ(readPassword(own), own);
+        }
+    }
 }
 
 TEST_F(SecretServiceTest, AnItemOfTheFileIsFoundThere) {
