@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The encrypted file: reading, and adding until it is on the disk, beside other items. The
 // argument is their number.
-#include "tests/support/TemporaryFolder.h"
+#include "bench/ScratchFolder.h"
 #include "ula/SecureData.h"
 
 #include <benchmark/benchmark.h>
@@ -14,8 +14,8 @@ using tav::ula::FastString;
 /// A keychain of its own, without a session bus.
 class Keychain {
 public:
-    explicit Keychain(long items) : _folder(".") {
-        setenv("XDG_DATA_HOME", _folder.path().c_str(), 1);
+    explicit Keychain(long items) {
+        setenv("XDG_DATA_HOME", _folder.path(), 1);
         unsetenv("DBUS_SESSION_BUS_ADDRESS");
         unsetenv("XDG_RUNTIME_DIR");
         for (long item = 0; item < items; ++item)
@@ -24,7 +24,7 @@ public:
     }
 
 private:
-    tav::test::TemporaryFolder _folder;
+    tav::bench::ScratchFolder _folder;
 };
 
 void get(benchmark::State& state) {

@@ -1,14 +1,15 @@
 // SPDX-License-Identifier: MIT
 // The Secret Service, in a session of the program's own, against libsecret itself and QtKeychain.
-#include "tests/support/TemporaryFolder.h"
+#include "bench/ScratchFolder.h"
+#include "tests/support/SecretSession.h"
 #include "ula/SecureData.h"
 
-#define SECRET_API_SUBJECT_TO_CHANGE
 #include <QCoreApplication>
 #include <QEventLoop>
 #include <benchmark/benchmark.h>
 #include <cstdlib>
 #include <libsecret/secret.h>
+#include <memory>
 #include <qt5keychain/keychain.h>
 
 namespace {
@@ -24,21 +25,15 @@ public:
 
 private:
     Session() {
-        setenv("HOME", _folder.path().c_str(), 1);
-        setenv("XDG_DATA_HOME", _folder.path().c_str(), 1);
-        setenv("XDG_RUNTIME_DIR", _folder.path().c_str(), 1);
+        setenv("HOME", _folder.path(), 1);
+        setenv("XDG_DATA_HOME", _folder.path(), 1);
+        setenv("XDG_RUNTIME_DIR", _folder.path(), 1);
         setenv("XDG_CURRENT_DESKTOP", "GNOME", 1);
-        unsetenv("DBUS_SESSION_BUS_ADDRESS");
-        _bus = g_test_dbus_new(G_TEST_DBUS_NONE);
-        g_test_dbus_up(_bus);
-        if (std::system("printf pw | gnome-keyring-daemon --unlock --components=secrets "
-                        "--daemonize >/dev/null 2>&1") != 0)
-            std::abort();
+        _session = std::make_unique<tav::test::SecretSession>();
     }
-    ~Session() { g_test_dbus_stop(_bus); }
 
-    tav::test::TemporaryFolder _folder;
-    GTestDBus* _bus = nullptr;
+    tav::bench::ScratchFolder _folder;
+    std::unique_ptr<tav::test::SecretSession> _session;
 };
 
 void getWithUla(benchmark::State& state) {

@@ -3,12 +3,13 @@
 #include "ula/SecureData.h"
 
 #include "tests/support/LogCapture.h"
+#include "tests/support/SecretSession.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <cstdlib>
 #include <filesystem>
-#include <gio/gio.h>
 #include <gmock/gmock.h>
+#include <memory>
 
 namespace tav::ula {
 namespace {
@@ -25,19 +26,7 @@ protected:
         unsetenv("DBUS_SESSION_BUS_ADDRESS");
         unsetenv("DISPLAY");
     }
-    ~SecureDataServiceTest() override {
-        if (_bus == nullptr)
-            return;
-        g_test_dbus_stop(_bus);
-        g_object_unref(_bus);
-    }
-    void startSession() {
-        _bus = g_test_dbus_new(G_TEST_DBUS_NONE);
-        g_test_dbus_up(_bus);
-        ASSERT_EQ(std::system("printf pw | gnome-keyring-daemon --unlock --components=secrets "
-                              "--daemonize >/dev/null 2>&1"),
-                  0);
-    }
+    void startSession() { session = std::make_unique<test::SecretSession>(); }
     FastString password(const char* account) const {
         FastString text;
         return getFromKeychain("Mail", FastString(account), text, q) ? text : "failed";
@@ -53,7 +42,7 @@ protected:
     test::TemporaryFolder home;
     test::LogCapture log;
     const FastString q{"org.example"};
-    GTestDBus* _bus = nullptr;
+    std::unique_ptr<test::SecretSession> session;
 };
 
 TEST_F(SecureDataServiceTest, SecretsGoThereAndBack) {
@@ -88,8 +77,7 @@ TEST_F(SecureDataServiceTest, ItemsMoveBetweenTheStores) {
     move = moveKeychain(pathOf(true));
     EXPECT_EQ(move.moved, 3);
     EXPECT_TRUE(keychainStores()[0].path.view().ends_with("/items"));
-    g_test_dbus_stop(_bus);
-    unsetenv("DBUS_SESSION_BUS_ADDRESS");
+    session.reset();
     EXPECT_EQ(password("ann"), "secret");
     EXPECT_EQ(password("bob"), "secret");
     EXPECT_EQ(password("eve"), "failed");

@@ -60,7 +60,7 @@ TEST_F(KeychainFaultsTest, OneOfManyAddsAName) {
         }));
     for (const auto& child : children)
         EXPECT_EQ(child->wait(), 0);
-    EXPECT_EQ(*added, 50);
+    EXPECT_EQ(added->load(), 50);
 }
 
 struct Progress {
@@ -97,17 +97,17 @@ TEST_F(KeychainFaultsTest, AKilledProcessLeavesTheOldOrTheNew) {
         const timespec delay{0, std::uniform_int_distribution<long>(0, 1'000'000)(random)};
         nanosleep(&delay, nullptr);
         child.kill();
-        const std::string last = std::to_string(progress->done);
+        const std::string last = std::to_string(progress->done.load());
         ASSERT_EQ(readPassword(last), "secret " + last) << round;
         if (progress->begun > progress->done) {
-            const std::string next = std::to_string(progress->begun);
+            const std::string next = std::to_string(progress->begun.load());
             const std::string secret = readPassword(next);
             ASSERT_TRUE(secret == "secret " + next ||
                         secret == "status " + std::to_string(errSecItemNotFound))
                 << secret;
         }
     }
-    EXPECT_EQ(progress->failed, 0);
+    EXPECT_EQ(progress->failed.load(), 0);
 }
 
 /// A small disk in memory for the keychain's folder.

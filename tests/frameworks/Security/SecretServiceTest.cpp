@@ -2,9 +2,8 @@
 // With a session bus and a keyring of each test's own.
 #include "tests/frameworks/Security/KeychainFixture.h"
 #include "tests/support/ChildProcess.h"
+#include "tests/support/SecretSession.h"
 
-#include <csignal>
-#include <gio/gio.h>
 #include <gmock/gmock.h>
 #include <memory>
 
@@ -17,33 +16,10 @@ const std::string kServicePath = "/org/freedesktop/secrets/aliases/default";
 
 class SecretServiceTest : public KeychainFixture {
 protected:
-    void SetUp() override { startSession(); }
-    ~SecretServiceTest() override { endSession(); }
+    SecretServiceTest() { startSession(); }
 
-    void startSession() {
-        _bus = g_test_dbus_new(G_TEST_DBUS_NONE);
-        g_test_dbus_up(_bus);
-        ASSERT_EQ(std::system("printf pw | gnome-keyring-daemon --unlock --components=secrets "
-                              "--daemonize >/dev/null 2>&1"),
-                  0);
-    }
-    // The keyring ends with the bus.
-    void endSession() {
-        if (_bus == nullptr)
-            return;
-        g_test_dbus_stop(_bus);
-        g_object_unref(_bus);
-        _bus = nullptr;
-        unsetenv("DBUS_SESSION_BUS_ADDRESS");
-    }
-
-    static void lock() {
-        const std::string command = "gdbus call --session --dest org.freedesktop.secrets "
-                                    "--object-path /org/freedesktop/secrets "
-                                    "--method org.freedesktop.Secret.Service.Lock \"['" +
-                                    kServicePath + "']\" >/dev/null";
-        ASSERT_EQ(std::system(command.c_str()), 0);
-    }
+    void startSession() { session = std::make_unique<SecretSession>(); }
+    void endSession() { session.reset(); }
 
     static std::string defaultPath() {
         SecKeychainRef keychain = nullptr;
@@ -54,7 +30,7 @@ protected:
         return path;
     }
 
-    GTestDBus* _bus = nullptr;
+    std::unique_ptr<SecretSession> session;
 };
 
 TEST_F(SecretServiceTest, TakesItemsWhereItAnswers) {
@@ -80,7 +56,7 @@ TEST_F(SecretServiceTest, TakesNamesThatAreNoText) {
 
 TEST_F(SecretServiceTest, TellsOfALockedItemAndAsksForIt) {
     ASSERT_EQ(addPassword("ann", "secret"), errSecSuccess);
-    lock();
+    session->lock();
     EXPECT_EQ(findPassword("ann"), errSecSuccess);
     // Nobody can be asked here: the prompt goes away by itself.
     EXPECT_EQ(readPassword("ann"), "status " + std::to_string(errSecUserCanceled));
@@ -101,9 +77,7 @@ TEST_F(SecretServiceTest, IsMissedWithoutItsBus) {
 
 TEST_F(SecretServiceTest, IsFoundAgainAfterItsOwnEnd) {
     ASSERT_EQ(addPassword("ann", "secret"), errSecSuccess);
-    ASSERT_EQ(std::system("printf pw | gnome-keyring-daemon --replace --unlock "
-                          "--components=secrets --daemonize >/dev/null 2>&1"),
-              0);
+    session->restartKeyring();
     EXPECT_EQ(readPassword("ann"), "secret");
     EXPECT_EQ(addPassword("bob", "secret"), errSecSuccess);
 }
@@ -171,24 +145,15 @@ TEST(WithoutASecretService, ABusAloneIsNoKeychain) {
     const TemporaryFolder home;
     setenv("XDG_DATA_HOME", home.path().c_str(), 1);
     unsetenv("XDG_RUNTIME_DIR");
-    // Nothing is started on it.
-    setenv("XDG_DATA_DIRS", "/nonexistent", 1);
     writeFile(home / "bus.conf",
               "<busconfig><type>session</type><listen>unix:tmpdir=/tmp</listen>"
               "<policy context=\"default\"><allow send_destination=\"*\" eavesdrop=\"true\"/>"
               "<allow eavesdrop=\"true\"/><allow own=\"*\"/></policy></busconfig>");
-    const std::string address = home / "address";
-    const std::string command = "dbus-daemon --config-file=" + (home / "bus.conf") +
-                                " --fork --print-address=1 --print-pid=1 >" + address;
-    ASSERT_EQ(std::system(command.c_str()), 0);
-    const std::string printed = readFile(address);
-    const std::size_t line = printed.find('\n');
-    setenv("DBUS_SESSION_BUS_ADDRESS", printed.substr(0, line).c_str(), 1);
+    const SessionBus bus(home / "bus.conf");
     EXPECT_EQ(findPassword("ann"), errSecItemNotFound);
     EXPECT_EQ(addPassword("ann", "secret"), errSecSuccess);
     EXPECT_EQ(readPassword("ann"), "secret");
     EXPECT_TRUE(std::filesystem::exists(home / "ula/keychain/items"));
-    kill(std::stoi(printed.substr(line + 1)), SIGTERM);
 }
 
 }  // namespace
