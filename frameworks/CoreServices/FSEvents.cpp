@@ -85,8 +85,14 @@ void FSEventStreamStop(FSEventStreamRef stream) {
 
 void FSEventStreamInvalidate(FSEventStreamRef stream) {
     FSEventStreamStop(stream);
-    const auto lock = lockCollector();
-    EventStream::of(stream).invalidate();
+    EventStream& ended = EventStream::of(stream);
+    ended.retain();
+    {
+        const auto lock = lockCollector();
+        ended.invalidate();
+    }
+    // Not with the lock held: the client may be told that this was the last reference.
+    ended.release();
 }
 
 void FSEventStreamFlushSync(FSEventStreamRef stream) {

@@ -32,7 +32,17 @@ int millisecondsUntil(const Deadline& deadline) {
     return static_cast<int>(std::clamp<long>(left.count(), 0, INT_MAX));
 }
 
-int collectWithin(kernelqueue::EventQueue& queue, std::span<struct kevent> events,
+/// False when it was closed, and perhaps another thing has its number.
+bool isStillOpen(int descriptor, const kernelqueue::EventQueue& queue) {
+    return kernelqueue::QueueTable::instance().find(descriptor).get() == &queue;
+}
+
+int failWith(int error) {
+    errno = error;
+    return -1;
+}
+
+int collectWithin(kernelqueue::EventQueue& queue, int descriptor, std::span<struct kevent> events,
                   const timespec* timeout) {
     const bool isWaiting = timeout == nullptr || timeout->tv_sec > 0 || timeout->tv_nsec > 0;
     const Deadline deadline = isWaiting ? deadlineAfter(timeout) : Clock::time_point::min();
@@ -43,12 +53,9 @@ int collectWithin(kernelqueue::EventQueue& queue, std::span<struct kevent> event
             return count;
         if (queue.wait(left) < 0)
             return -1;
+        if (!isStillOpen(descriptor, queue))
+            return failWith(EBADF);
     }
-}
-
-int failWith(int error) {
-    errno = error;
-    return -1;
 }
 
 }  // namespace
@@ -72,5 +79,5 @@ int kevent(int queue, const struct kevent* changes, int changeCount, struct keve
         if (failed != 0)
             return failed;
     }
-    return eventCount == 0 ? 0 : collectWithin(*known, room, timeout);
+    return eventCount == 0 ? 0 : collectWithin(*known, queue, room, timeout);
 }

@@ -53,6 +53,10 @@ public:
         pthread_sigmask(SIG_BLOCK, &_signals, nullptr);
         // A reader who goes away is seen when the next line is written.
         std::signal(SIGPIPE, SIG_IGN);
+        CFRunLoopSourceContext context{};
+        context.perform = [](void*) { CFRunLoopStop(CFRunLoopGetCurrent()); };
+        end() = CFRunLoopSourceCreate(kCFAllocatorDefault, 0, &context);
+        CFRunLoopAddSource(CFRunLoopGetMain(), end(), kCFRunLoopDefaultMode);
         std::thread([signals = _signals] {
             int signal = 0;
             sigwait(&signals, &signal);
@@ -62,7 +66,7 @@ public:
 
     static void stop() {
         hasEnded() = true;
-        CFRunLoopStop(CFRunLoopGetMain());
+        CFRunLoopSourceSignal(end());
         CFRunLoopWakeUp(CFRunLoopGetMain());
     }
     static std::atomic<bool>& hasEnded() {
@@ -71,6 +75,13 @@ public:
     }
 
 private:
+    /// Ends the loop also when it is only about to run, which a mere stop would not.
+    /// Owner: the process, as the thread lives to its end.
+    static CFRunLoopSourceRef& end() {
+        static CFRunLoopSourceRef source = nullptr;
+        return source;
+    }
+
     sigset_t _signals;
 };
 
@@ -89,11 +100,16 @@ private:
         _watcher->connect([this](const std::string&, FileSystemWatcherInfo info) { tell(info); });
     }
 
-    void tell(FileSystemWatcherInfo info) {
+    bool exists() const {
         std::error_code error;
-        if (info == PathRemoved && std::filesystem::exists(_path, error)) {
+        return std::filesystem::exists(_path, error);
+    }
+
+    void tell(FileSystemWatcherInfo info) {
+        if (info == PathRemoved && exists()) {
             watch();
-            info = PathChanged;
+            // It may have gone before it was watched, which nobody would tell.
+            info = exists() ? PathChanged : PathRemoved;
         }
         _printer.tell({info == PathRemoved ? "removed" : "changed", _path});
         if (info == PathRemoved && --_left == 0)

@@ -1,14 +1,18 @@
 // SPDX-License-Identifier: MIT
 #include "EventCollector.h"
 
+#include "CoreServices/MountLookup.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
 #include <cstring>
+#include <ctime>
 #include <poll.h>
 #include <pthread.h>
 #include <sys/eventfd.h>
+#include <sys/prctl.h>
 #include <system_error>
 #include <thread>
 #include <unistd.h>
@@ -21,6 +25,14 @@ namespace {
 constexpr auto kTakeOverWithin = std::chrono::milliseconds(50);
 // Folders stay watched for a moment: whoever replaces a stream needs them again at once.
 constexpr auto kKeptUnused = std::chrono::seconds(1);
+
+// Zero for what is past.
+timespec timespecOf(std::chrono::nanoseconds duration) {
+    const auto whole = std::chrono::floor<std::chrono::seconds>(duration);
+    if (whole.count() < 0)
+        return {0, 0};
+    return {static_cast<time_t>(whole.count()), static_cast<long>((duration - whole).count())};
+}
 
 // Signals are for the threads of the application.
 class SignalsBlocked {
@@ -44,10 +56,11 @@ EventCollector& EventCollector::ofProcess() {
     return *collector;
 }
 
-// Run loops have fork handlers, too. Those that are registered later lock first, and the
-// collector's lock is always taken before a run loop's.
+// Run loops and the table of mounts have fork handlers, too. Those that are registered later lock
+// first, and the collector's lock is always taken before theirs.
 EventCollector::EventCollector() {
     CFRunLoopGetMain();
+    coreservices::currentMounts();
     pthread_atfork(prepareFork, continueParent, continueChild);
 }
 
@@ -65,12 +78,9 @@ void EventCollector::continueChild() {
     EventCollector& collector = ofProcess();
     if (collector._tracker)
         collector._tracker->kernel().abandon();
-    collector._tracker.reset();
-    collector._mounts.reset();
-    if (collector._wakeDescriptor >= 0)
-        close(collector._wakeDescriptor);
-    collector._wakeDescriptor = -1;
-    collector._isRunning = false;
+    if (std::exchange(collector._isRunning, false))
+        collector.letGo();
+    collector._hasLostTrack = false;
     collector._trees.clear();
     for (EventStream* stream : std::exchange(collector._streams, {}))
         stream->setStarted(false);
@@ -79,7 +89,7 @@ void EventCollector::continueChild() {
 }
 
 bool EventCollector::start(EventStream& stream) {
-    std::lock_guard lock(_mutex);
+    const Locked lock(*this);
     if (stream.isStarted())
         return true;
     if (!ensureRunning())
@@ -102,7 +112,7 @@ bool EventCollector::start(EventStream& stream) {
 }
 
 void EventCollector::stop(EventStream& stream) {
-    std::lock_guard lock(_mutex);
+    const Locked lock(*this);
     if (!stream.isStarted())
         return;
     stream.setStarted(false);
@@ -125,7 +135,12 @@ void EventCollector::endPredecessor() {
     EventStream* const stream = _predecessor->stream;
     _predecessor.reset();
     detach(*stream);
-    stream->release();
+    _toRelease.push_back(stream);
+}
+
+void EventCollector::release(const std::vector<EventStream*>& streams) {
+    for (EventStream* stream : streams)
+        stream->release();
 }
 
 void EventCollector::detach(EventStream& stream) {
@@ -167,13 +182,17 @@ bool EventCollector::ensureRunning() {
         return false;
     }
     _wakeDescriptor = eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC);
+    if (_wakeDescriptor < 0) {
+        fprintf(stderr, "FSEvents: nothing can be watched: %s\n", strerror(errno));
+        return false;
+    }
     _tracker = std::make_unique<FolderTracker>(std::move(kernel), client());
     _mounts = std::make_unique<MountChanges>();
     try {
         launchThread();
     } catch (const std::system_error& error) {
         fprintf(stderr, "FSEvents: nothing can be watched: %s\n", error.what());
-        _tracker.reset();
+        letGo();
         return false;
     }
     _isRunning = true;
@@ -192,6 +211,8 @@ void EventCollector::wake() {
 
 void EventCollector::run() {
     pthread_setname_np(pthread_self(), "fsevents");
+    // Otherwise the kernel may take another 50 microseconds for every wait.
+    prctl(PR_SET_TIMERSLACK, 1);
     std::unique_lock lock(_mutex);
     for (;;) {
         drain();
@@ -200,25 +221,28 @@ void EventCollector::run() {
             break;
         wait(lock, next);
     }
+    letGo();
+    _isRunning = false;
+}
+
+void EventCollector::letGo() {
     _tracker.reset();
     _mounts.reset();
     close(_wakeDescriptor);
     _wakeDescriptor = -1;
-    _isRunning = false;
 }
 
 void EventCollector::wait(std::unique_lock<std::mutex>& lock, Clock::time_point until) {
-    using std::chrono::ceil;
-    using std::chrono::milliseconds;
-    int timeoutMs = -1;
-    if (until != Clock::time_point::max())
-        timeoutMs = static_cast<int>(
-            std::max(ceil<milliseconds>(until - Clock::now()), milliseconds(0)).count());
+    // Whole milliseconds would be late by half of one.
+    const timespec timeout = timespecOf(until - Clock::now());
+    const bool isEndless = until == Clock::time_point::max();
     pollfd descriptors[] = {{_wakeDescriptor, POLLIN, 0},
                             {_tracker->kernel().descriptor(), POLLIN, 0},
                             {_mounts->descriptor(), POLLPRI, 0}};
+    const std::vector<EventStream*> streams = std::exchange(_toRelease, {});
     lock.unlock();
-    poll(descriptors, std::size(descriptors), timeoutMs);
+    release(streams);
+    ppoll(descriptors, std::size(descriptors), isEndless ? nullptr : &timeout, nullptr);
     lock.lock();
     _mounts->note(descriptors[2].revents);
     uint64_t count = 0;
@@ -261,12 +285,15 @@ EventCollector::Clock::time_point EventCollector::dropUnused() {
     return next;
 }
 
+// What comes while trees are looked at anew is collected, and the kernel does not tell of it again.
 void EventCollector::drain() {
-    drainKernel();
-    handleMounts();
-    checkRoots();
-    if (std::exchange(_hasLostTrack, false))
-        recover();
+    do {
+        drainKernel();
+        handleMounts();
+        checkRoots();
+        if (std::exchange(_hasLostTrack, false))
+            recover();
+    } while (!_tracker->kernel().isEmpty());
 }
 
 void EventCollector::drainKernel() {

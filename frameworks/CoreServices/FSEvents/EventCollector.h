@@ -59,6 +59,24 @@ private:
         Clock::time_point stoppedAt;
     };
 
+    // Holds the lock. What ends meanwhile is released after it: clients are told so, and may call.
+    class Locked {
+    public:
+        explicit Locked(EventCollector& collector) : _collector(collector) {
+            collector._mutex.lock();
+        }
+        Locked(const Locked&) = delete;
+        Locked& operator=(const Locked&) = delete;
+        ~Locked() {
+            const std::vector<EventStream*> streams = std::exchange(_collector._toRelease, {});
+            _collector._mutex.unlock();
+            release(streams);
+        }
+
+    private:
+        EventCollector& _collector;
+    };
+
     EventCollector();
     static void prepareFork();
     static void continueParent();
@@ -66,6 +84,8 @@ private:
 
     FolderTracker::Client& client() { return *this; }
     bool ensureRunning();
+    void letGo();
+    static void release(const std::vector<EventStream*>& streams);
     void launchThread();
     void run();
     void wake();
@@ -116,6 +136,7 @@ private:
     std::vector<std::unique_ptr<Tree>> _trees;  // by number; null where there is none
     std::vector<EventStream*> _streams;         // started, each retained
     std::optional<Predecessor> _predecessor;    // retained
+    std::vector<EventStream*> _toRelease;       // by whoever gives the lock up
     std::atomic<FSEventStreamEventId> _latestId = 0;
 };
 

@@ -21,6 +21,13 @@ Clock::duration durationOf(CFTimeInterval seconds) {
     return std::chrono::duration_cast<Clock::duration>(limited);
 }
 
+// The latency is from a change to the call of the client. What two threads take to wake up is not
+// to come on top of it; of a short latency it is a small part, too.
+Clock::duration waitWithin(Clock::duration latency) {
+    constexpr Clock::duration kWayToTheRunLoop = std::chrono::microseconds(250);
+    return latency - std::min(latency / 400, kWayToTheRunLoop);
+}
+
 const void* retainStream(const void* info) {
     static_cast<EventStream*>(const_cast<void*>(info))->retain();
     return info;
@@ -39,7 +46,7 @@ EventStream::EventStream(FSEventStreamCallback callback, const FSEventStreamCont
       _context(context),
       _roots(std::move(roots)),
       _sinceWhen(sinceWhen),
-      _latency(durationOf(latencySeconds)),
+      _wait(waitWithin(durationOf(latencySeconds))),
       _flags(flags) {
     if (_context.retain != nullptr)
         _context.retain(_context.info);
@@ -147,7 +154,7 @@ Clock::time_point EventStream::due() const {
     if (_isUrgent)
         return Clock::time_point::min();
     const bool defers = (_flags & kFSEventStreamCreateFlagNoDefer) == 0;
-    return (defers ? _pendingSince : _takenAt) + _latency;
+    return (defers ? _pendingSince : _takenAt) + _wait;
 }
 
 void EventStream::tellRunLoop() {

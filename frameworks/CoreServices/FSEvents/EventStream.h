@@ -90,7 +90,7 @@ private:
     const FSEventStreamContext _context;
     const std::vector<std::string> _roots;
     const FSEventStreamEventId _sinceWhen;
-    const Clock::duration _latency;
+    const Clock::duration _wait;
     const FSEventStreamCreateFlags _flags;
 
     PendingEvents _pending;

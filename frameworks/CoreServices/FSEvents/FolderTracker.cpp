@@ -110,8 +110,13 @@ void FolderTracker::closeRoot(uint32_t tree, Folder root) {
         release(watch);
 }
 
+// The way may be another one although it leads to the same folder.
 bool FolderTracker::leadsTo(uint32_t tree, Folder root) {
     const std::string& path = _client.rootPath(tree);
+    const std::vector<int> former = _guards.disarm(tree);
+    _guards.arm(tree, path, *_kernel);
+    for (const int watch : former)
+        release(watch);
     const Opened opened(openFolderAt(path.empty() ? "/" : path, true));
     if (!opened)
         return false;

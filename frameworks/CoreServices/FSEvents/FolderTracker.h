@@ -54,7 +54,7 @@ public:
     // Fails: kNoFolder for what is missing or no folder, and with an error for what can't be read.
     Folder openRoot(uint32_t tree, int* error);
     void closeRoot(uint32_t tree, Folder root);
-    // Whether the path of the root still leads to this folder.
+    // Whether the path of the root still leads to this folder. Its way is watched anew.
     bool leadsTo(uint32_t tree, Folder root);
     // Looks at a folder below a root anew, since something was mounted or unmounted there.
     void refresh(Folder root, std::string_view pathBelowRoot);

@@ -2,6 +2,7 @@
 #include "RootGuards.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <climits>
 #include <deque>
 #include <sys/inotify.h>
@@ -16,29 +17,52 @@ constexpr uint32_t kComesOrGoes = IN_CREATE | IN_DELETE | IN_MOVE;
 constexpr uint32_t kIsMoved = IN_MOVE_SELF | IN_DELETE_SELF;
 constexpr uint32_t kIsWritten = IN_MODIFY | IN_ATTRIB;
 constexpr int kMostLinks = 40;
+// Whoever moves folders about for longer is told of by the guards that there are.
+constexpr int kMostLooks = 100;
+
+}  // namespace
+
+// What has a path, to be compared with what has it later.
+struct RootGuards::Item {
+    mode_t type = 0;  // none where nothing is
+    dev_t device = 0;
+    ino_t number = 0;
+    bool operator==(const Item&) const = default;
+
+    static Item at(const std::string& path) {
+        struct stat facts {};
+        if (lstat(path.c_str(), &facts) != 0)
+            return {};
+        return {facts.st_mode & S_IFMT, facts.st_dev, facts.st_ino};
+    }
+    bool exists() const { return type != 0; }
+    bool isFolder() const { return type == S_IFDIR; }
+    bool isLink() const { return type == S_IFLNK; }
+};
 
 // Where a path leads, one name after the other.
-class Way {
+class RootGuards::Way {
 public:
     explicit Way(const std::string& path) { prepend(path); }
 
     bool isAtEnd() const { return _rest.empty(); }
+    bool isAtLast() const { return _rest.size() == 1; }
     const std::string& folder() const { return _folder; }
+    const std::string& name() const { return _rest.front(); }
+    std::string item() const { return (_folder == "/" ? "" : _folder) + "/" + name(); }
 
-    std::string nextName() {
-        std::string name = _rest.front();
+    void enter() {
+        _folder = item();
         _rest.pop_front();
-        return name;
     }
 
-    void enter(const std::string& folder) { _folder = folder; }
-
     // False when links lead round in circles.
-    bool follow(const std::string& link) {
+    bool follow() {
         char target[PATH_MAX];
-        const ssize_t length = readlink(link.c_str(), target, sizeof target);
+        const ssize_t length = readlink(item().c_str(), target, sizeof target);
         if (length <= 0 || ++_links > kMostLinks)
             return false;
+        _rest.pop_front();
         if (target[0] == '/')
             _folder = "/";
         prepend(std::string(target, static_cast<std::size_t>(length)));
@@ -62,35 +86,46 @@ private:
     int _links = 0;
 };
 
-}  // namespace
-
+// Each guard is set first and what it guards looked at once more then, so that nothing can change
+// unnoticed in between.
 void RootGuards::arm(uint32_t tree, const std::string& path, KernelWatches& kernel) {
     Way way(path);
-    while (!way.isAtEnd()) {
-        const std::string name = way.nextName();
-        const std::string item = (way.folder() == "/" ? "" : way.folder()) + "/" + name;
-        struct stat facts {};
-        const bool exists = lstat(item.c_str(), &facts) == 0;
-        const bool isRoot = way.isAtEnd() && !(exists && S_ISLNK(facts.st_mode));
+    for (int looks = 0; !way.isAtEnd(); ++looks) {
+        const Item item = Item::at(way.item());
         // A folder on the way tells by itself when it is moved. Its parent would tell much else.
-        if (exists && S_ISDIR(facts.st_mode) && !isRoot) {
-            add(item, kIsMoved, {tree, "", false}, kernel);
-            way.enter(item);
+        const bool isOnTheWay = item.isFolder() && !way.isAtLast();
+        const bool isThere = isOnTheWay
+                                 ? add(way.item(), kIsMoved, {tree, "", Kind::Folder}, kernel)
+                                 : addEntry(tree, way, item, kernel);
+        if ((!isThere || item != Item::at(way.item())) && looks < kMostLooks)
             continue;
-        }
-        const bool isFile = isRoot && exists && !S_ISDIR(facts.st_mode);
-        add(way.folder(), isFile ? kComesOrGoes | kIsWritten : kComesOrGoes, {tree, name, isRoot},
-            kernel);
-        if (exists && S_ISLNK(facts.st_mode) && way.follow(item))
-            continue;
-        return;
+        if (isOnTheWay)
+            way.enter();
+        else if (!item.isLink() || !way.follow())
+            return;
     }
 }
 
-void RootGuards::add(const std::string& folder, uint32_t mask, Guard guard, KernelWatches& kernel) {
+bool RootGuards::addEntry(uint32_t tree, const Way& way, const Item& item, KernelWatches& kernel) {
+    Kind kind = Kind::Entry;
+    uint32_t mask = kComesOrGoes;
+    const bool isRoot = way.isAtLast() && item.exists() && !item.isLink();
+    if (isRoot && !item.isFolder()) {
+        kind = Kind::File;
+        mask |= kIsWritten;
+    } else if (isRoot && euidaccess(way.item().c_str(), R_OK) != 0) {
+        kind = Kind::LockedFolder;
+        mask |= IN_ATTRIB;
+    }
+    return add(way.folder(), mask, {tree, way.name(), kind}, kernel);
+}
+
+bool RootGuards::add(const std::string& folder, uint32_t mask, Guard guard, KernelWatches& kernel) {
     const int watch = kernel.addPath(folder.c_str(), mask);
-    if (watch >= 0)
-        _guards.emplace(watch, std::move(guard));
+    if (watch < 0)
+        return errno != ENOENT && errno != ENOTDIR;
+    _guards.emplace(watch, std::move(guard));
+    return true;
 }
 
 std::vector<int> RootGuards::disarm(uint32_t tree) {
@@ -108,13 +143,16 @@ std::vector<int> RootGuards::disarm(uint32_t tree) {
 }
 
 RootGuards::Concern RootGuards::concern(const Guard& guard, const KernelEvent& event) {
-    if (guard.name.empty())
+    if (guard.kind == Kind::Folder)
         return (event.mask & kIsMoved) != 0 ? Concern::Way : Concern::None;
     if (event.name != guard.name)
         return Concern::None;
     if ((event.mask & kComesOrGoes) != 0)
         return Concern::Way;
-    return guard.isRoot && (event.mask & kIsWritten) != 0 ? Concern::Content : Concern::None;
+    if (guard.kind == Kind::LockedFolder)
+        return (event.mask & IN_ATTRIB) != 0 ? Concern::Way : Concern::None;
+    const bool isWritten = guard.kind == Kind::File && (event.mask & kIsWritten) != 0;
+    return isWritten ? Concern::Content : Concern::None;
 }
 
 std::vector<std::pair<uint32_t, RootGuards::Concern>>

@@ -31,13 +31,23 @@ public:
     std::vector<std::pair<uint32_t, Concern>> concernedBy(const KernelEvent& event) const;
 
 private:
+    class Way;
+    struct Item;
+    enum class Kind {
+        Folder,        // the folder itself, which is on the way
+        Entry,         // something in the folder that may come and go
+        File,          // the same, a root that is no folder
+        LockedFolder,  // the same, a root that may not be read as yet
+    };
     struct Guard {
         uint32_t tree;
-        std::string name;  // of what is guarded in the folder; empty for the folder itself
-        bool isRoot;       // and not something on the way to it
+        std::string name;  // of the entry
+        Kind kind;
     };
 
-    void add(const std::string& folder, uint32_t mask, Guard guard, KernelWatches& kernel);
+    // Fail: false where the folder is gone.
+    bool addEntry(uint32_t tree, const Way& way, const Item& item, KernelWatches& kernel);
+    bool add(const std::string& folder, uint32_t mask, Guard guard, KernelWatches& kernel);
     static Concern concern(const Guard& guard, const KernelEvent& event);
 
     std::multimap<int, Guard> _guards;

@@ -166,6 +166,25 @@ TEST_F(FSEventsFaultsTest, FolderThatMayNotBeReadIsFollowedOnceItMay) {
                         at("locked") + ", 100 " + at("locked/file"));
 }
 
+TEST_F(FSEventsFaultsTest, RootThatMayNotBeReadIsToldAndFollowedOnceItMay) {
+    ASSERT_EQ(chown(_root.c_str(), 65534, 65534), 0);
+    chmod(_folder.path().c_str(), 0755);
+    chmod(_root.c_str(), 0);
+    const std::string told = runInChild([&]() -> std::string {
+        if (setresuid(65534, 65534, 65534) != 0)
+            return "still root";
+        testing::internal::CaptureStderr();
+        StreamRecorder recorder({_root}, kItems);
+        chmod(_root.c_str(), 0755);
+        recorder.flush();
+        writeFile(at("file"), "");
+        recorder.flush();
+        testing::internal::GetCapturedStderr();
+        return recorder.text();
+    });
+    EXPECT_EQ(told, "20 " + _root + ", 100 " + at("file"));
+}
+
 TEST_F(FSEventsFaultsTest, MountsBelowTheRootAreToldAndFollowed) {
     fs::create_directories(at("sub/mnt"));
     StreamRecorder recorder({_root});
@@ -229,6 +248,22 @@ TEST_F(FSEventsFaultsTest, ForkedChildLeavesTheStreamsOfItsParentAlone) {
     writeFile(at("sub/parent"), "");
     EXPECT_TRUE(recorder.waitFor(at("sub/parent"), kFileCreated));
     EXPECT_TRUE(recorder.hasTold(at("sub/child"), kFileCreated));
+}
+
+TEST_F(FSEventsFaultsTest, ProcessForksWhileStreamsStart) {
+    std::atomic<bool> isOver = false;
+    std::thread starter([&] {
+        for (int number = 0; !isOver; ++number) {
+            const std::string root = at(std::to_string(number % 20));
+            fs::create_directory(root);
+            StreamRecorder recorder({root});
+            fs::remove(root);
+        }
+    });
+    for (int round = 0; round < 300; ++round)
+        ASSERT_EQ(runInChild([] { return std::string("alive"); }), "alive");
+    isOver = true;
+    starter.join();
 }
 
 TEST_F(FSEventsFaultsTest, ThreadsStartAndStopStreamsWhileFoldersChange) {

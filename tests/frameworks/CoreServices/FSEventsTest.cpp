@@ -330,6 +330,33 @@ TEST_F(FSEventsTest, StreamMayBeReplacedInItsOwnCall) {
     EXPECT_EQ(recorder.text(), "100 " + at("one"));
 }
 
+TEST_F(FSEventsTest, ClientMayStopAnotherStreamWhenOneIsReleased) {
+    StreamRecorder other({_root});
+    FSEventStreamContext context{};
+    context.info = &other;
+    context.release = [](const void* info) {
+        const_cast<StreamRecorder*>(static_cast<const StreamRecorder*>(info))->stop();
+    };
+    CFStringRef path =
+        CFStringCreateWithCString(kCFAllocatorDefault, _root.c_str(), kCFStringEncodingUTF8);
+    CFArrayRef paths = CFArrayCreate(kCFAllocatorDefault, reinterpret_cast<const void**>(&path), 1,
+                                     &kCFTypeArrayCallBacks);
+    FSEventStreamRef stream = FSEventStreamCreate(
+        kCFAllocatorDefault,
+        [](ConstFSEventStreamRef, void*, size_t, void*, const FSEventStreamEventFlags*,
+           const FSEventStreamEventId*) {},
+        &context, paths, kFSEventStreamEventIdSinceNow, 0, 0);
+    CFRelease(paths);
+    CFRelease(path);
+    FSEventStreamStart(stream);
+    FSEventStreamStop(stream);
+    FSEventStreamInvalidate(stream);
+    FSEventStreamRelease(stream);
+    // Takes the place of the other one, which ends with that.
+    { const StreamRecorder next({_root}); }
+    EXPECT_EQ(other.stream(), nullptr);
+}
+
 TEST_F(FSEventsTest, EarlierEventsAreAnsweredWithAScan) {
     StreamRecorder recorder({_root}, kFSEventStreamCreateFlagNone, 0.01, 1);
     recorder.flush();

@@ -234,6 +234,22 @@ TEST_F(KernelQueues, WaitEndsWithTheTimeout) {
     EXPECT_EQ(queue.next(timeout).ident, 0u);
 }
 
+TEST_F(KernelQueues, WaitEndsWhenItsQueueIsClosed) {
+    // Of a folder that a descriptor holds is asked now and then, so that the wait looks about.
+    const int held = open(folder.path().c_str(), O_RDONLY | O_CLOEXEC);
+    const int closed = kqueue();
+    struct kevent wanted {};
+    EV_SET(&wanted, uintptr_t(held), EVFILT_VNODE, EV_ADD | EV_CLEAR, kAllNotes, 0, nullptr);
+    ASSERT_EQ(kevent(closed, &wanted, 1, nullptr, 0, nullptr), 0);
+    std::thread other([&] { close(closed); });
+    struct kevent event {};
+    const timespec timeout{20, 0};
+    EXPECT_EQ(kevent(closed, nullptr, 0, &event, 1, &timeout), -1);
+    EXPECT_EQ(errno, EBADF);
+    other.join();
+    close(held);
+}
+
 TEST_F(KernelQueues, NumberOfAClosedQueueBelongsToTheNextOne) {
     OpenItem item(folder / "a");
     const int first = kqueue();

@@ -43,14 +43,14 @@ std::vector<std::string> SettlingFiles::heldAtOrBelow(const std::string& path) c
     return paths;
 }
 
-// A file nobody knows yet cannot have moved: it is new at its new place.
+// A file nobody was told of yet is new at its new place. What was known under its old name, if it
+// had taken that from another one, is gone.
 void SettlingFiles::addMove(const TreeEvent& event, std::vector<TreeEvent>& events) {
     for (const std::string& path : heldAtOrBelow(event.newPath))
         _held.erase(path);
     const auto moved = _held.find(event.path);
     const bool isUntold = moved != _held.end() && moved->second.type == TreeEventType::Created;
-    if (!isUntold)
-        events.push_back(event);
+    events.push_back(isUntold ? TreeEvent{TreeEventType::Removed, event.path, "", false} : event);
     for (const std::string& path : heldAtOrBelow(event.path)) {
         const auto node = _held.find(path);
         _held.insert_or_assign(event.newPath + path.substr(event.path.size()), node->second);
@@ -59,12 +59,9 @@ void SettlingFiles::addMove(const TreeEvent& event, std::vector<TreeEvent>& even
 }
 
 void SettlingFiles::addRemoval(const TreeEvent& event, std::vector<TreeEvent>& events) {
-    const auto removed = _held.find(event.path);
-    const bool isUntold = removed != _held.end() && removed->second.type == TreeEventType::Created;
     for (const std::string& path : heldAtOrBelow(event.path))
         _held.erase(path);
-    if (!isUntold)
-        events.push_back(event);
+    events.push_back(event);
 }
 
 std::vector<TreeEvent> SettlingFiles::settled(Time now) {

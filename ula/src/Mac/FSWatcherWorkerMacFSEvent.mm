@@ -7,6 +7,9 @@
 #include "ula/foundation/filesystem/FileSystem.h"
 #include "ula/src/Core/FSWatcherWorker.h"
 
+#include <atomic>
+#include <pthread.h>
+
 namespace tav::ula {
 
 namespace {
@@ -23,9 +26,21 @@ struct Living {
     std::set<const void*> variants;
 };
 
+/// A forked child gets one of its own: another thread may hold its parent's at the fork.
+std::atomic<Living*>& livingPointer() {
+    static std::atomic<Living*> pointer = new Living;
+    static const int registered = pthread_atfork(nullptr, nullptr, [] {
+        // Still referred to, so that it is not reported as lost.
+        static Living* parents = nullptr;
+        parents = livingPointer().exchange(new Living);
+        static_cast<void>(parents);
+    });
+    static_cast<void>(registered);
+    return pointer;
+}
+
 Living& living() {
-    static auto* const living = new Living;
-    return *living;
+    return *livingPointer();
 }
 
 /// One string for each root; they and the array belong to the caller. What is no UTF-8 cannot be
