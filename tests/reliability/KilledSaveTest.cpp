@@ -174,7 +174,7 @@ void expectWhole(const Outcome& outcome, int kills) {
     EXPECT_EQ(outcome.failed, 0);
     EXPECT_EQ(outcome.leftovers, 0);
     // Otherwise nothing has been tested.
-    EXPECT_GT(outcome.insideSave, kills / 4);
+    EXPECT_GT(outcome.insideSave, kills / 8);
 }
 
 }  // namespace

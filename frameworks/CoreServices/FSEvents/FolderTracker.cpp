@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <climits>
 #include <fcntl.h>
 #include <sys/inotify.h>
 #include <sys/stat.h>
@@ -34,48 +33,7 @@ FSEventStreamEventFlags flagsOf(uint32_t mask) {
     return flags;
 }
 
-// A path may be longer than the kernel takes at once.
-int openFolderAt(const std::string& path, bool followsLast) {
-    const int flags = O_RDONLY | O_DIRECTORY | O_NONBLOCK | O_CLOEXEC;
-    int at = AT_FDCWD;
-    std::string rest = path;
-    while (rest.size() >= PATH_MAX) {
-        const std::size_t cut = rest.rfind('/', PATH_MAX - 2);
-        const int next = openat(at, rest.substr(0, cut).c_str(), flags);
-        const int error = errno;
-        if (at >= 0)
-            close(at);
-        errno = error;
-        if (next < 0)
-            return -1;
-        at = next;
-        rest.erase(0, cut + 1);
-    }
-    const int result = openat(at, rest.c_str(), flags | (followsLast ? 0 : O_NOFOLLOW));
-    const int error = errno;
-    if (at >= 0)
-        close(at);
-    errno = error;
-    return result;
-}
-
 }  // namespace
-
-class FolderTracker::Opened {
-public:
-    explicit Opened(int descriptor) : _descriptor(descriptor) {}
-    Opened(const Opened&) = delete;
-    Opened& operator=(const Opened&) = delete;
-    ~Opened() {
-        if (_descriptor >= 0)
-            close(_descriptor);
-    }
-    int get() const { return _descriptor; }
-    explicit operator bool() const { return _descriptor >= 0; }
-
-private:
-    int _descriptor;
-};
 
 FolderTracker::FolderTracker(std::unique_ptr<KernelWatches> kernel, Client& client)
     : _kernel(std::move(kernel)), _client(client) {
@@ -90,7 +48,7 @@ Folder FolderTracker::openRoot(uint32_t tree, int* error) {
     *error = 0;
     const std::string& path = _client.rootPath(tree);
     _guards.arm(tree, path, *_kernel);
-    const Opened opened(openFolderAt(path.empty() ? "/" : path, true));
+    const OpenFolder opened(openFolderAt(path.empty() ? "/" : path, true));
     const int watch = opened ? _kernel->addFolder(opened.get()) : -1;
     if (watch < 0) {
         if (errno != ENOENT && errno != ENOTDIR)
@@ -117,7 +75,7 @@ bool FolderTracker::leadsTo(uint32_t tree, Folder root) {
     _guards.arm(tree, path, *_kernel);
     for (const int watch : former)
         release(watch);
-    const Opened opened(openFolderAt(path.empty() ? "/" : path, true));
+    const OpenFolder opened(openFolderAt(path.empty() ? "/" : path, true));
     if (!opened)
         return false;
     const int watch = _kernel->addFolder(opened.get());
@@ -127,26 +85,26 @@ bool FolderTracker::leadsTo(uint32_t tree, Folder root) {
 
 // The folder, open; nothing when its path leads to another one. An event that is still to come
 // says then where it is, and it is looked at again.
-FolderTracker::Opened FolderTracker::open(Folder folder) {
+OpenFolder FolderTracker::open(Folder folder) {
     const int descriptor = openFolderAt(pathOf(folder), _store.isRoot(folder));
     if (descriptor < 0) {
         if (errno == ENOENT || errno == ENOTDIR || errno == ELOOP)
             _store.setIncomplete(folder, true);
         else
             _client.notFollowed(folder, {}, errno);
-        return Opened(-1);
+        return OpenFolder(-1);
     }
     const int watch = _kernel->addFolder(descriptor);
     if (watch == _store.watchOf(folder))
-        return Opened(descriptor);
+        return OpenFolder(descriptor);
     release(watch);
     close(descriptor);
     _store.setIncomplete(folder, true);
-    return Opened(-1);
+    return OpenFolder(-1);
 }
 
 void FolderTracker::adopt(Folder parent, std::string_view name, bool tellsContent) {
-    const Opened opened = open(parent);
+    const OpenFolder opened = open(parent);
     if (opened)
         enter(parent, opened.get(), name, tellsContent);
 }
@@ -313,7 +271,7 @@ void FolderTracker::followMove(const Move& move, const KernelEvent& from, const 
 }
 
 void FolderTracker::tellIfThere(Folder folder, std::string_view name) {
-    const Opened parent = open(folder);
+    const OpenFolder parent = open(folder);
     struct stat item {};
     if (!parent ||
         fstatat(parent.get(), std::string(name).c_str(), &item, AT_SYMLINK_NOFOLLOW) != 0)
@@ -350,11 +308,11 @@ void FolderTracker::relocate(Folder source, std::string_view oldName, Folder tar
 // False when another folder has the place. When nothing has it, or it cannot be found, the folder
 // may have moved on.
 bool FolderTracker::mayBeAt(Folder folder, Folder parent, std::string_view name) {
-    const Opened opened = open(parent);
+    const OpenFolder opened = open(parent);
     if (!opened)
         return true;
-    const Opened place(openat(opened.get(), std::string(name).c_str(),
-                              O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    const OpenFolder place(openat(opened.get(), std::string(name).c_str(),
+                                  O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
     if (!place)
         return true;
     const int watch = _kernel->addFolder(place.get());
@@ -367,7 +325,7 @@ void FolderTracker::complete(Folder top) {
     for (const Folder folder : _store.subtree(top)) {
         if (!_store.isIncomplete(folder))
             continue;
-        const Opened opened = open(folder);
+        const OpenFolder opened = open(folder);
         if (!opened)
             continue;
         _store.setIncomplete(folder, false);

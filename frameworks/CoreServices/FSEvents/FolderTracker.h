@@ -6,6 +6,7 @@
 #include "FolderWalk.h"
 #include "KernelWatches.h"
 #include "MovePairs.h"
+#include "OpenFolder.h"
 #include "RootGuards.h"
 
 #include <memory>
@@ -62,7 +63,6 @@ public:
     void handleWaiting();
 
 private:
-    class Opened;
     // Within one tree.
     struct Move {
         Folder source;
@@ -89,7 +89,7 @@ private:
     void forget(Folder top);
     void release(int watch);
     bool isBelow(Folder folder, Folder top) const;
-    Opened open(Folder folder);
+    OpenFolder open(Folder folder);
     std::string pathOf(Folder folder) const;
 
     void found(Folder folder, std::string_view name, bool isFolder) override;

@@ -221,6 +221,22 @@ TEST_F(FSEventsFaultsTest, DeadShareBelowTheRootHoldsNobodyUp) {
     EXPECT_TRUE(recorder.waitFor(at("aside/"), kChanged));
 }
 
+// Of a small disk: the watches of this one would be all that the user has.
+TEST_F(FSEventsFaultsTest, RootFolderOfTheDiskCanBeWatched) {
+    const tav::test::BoundFolder kernel("/proc", at("proc"));
+    fs::create_directory(at("sub"));
+    const std::string told = runInChild([&]() -> std::string {
+        if (chroot(_root.c_str()) != 0 || chdir("/") != 0)
+            return "no other root";
+        StreamRecorder recorder({"/"});
+        writeFile("/sub/file", "x");
+        writeFile("/file", "x");
+        recorder.flush();
+        return recorder.text();
+    });
+    EXPECT_EQ(told, "0 /sub/, 0 /");
+}
+
 TEST_F(FSEventsFaultsTest, FoldersNestedTooDeepAreToldAsAScan) {
     std::string deep = _root;
     for (int level = 0; level < 250; ++level)

@@ -1,0 +1,4 @@
+// SPDX-License-Identifier: MIT
+// Nothing but the headers that are compiled before.
+int main() {
+}
