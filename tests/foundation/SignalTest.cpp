@@ -3,6 +3,7 @@
 
 #include "ula/foundation/util/Function0.h"
 
+#include <atomic>
 #include <gmock/gmock.h>
 #include <memory>
 #include <stdexcept>
@@ -173,6 +174,27 @@ TEST(SignalTest, ThreadsMayEmitConnectAndDisconnectAtOnce) {
         thread.join();
     EXPECT_GE(calls, 6000);
     EXPECT_EQ(signal.slotCount(), 1U);
+}
+
+// The thread sanitizer sees whether connect() looks at the signal after the slot can be called.
+TEST(SignalTest, ASlotMayDestroyTheSignalWhileConnectReturnsOnAnotherThread) {
+    for (int round = 0; round < 200; ++round) {
+        auto signal = std::make_unique<Signal0>();
+        Signal0* const shared = signal.get();
+        std::atomic<bool> isOver = false;
+        std::thread emitter([&] {
+            while (!isOver) {
+                shared->emit();
+                std::this_thread::yield();
+            }
+        });
+        shared->connect([&] {
+            isOver = true;
+            signal.reset();
+        });
+        emitter.join();
+        ASSERT_EQ(signal, nullptr);
+    }
 }
 
 }  // namespace

@@ -39,7 +39,7 @@ public:
 
 private:
     using Clock = EventStream::Clock;
-    enum class Kind { Missing, File, Folder };
+    enum class Kind { Missing, File, Directory };
 
     struct Tree {
         std::string path;      // as EventStream::roots() has it

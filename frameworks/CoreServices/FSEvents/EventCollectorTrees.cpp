@@ -170,7 +170,7 @@ void EventCollector::openTree(uint32_t number) {
     tree.folder = _tracker->openRoot(number, &error);
     struct stat facts {};
     if (tree.folder != kNoFolder)
-        tree.kind = Kind::Folder;
+        tree.kind = Kind::Directory;
     else
         tree.kind = stat(tree.path.c_str(), &facts) == 0 ? Kind::File : Kind::Missing;
     if (error == 0)

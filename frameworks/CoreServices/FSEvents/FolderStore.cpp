@@ -154,7 +154,7 @@ void FolderStore::keepName(Node& node, std::string_view name) {
     if (_names.size() + name.size() > _names.capacity() && 2 * _unusedNames > _names.size())
         compactNames();
     node.name = static_cast<uint32_t>(_names.size());
-    node.nameLength = static_cast<uint32_t>(name.size());
+    node.nameLength = static_cast<uint16_t>(name.size());
     _names.insert(_names.end(), name.begin(), name.end());
 }
 

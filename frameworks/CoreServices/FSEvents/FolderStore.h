@@ -59,8 +59,8 @@ private:
         Folder previous = kNoFolder;
         int watch = -1;
         uint32_t name = 0;  // where it begins in _names; a root's tree
-        uint32_t nameLength : 16 = 0;
-        uint32_t incomplete : 1 = 0;
+        uint16_t nameLength = 0;
+        bool incomplete = false;
     };
 
     Folder newNode(int watch);

@@ -95,7 +95,7 @@ void RootGuards::arm(uint32_t tree, const std::string& path, KernelWatches& kern
         // A folder on the way tells by itself when it is moved. Its parent would tell much else.
         const bool isOnTheWay = item.isFolder() && !way.isAtLast();
         const bool isThere = isOnTheWay
-                                 ? add(way.item(), kIsMoved, {tree, "", Kind::Folder}, kernel)
+                                 ? add(way.item(), kIsMoved, {tree, "", Kind::Directory}, kernel)
                                  : addEntry(tree, way, item, kernel);
         if ((!isThere || item != Item::at(way.item())) && looks < kMostLooks)
             continue;
@@ -143,7 +143,7 @@ std::vector<int> RootGuards::disarm(uint32_t tree) {
 }
 
 RootGuards::Concern RootGuards::concern(const Guard& guard, const KernelEvent& event) {
-    if (guard.kind == Kind::Folder)
+    if (guard.kind == Kind::Directory)
         return (event.mask & kIsMoved) != 0 ? Concern::Way : Concern::None;
     if (event.name != guard.name)
         return Concern::None;

@@ -34,7 +34,7 @@ private:
     class Way;
     struct Item;
     enum class Kind {
-        Folder,        // the folder itself, which is on the way
+        Directory,     // the folder itself, which is on the way
         Entry,         // something in the folder that may come and go
         File,          // the same, a root that is no folder
         LockedFolder,  // the same, a root that may not be read as yet

@@ -106,8 +106,10 @@ public:
     template <class Callable>
     Connection connect(Callable&& function) {
         auto slot = std::make_shared<SlotNode>(Slot(std::forward<Callable>(function)));
-        _list->add(slot);
-        return Connection(std::move(slot), _list);
+        // From here on another thread's emission may call the slot, which may destroy the signal.
+        const std::shared_ptr<SlotList> list = _list;
+        list->add(slot);
+        return Connection(std::move(slot), list);
     }
 
     void emit(Args... args) const {
