@@ -4,6 +4,7 @@
 #include "tools/ula/DrivesCommand.h"
 #include "tools/ula/FoldersCommand.h"
 #include "tools/ula/RunningCommand.h"
+#include "tools/ula/SecretCommand.h"
 #include "tools/ula/SettingsCommand.h"
 #include "tools/ula/StandardOutput.h"
 #include "tools/ula/TimeCommand.h"
@@ -28,6 +29,7 @@ constexpr const char* kHelp = R"(Examples:
   ula folders              where documents, pictures and the rest lie
   ula running              which applications run, their names and identifiers
   ula volumes              the start-up disk and mounted volumes by their names
+  ula secret list          passwords and notes in the keychain, by their names
   ula time *.jpg           when pictures were taken, and their files made and changed
   ula trash old.jpg        moves a file to the trash, and says where it is now
   ula watch -r Pictures    what changes in a tree, live
@@ -76,6 +78,7 @@ int main(int argc, char** argv) {
     addDrivesCommand(program, result);
     addFoldersCommand(program, result);
     addRunningCommand(program, result);
+    addSecretCommand(program, result);
     addSettingsCommand(program, result);
     addTimeCommand(program, result);
     addTrashCommand(program, result);

@@ -1,0 +1,194 @@
+// SPDX-License-Identifier: MIT
+// The encrypted file: what it keeps, and what becomes of one that is not as it was written.
+#include "tests/frameworks/Security/KeychainFixture.h"
+
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace tav::test {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::Not;
+
+class KeychainFileTest : public KeychainFixture {
+protected:
+    // A file with one item, as bytes.
+    std::string makeItems() {
+        EXPECT_EQ(addPassword("ann", "secret"), errSecSuccess);
+        return readFile(file("items"));
+    }
+    std::string damagedStatus(const std::string& bytes) {
+        writeFile(file("items"), bytes);
+        const std::string status = readPassword("ann");
+        std::filesystem::remove(file("items.damaged-1"));
+        return status;
+    }
+};
+
+const std::string kInvalid = "status " + std::to_string(errSecInvalidKeychain);
+const std::string kRefused = "status " + std::to_string(errSecAuthFailed);
+
+TEST_F(KeychainFileTest, GivesBackWhatWasPutIn) {
+    EXPECT_EQ(findPassword("ann"), errSecItemNotFound);
+    EXPECT_EQ(addPassword("ann", std::string("a\0b", 3)), errSecSuccess);
+    EXPECT_EQ(addPassword("", "of nobody"), errSecSuccess);
+    EXPECT_EQ(addPassword("bob", ""), errSecSuccess);
+    EXPECT_EQ(readPassword("ann"), std::string("a\0b", 3));
+    EXPECT_EQ(readPassword(""), "of nobody");
+    EXPECT_EQ(readPassword("bob"), "");
+    EXPECT_EQ(removePassword("ann"), errSecSuccess);
+    EXPECT_EQ(findPassword("ann"), errSecItemNotFound);
+    EXPECT_EQ(readPassword(""), "of nobody");
+}
+
+TEST_F(KeychainFileTest, RefusesASecondItemOfAName) {
+    EXPECT_EQ(addPassword("ann", "one"), errSecSuccess);
+    EXPECT_EQ(addPassword("ann", "two"), errSecDuplicateItem);
+    EXPECT_EQ(readPassword("ann"), "one");
+}
+
+TEST_F(KeychainFileTest, TellsThatAnItemHasGone) {
+    ASSERT_EQ(addPassword("ann", "one"), errSecSuccess);
+    SecKeychainItemRef item = nullptr;
+    ASSERT_EQ(SecKeychainFindGenericPassword(nullptr, lengthOf(kService), kService, 3, "ann",
+                                             nullptr, nullptr, &item),
+              errSecSuccess);
+    EXPECT_EQ(SecKeychainItemDelete(item), errSecSuccess);
+    EXPECT_EQ(SecKeychainItemDelete(item), errSecInvalidItemRef);
+    CFRelease(item);
+}
+
+TEST_F(KeychainFileTest, IsTheUsersAlone) {
+    makeItems();
+    struct stat facts {};
+    for (const char* name : {"items", "key", "store", "lock"}) {
+        ASSERT_EQ(stat(file(name).c_str(), &facts), 0) << name;
+        EXPECT_EQ(facts.st_mode & 07777, 0600U) << name;
+    }
+    ASSERT_EQ(stat(file("").c_str(), &facts), 0);
+    EXPECT_EQ(facts.st_mode & 07777, 0700U);
+}
+
+TEST_F(KeychainFileTest, IsKeptAsideWhereverItIsCut) {
+    const std::string whole = makeItems();
+    for (std::size_t length = 0; length < whole.size(); ++length)
+        ASSERT_EQ(damagedStatus(whole.substr(0, length)), kInvalid) << length;
+    EXPECT_EQ(damagedStatus(whole + "x"), kInvalid);
+    writeFile(file("items"), whole);
+    EXPECT_EQ(readPassword("ann"), "secret");
+}
+
+TEST_F(KeychainFileTest, IsKeptAsideWhicheverBitIsTurned) {
+    const std::string whole = makeItems();
+    for (std::size_t bit = 0; bit < whole.size() * 8; ++bit) {
+        std::string damaged = whole;
+        damaged[bit / 8] = static_cast<char>(damaged[bit / 8] ^ (1 << (bit % 8)));
+        ASSERT_EQ(damagedStatus(damaged), kInvalid) << bit;
+    }
+}
+
+TEST_F(KeychainFileTest, IsMissedOnceAndThenBegunAnew) {
+    const std::string whole = makeItems();
+    writeFile(file("items"), whole.substr(1));
+    EXPECT_EQ(addPassword("bob", "new"), errSecInvalidKeychain);
+    EXPECT_EQ(readFile(file("items.damaged-1")), whole.substr(1));
+    EXPECT_EQ(addPassword("bob", "new"), errSecSuccess);
+    writeFile(file("items"), "x");
+    EXPECT_EQ(readPassword("bob"), kInvalid);
+    EXPECT_EQ(readFile(file("items.damaged-2")), "x");
+    EXPECT_EQ(readFile(file("items.damaged-1")), whole.substr(1));
+}
+
+TEST_F(KeychainFileTest, IsNotOpenedWithADamagedKey) {
+    const std::string whole = makeItems();
+    const std::string key = readFile(file("key"));
+    for (std::size_t length = 0; length < key.size(); ++length) {
+        writeFile(file("key"), key.substr(0, length));
+        ASSERT_EQ(readPassword("ann"), kRefused) << length;
+    }
+    for (std::size_t bit = 0; bit < key.size() * 8; ++bit) {
+        std::string damaged = key;
+        damaged[bit / 8] = static_cast<char>(damaged[bit / 8] ^ (1 << (bit % 8)));
+        writeFile(file("key"), damaged);
+        ASSERT_EQ(readPassword("ann"), kRefused) << bit;
+    }
+    EXPECT_EQ(addPassword("bob", "new"), errSecAuthFailed);
+    writeFile(file("key"), key);
+    EXPECT_EQ(readPassword("ann"), "secret");
+}
+
+TEST_F(KeychainFileTest, StaysWhereItIsWithoutItsKey) {
+    const std::string whole = makeItems();
+    std::filesystem::rename(file("key"), file("elsewhere"));
+    EXPECT_EQ(readPassword("ann"), kRefused);
+    EXPECT_EQ(addPassword("bob", "new"), errSecAuthFailed);
+    EXPECT_EQ(readFile(file("items")), whole);
+    EXPECT_FALSE(std::filesystem::exists(file("key")));
+}
+
+TEST_F(KeychainFileTest, StaysWhereItIsBesideAnotherKey) {
+    const std::string whole = makeItems();
+    std::filesystem::rename(file(""), home / "first");
+    makeItems();
+    writeFile(file("items"), whole);
+    EXPECT_EQ(readPassword("ann"), kRefused);
+    EXPECT_EQ(removePassword("ann"), errSecAuthFailed);
+    EXPECT_EQ(readFile(file("items")), whole);
+}
+
+TEST_F(KeychainFileTest, IsRefusedWhenOthersMayUseItsKey) {
+    makeItems();
+    for (const int mode : {0640, 0604, 0620, 0601}) {
+        std::filesystem::permissions(file("key"), std::filesystem::perms(mode));
+        EXPECT_EQ(readPassword("ann"), kRefused) << mode;
+    }
+    std::filesystem::permissions(file("key"), std::filesystem::perms(0600));
+    EXPECT_EQ(readPassword("ann"), "secret");
+    ASSERT_EQ(chown(file("key").c_str(), 65534, 65534), 0);
+    EXPECT_EQ(readPassword("ann"), kRefused);
+}
+
+TEST_F(KeychainFileTest, IsRefusedWhenOthersMayWriteInItsFolder) {
+    makeItems();
+    std::filesystem::permissions(file(""), std::filesystem::perms(0720));
+    EXPECT_EQ(addPassword("bob", "new"), errSecAuthFailed);
+}
+
+TEST_F(KeychainFileTest, FollowsNoLinkToItsKey) {
+    makeItems();
+    std::filesystem::rename(file("key"), home / "key");
+    std::filesystem::create_symlink(home / "key", file("key"));
+    EXPECT_EQ(readPassword("ann"), kRefused);
+}
+
+TEST_F(KeychainFileTest, HoldsNoPlainText) {
+    makeItems();
+    for (const std::string& name : names()) {
+        EXPECT_THAT(readFile(file(name)), Not(HasSubstr("secret"))) << name;
+        EXPECT_THAT(readFile(file(name)), Not(HasSubstr("Mail"))) << name;
+    }
+    EXPECT_THAT(names(), ElementsAre("adding", "items", "key", "lock", "store"));
+}
+
+TEST_F(KeychainFileTest, IsWrittenAnewWithAnotherNonce) {
+    const std::string first = makeItems();
+    ASSERT_EQ(removePassword("ann"), errSecSuccess);
+    const std::string second = makeItems();
+    EXPECT_EQ(first.size(), second.size());
+    EXPECT_NE(first.substr(32, 24), second.substr(32, 24));
+    EXPECT_NE(first.substr(72), second.substr(72));
+}
+
+TEST_F(KeychainFileTest, TakesItemsUpToItsLimit) {
+    const std::string big(std::size_t(9) << 20, 'x');
+    EXPECT_EQ(addPassword("ann", big), errSecSuccess);
+    EXPECT_EQ(readPassword("ann"), big);
+    EXPECT_EQ(addPassword("bob", big), errSecDataTooLarge);
+    EXPECT_EQ(addPassword("bob", "small"), errSecSuccess);
+}
+
+}  // namespace
+}  // namespace tav::test
