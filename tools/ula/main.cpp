@@ -4,9 +4,11 @@
 #include "tools/ula/DrivesCommand.h"
 #include "tools/ula/FoldersCommand.h"
 #include "tools/ula/RunningCommand.h"
+#include "tools/ula/ScreensCommand.h"
 #include "tools/ula/SecretCommand.h"
 #include "tools/ula/SettingsCommand.h"
 #include "tools/ula/StandardOutput.h"
+#include "tools/ula/SystemCommand.h"
 #include "tools/ula/TimeCommand.h"
 #include "tools/ula/TrashCommand.h"
 #include "tools/ula/VolumesCommand.h"
@@ -28,8 +30,10 @@ constexpr const char* kHelp = R"(Examples:
   ula drives               mounted volumes: their kinds, how large and how full
   ula folders              where documents, pictures and the rest lie
   ula running              which applications run, their names and identifiers
-  ula volumes              the start-up disk and mounted volumes by their names
+  ula screens --draw d.png a picture of how the displays stand to each other
   ula secret list          passwords and notes in the keychain, by their names
+  ula system               language, release, processors, graphics and memory
+  ula volumes              the start-up disk and mounted volumes by their names
   ula time *.jpg           when pictures were taken, and their files made and changed
   ula trash old.jpg        moves a file to the trash, and says where it is now
   ula watch -r Pictures    what changes in a tree, live
@@ -78,8 +82,10 @@ int main(int argc, char** argv) {
     addDrivesCommand(program, result);
     addFoldersCommand(program, result);
     addRunningCommand(program, result);
+    addScreensCommand(program, result);
     addSecretCommand(program, result);
     addSettingsCommand(program, result);
+    addSystemCommand(program, result);
     addTimeCommand(program, result);
     addTrashCommand(program, result);
     addVolumesCommand(program, result);
