@@ -6,11 +6,14 @@
 #include "Security/Keychain/ServiceStatus.h"
 #include "Security/SecBase.h"
 
-#include <cstring>
+#include <utility>
 
 namespace security {
 
 namespace {
+
+using Clock = std::chrono::steady_clock;
+constexpr std::chrono::milliseconds kFreshness(5);
 
 constexpr char kDefaultAlias[] = "default";
 constexpr char kDefaultCollection[] = "/org/freedesktop/secrets/aliases/default";
@@ -202,18 +205,25 @@ OSStatus ServiceStore::searchUnlocked(SecretService* service, const ItemKey& nam
 OSStatus ServiceStore::find(const ItemKey& name) {
     return attempt([&](SecretService* service) {
         Found found;
-        return search(service, name, found);
+        const OSStatus status = search(service, name, found);
+        if (status == errSecSuccess && !found.isLocked)
+            _justFound = {itemDigest(name), found.path, std::this_thread::get_id(), Clock::now()};
+        return status;
     });
 }
 
-OSStatus ServiceStore::readFound(SecretService* service, const ItemKey& name, SecretBytes& secret) {
-    Found found;
-    const OSStatus status = searchUnlocked(service, name, found);
-    if (status != errSecSuccess)
-        return status;
+std::string ServiceStore::takeJustFound(const ItemKey& name) {
+    const JustFound found = std::exchange(_justFound, {});
+    const bool isFresh = found.thread == std::this_thread::get_id() &&
+                         Clock::now() - found.time < kFreshness && found.digest == itemDigest(name);
+    return isFresh ? found.path : "";
+}
+
+OSStatus ServiceStore::readAt(SecretService* service, const std::string& path,
+                              SecretBytes& secret) {
     Failure failure;
     const Owned<SecretValue> value(secret_service_get_secret_for_dbus_path_sync(
-        service, found.path.c_str(), nullptr, failure.receive()));
+        service, path.c_str(), nullptr, failure.receive()));
     if (value == nullptr)
         return failure.get() != nullptr ? failure.status() : errSecItemNotFound;
     gsize length = 0;
@@ -222,12 +232,22 @@ OSStatus ServiceStore::readFound(SecretService* service, const ItemKey& name, Se
     return errSecSuccess;
 }
 
+OSStatus ServiceStore::readFound(SecretService* service, const ItemKey& name, SecretBytes& secret) {
+    const std::string path = takeJustFound(name);
+    if (!path.empty() && readAt(service, path, secret) == errSecSuccess)
+        return errSecSuccess;
+    Found found;
+    const OSStatus status = searchUnlocked(service, name, found);
+    return status == errSecSuccess ? readAt(service, found.path, secret) : status;
+}
+
 OSStatus ServiceStore::read(const ItemKey& name, SecretBytes& secret) {
     return attempt([&](SecretService* service) { return readFound(service, name, secret); });
 }
 
 OSStatus ServiceStore::add(const ItemKey& name, std::string_view secret) {
     return attempt([&](SecretService* service) {
+        _justFound = {};
         Found found;
         const OSStatus status = search(service, name, found);
         if (status != errSecItemNotFound)
@@ -238,6 +258,7 @@ OSStatus ServiceStore::add(const ItemKey& name, std::string_view secret) {
 
 OSStatus ServiceStore::remove(const ItemKey& name) {
     return attempt([&](SecretService* service) {
+        _justFound = {};
         Found found;
         const OSStatus status = searchUnlocked(service, name, found);
         if (status != errSecSuccess)
