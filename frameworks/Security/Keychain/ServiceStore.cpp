@@ -3,6 +3,7 @@
 
 #include "Security/Keychain/AttributeText.h"
 #include "Security/Keychain/ItemDigest.h"
+#include "Security/Keychain/PromptedCall.h"
 #include "Security/Keychain/ServiceStatus.h"
 #include "Security/SecBase.h"
 
@@ -90,28 +91,48 @@ std::string labelOf(const ItemKey& name) {
     return attributeText(label);
 }
 
+// Of a call that asks the user and came back without what was wanted.
+OSStatus refusal(const PromptedCall& call, const Failure& failure) {
+    if (call.isAbandoned())
+        return errSecNotAvailable;
+    return failure.get() != nullptr ? failure.status() : errSecUserCanceled;
+}
+
 // Prompts. Fails: errSecUserCanceled when the user has dismissed it.
 OSStatus unlock(SecretService* service, const char* path) {
     Failure failure;
+    PromptedCall call(service);
     const gchar* paths[] = {path, nullptr};
+    secret_service_unlock_dbus_paths(service, paths, call.cancellable(), &PromptedCall::receive,
+                                     &call);
     const gint count =
-        secret_service_unlock_dbus_paths_sync(service, paths, nullptr, nullptr, failure.receive());
-    if (count > 0)
-        return errSecSuccess;
-    return failure.get() != nullptr ? failure.status() : errSecUserCanceled;
+        secret_service_unlock_dbus_paths_finish(service, call.wait(), nullptr, failure.receive());
+    return count > 0 ? OSStatus(errSecSuccess) : refusal(call, failure);
 }
 
 // Prompts for the password of the new collection.
 OSStatus makeDefaultCollection(SecretService* service) {
     Failure failure;
+    PromptedCall call(service);
     const Owned<GHashTable> properties = propertyTable();
     setProperty(properties.get(), kCollectionLabel, g_variant_new_string("Login"));
-    const Owned<gchar> path(secret_service_create_collection_dbus_path_sync(
-        service, properties.get(), kDefaultAlias, SECRET_COLLECTION_CREATE_NONE, nullptr,
-        failure.receive()));
-    if (path != nullptr)
-        return errSecSuccess;
-    return failure.get() != nullptr ? failure.status() : errSecUserCanceled;
+    secret_service_create_collection_dbus_path(service, properties.get(), kDefaultAlias,
+                                               SECRET_COLLECTION_CREATE_NONE, call.cancellable(),
+                                               &PromptedCall::receive, &call);
+    const Owned<gchar> path(
+        secret_service_create_collection_dbus_path_finish(service, call.wait(), failure.receive()));
+    return path != nullptr ? OSStatus(errSecSuccess) : refusal(call, failure);
+}
+
+// Prompts where the service wants to.
+OSStatus deleteItem(SecretService* service, const char* path) {
+    Failure failure;
+    PromptedCall call(service);
+    secret_service_delete_item_dbus_path(service, path, call.cancellable(), &PromptedCall::receive,
+                                         &call);
+    const bool isDone = secret_service_delete_item_dbus_path_finish(service, call.wait(),
+                                                                    failure.receive()) != FALSE;
+    return isDone ? OSStatus(errSecSuccess) : refusal(call, failure);
 }
 
 OSStatus prepareDefaultCollection(SecretService* service) {
@@ -261,12 +282,7 @@ OSStatus ServiceStore::remove(const ItemKey& name) {
         _justFound = {};
         Found found;
         const OSStatus status = searchUnlocked(service, name, found);
-        if (status != errSecSuccess)
-            return status;
-        Failure failure;
-        const bool isDone = secret_service_delete_item_dbus_path_sync(service, found.path.c_str(),
-                                                                      nullptr, failure.receive());
-        return isDone || failure.get() != nullptr ? failure.status() : OSStatus(errSecUserCanceled);
+        return status == errSecSuccess ? deleteItem(service, found.path.c_str()) : status;
     });
 }
 
