@@ -121,7 +121,9 @@ OSStatus makeDefaultCollection(SecretService* service) {
                                                &PromptedCall::receive, &call);
     const Owned<gchar> path(
         secret_service_create_collection_dbus_path_finish(service, call.wait(), failure.receive()));
-    return path != nullptr ? OSStatus(errSecSuccess) : refusal(call, failure);
+    // A dismissed prompt makes the root.
+    const bool isMade = path != nullptr && std::string_view(path.get()) != "/";
+    return isMade ? OSStatus(errSecSuccess) : refusal(call, failure);
 }
 
 // Prompts where the service wants to.
@@ -135,18 +137,13 @@ OSStatus deleteItem(SecretService* service, const char* path) {
     return isDone ? OSStatus(errSecSuccess) : refusal(call, failure);
 }
 
-OSStatus prepareDefaultCollection(SecretService* service) {
-    Failure failure;
-    const Owned<gchar> path(secret_service_read_alias_dbus_path_sync(service, kDefaultAlias,
-                                                                     nullptr, failure.receive()));
-    if (failure.get() != nullptr)
-        return failure.status();
-    return path != nullptr ? unlock(service, path.get()) : makeDefaultCollection(service);
+bool isLocked(const GError* error) {
+    return g_error_matches(error, SECRET_ERROR, SECRET_ERROR_IS_LOCKED) != FALSE;
 }
 
-bool isMissingOrLocked(const GError* error) {
-    return g_error_matches(error, SECRET_ERROR, SECRET_ERROR_IS_LOCKED) ||
-           g_error_matches(error, SECRET_ERROR, SECRET_ERROR_NO_SUCH_OBJECT) ||
+// There may be a name for a collection that nobody has made.
+bool isMissing(const GError* error) {
+    return g_error_matches(error, SECRET_ERROR, SECRET_ERROR_NO_SUCH_OBJECT) ||
            g_error_matches(error, G_DBUS_ERROR, G_DBUS_ERROR_UNKNOWN_METHOD) ||
            g_error_matches(error, G_DBUS_ERROR, G_DBUS_ERROR_UNKNOWN_OBJECT);
 }
@@ -166,9 +163,10 @@ void createItem(SecretService* service, const ItemKey& name, std::string_view se
 OSStatus addItem(SecretService* service, const ItemKey& name, std::string_view secret) {
     Failure failure;
     createItem(service, name, secret, failure);
-    if (!isMissingOrLocked(failure.get()))
+    if (!isLocked(failure.get()) && !isMissing(failure.get()))
         return failure.status();
-    const OSStatus status = prepareDefaultCollection(service);
+    const OSStatus status = isMissing(failure.get()) ? makeDefaultCollection(service)
+                                                     : unlock(service, kDefaultCollection);
     if (status != errSecSuccess)
         return status;
     createItem(service, name, secret, failure);

@@ -52,6 +52,16 @@ TEST_F(SecretPromptTest, APromptThatIsDismissedIsAnErrorOfItsOwn) {
     EXPECT_FALSE(std::filesystem::exists(file("items")));
 }
 
+TEST_F(SecretPromptTest, AKeyringIsMadeWhereThereIsNone) {
+    session.beginWithoutKeyring();
+    prompter.dismiss();
+    EXPECT_EQ(addPassword("bob", "secret"), errSecUserCanceled);
+    prompter.answer("new");
+    EXPECT_EQ(addPassword("bob", "secret"), errSecSuccess);
+    EXPECT_TRUE(prompter.isDone());
+    EXPECT_EQ(readPassword("bob"), "secret");
+}
+
 TEST_F(SecretPromptTest, ABusThatEndsDuringAPromptEndsTheCall) {
     prompter.hesitate();
     std::thread killer([this] {
