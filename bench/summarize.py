@@ -25,6 +25,8 @@ ENTRIES = ["10000", "100000"]
 TREE_PEERS = ["inotify", "inotifywait", "QFileSystemWatcher", "GFileMonitor"]
 TREE_OURS = ["ula", "ula watcher"]
 KEYS = {"10": "10", "1000": "1k", "10000": "10k", "100000": "100k", "1000000": "1M"}
+# What waits for a disk, or for a program.
+WAITING = ("replace", "processors", "memory/", "limits")
 NANOSECONDS = {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}
 
 # Topic, ours, peer (None: the target is an amount of ours), sizes, target (None: none set).
@@ -138,6 +140,17 @@ COMPARISONS = [
     ("read a shooting date strictly", "readDateStrictly/ula", "readDate/fixed chrono", [""], None),
     ("read a shooting date strictly", "readDateStrictly/ula", "readDate/strptime", [""], None),
     ("the same with zone, to UTC", "readDateWithZone/ula", "readDate/strptime", [""], None),
+    ("describe the processors", "processors/ula", None, [""], 5_000_000),
+    ("describe the processors", "processors/ula", "processors/lscpu", [""], None),
+    ("describe the graphics", "graphics/ula", None, [""], None),
+    ("size of the memory", "memory/ula", "memory/free", [""], None),
+    ("usable processors", "limits/ula", "limits/nproc", [""], None),
+    ("name of the language", "language/ula", "language/Qt", [""], None),
+    ("code of the language", "languageCode/ula", "languageCode/Qt", [""], None),
+    ("code of the language", "languageCode/ula", "languageCode/GLib", [""], None),
+    ("code of the country", "country/ula", "country/Qt", [""], None),
+    ("release of the system", "release/ula", "release/Qt", [""], None),
+    ("release of the system", "release/ula", "release/GLib", [""], None),
     ("write to being told, half below", "watchDelay.p50/ula", "watchDelay.p50/polled inotify", [""], 1.1),
     ("write to being told, half below", "watchDelay.p50/ula", "watchDelay.p50/inotify", [""], None),
     ("write to being told, half below", "watchDelay.p50/ula", "watchDelay.p50/QFileSystemWatcher", [""], None),
@@ -160,17 +173,22 @@ COMPARISONS = [
     *[("the same, beyond 0.1 s", "treeDelayBeyond/" + ours, "treeDelay/inotify", [""], 1.3)
       for ours in TREE_OURS],
     ("sort names, comparing", "sortNames/ula compare", "sortNames/ICU compare", ["100000"], None),
+    ("screen at a point", "screenAtPoint/ula", None, ["2"], 20000),
+    ("screen at a point", "screenAtPoint/ula", "screenAtPoint/QGuiApplication", ["2"], None),
+    ("working area at a point", "workingArea/ula", None, ["2"], 20000),
+    ("all screens", "allScreens/ula", None, ["2"], 20000),
+    ("number of a display", "displayID/ula", None, ["2"], 20000),
 ]
 
 
 def amount(entry):
     """What the benchmark is about: a counter, or else nanoseconds: of the processor, which a busy
-    machine disturbs less, but of the clock where a disk is waited for."""
+    machine disturbs less, but of the clock where a disk or a program is waited for."""
     for counter in ("bytes_per_key", "bytes_per_job", "allocations_per_call", "ns_per_job",
                     "ns_per_second"):
         if counter in entry:
             return entry[counter]
-    clock = "real_time" if entry["name"].startswith("replace") else "cpu_time"
+    clock = "real_time" if entry["name"].startswith(WAITING) else "cpu_time"
     return entry[clock] * NANOSECONDS[entry["time_unit"]]
 
 

@@ -22,7 +22,9 @@ CFLocaleRef CFLocaleCopyCurrent(void) {
 
 CFArrayRef CFLocaleCopyAvailableLocaleIdentifiers(void) {
     cf::AutoreleasePool pool;
-    return reinterpret_cast<CFArrayRef>([[NSLocale availableLocaleIdentifiers] copy]);
+    // GNUstep makes the hundreds of names anew at each call.
+    static NSArray* const identifiers = [[NSLocale availableLocaleIdentifiers] copy];
+    return reinterpret_cast<CFArrayRef>([identifiers retain]);
 }
 
 CFArrayRef CFLocaleCopyPreferredLanguages(void) {

@@ -7,6 +7,7 @@
 #include <CoreServices/FSEvents.h>
 #include <CoreServices/Files.h>
 #include <CoreServices/Finder.h>
+#include <CoreServices/Gestalt.h>
 #include <CoreServices/LaunchServices.h>
 #include <CoreServices/MacTypes.h>
 #include <CoreServices/UTType.h>

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "ula/foundation/memory/SystemMem.h"
 
+#include "ula/foundation/memory/ControlGroup.h"
+
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
@@ -44,6 +46,16 @@ std::uint64_t SystemMem::MemGetAvailVirtualMemSize() {
     const std::uint64_t machine = readKernelFigure("/proc/meminfo", "MemAvailable") +
                                   readKernelFigure("/proc/meminfo", "SwapFree");
     return std::min(machine, addressSpaceLeft());
+}
+
+std::uint64_t SystemMem::MemGetEffectiveMemSize() {
+    const std::uint64_t machine = MemGetPhysicalMemSize();
+    return std::min(machine, readControlGroupLimits().memory.value_or(machine));
+}
+
+std::uint64_t SystemMem::MemGetEffectiveAvailMemSize() {
+    const std::uint64_t process = MemGetAvailVirtualMemSize();
+    return std::min(process, readControlGroupLimits().memoryLeft.value_or(process));
 }
 
 }  // namespace tav::memory

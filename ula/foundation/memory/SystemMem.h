@@ -15,6 +15,10 @@ public:
     /// What this process could still be given: available memory and free swap, or less where
     /// the process's address space is limited. Fails: 0.
     static std::uint64_t MemGetAvailVirtualMemSize();
+    /// Physical memory, or less where the process's control groups limit it. Fails: 0.
+    static std::uint64_t MemGetEffectiveMemSize();
+    /// As `MemGetAvailVirtualMemSize`, or less where the process's control groups leave less.
+    static std::uint64_t MemGetEffectiveAvailMemSize();
 };
 
 }  // namespace tav::memory

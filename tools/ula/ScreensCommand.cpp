@@ -1,0 +1,150 @@
+// SPDX-License-Identifier: MIT
+#include "tools/ula/ScreensCommand.h"
+
+#include "tools/ula/DisplayText.h"
+#include "tools/ula/ScreenPicture.h"
+#include "tools/ula/StandardOutput.h"
+#include "tools/ula/Terminal.h"
+
+#include <ula/Screen.h>
+#include <ula/foundation/filesystem/DurableFile.h>
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <memory>
+#include <nlohmann/json.hpp>
+
+namespace tav::tool {
+
+namespace {
+
+using ula::Screen;
+using ula::ScreenDetails;
+using Json = nlohmann::ordered_json;
+using Rectangle = math::GenRect<int>;
+
+constexpr const char* kHelp = R"(Examples:
+  ula screens                    attached displays, their sizes and what panels leave free
+  ula screens --json             the same for programs
+  ula screens --draw desk.png    a picture of how they stand to each other
+
+The lower left corner of the primary display is 0, 0; y grows downwards.
+Exit codes: 0 done; 1 there is no display; 4 the picture cannot be written.)";
+
+struct Options {
+    std::string picture;
+    bool asJson = false;
+};
+
+constexpr std::size_t kColumns = 7;
+using Row = std::array<std::string, kColumns>;
+
+std::string numberText(double value, const char* unit) {
+    char text[48];
+    std::snprintf(text, sizeof text, "%.4g%s", value, unit);
+    return text;
+}
+
+std::string sizeText(const Rectangle& area) {
+    return std::to_string(area.width()) + " x " + std::to_string(area.height());
+}
+
+std::string placeText(const Rectangle& area) {
+    return std::to_string(area.left) + ", " + std::to_string(area.top);
+}
+
+Row rowOf(const Screen& screen) {
+    const ScreenDetails details = screen.details();
+    return {displayText(details.outputName) + (screen.isPrimary ? " (primary)" : ""),
+            sizeText(screen.bounds),
+            placeText(screen.bounds),
+            sizeText(screen.workingArea) + " from " + placeText(screen.workingArea),
+            std::to_string(screen.bitsPerPixel),
+            details.refreshRate > 0 ? numberText(details.refreshRate, " Hz") : "unknown",
+            numberText(details.scaleFactor, "")};
+}
+
+void printTable(const std::vector<Row>& rows) {
+    std::array<std::size_t, kColumns> widths{};
+    for (const Row& row : rows)
+        for (std::size_t i = 0; i < kColumns; ++i)
+            widths[i] = std::max(widths[i], displayWidth(row[i]));
+    const Colours colours = outputColours();
+    for (const Row& row : rows) {
+        std::string line;
+        for (std::size_t i = 0; i + 1 < kColumns; ++i)
+            line += padded(row[i], widths[i] + 2);
+        const bool isHead = &row == &rows.front();
+        print((isHead ? colours.bold : "") + line + row.back() + (isHead ? colours.plain : "") +
+              "\n");
+    }
+}
+
+Json jsonOf(const Rectangle& area) {
+    return {{"left", area.left}, {"top", area.top}, {"right", area.right}, {"bottom", area.bottom}};
+}
+
+Json jsonOf(const Screen& screen) {
+    const ScreenDetails details = screen.details();
+    return {{"name", displayText(details.outputName)},
+            {"id", screen.displayID()},
+            {"primary", screen.isPrimary},
+            {"bounds", jsonOf(screen.bounds)},
+            {"workingArea", jsonOf(screen.workingArea)},
+            {"bitsPerPixel", screen.bitsPerPixel},
+            {"refreshRate", details.refreshRate > 0 ? Json(details.refreshRate) : Json()},
+            {"scale", details.scaleFactor}};
+}
+
+void printScreens(const std::vector<Screen>& screens, bool asJson) {
+    if (asJson) {
+        Json list = Json::array();
+        for (const Screen& screen : screens)
+            list.push_back(jsonOf(screen));
+        print(list.dump(2) + "\n");
+        return;
+    }
+    std::vector<Row> rows = {{"NAME", "SIZE", "FROM", "USABLE", "BITS", "RATE", "SCALE"}};
+    for (const Screen& screen : screens)
+        rows.push_back(rowOf(screen));
+    printTable(rows);
+}
+
+void savePicture(const std::string& path, const std::vector<Screen>& screens) {
+    std::string error;
+    const std::string png = pngOf(drawScreens(screens));
+    if (!filesystem::replaceFileDurably(path.c_str(), png, {}, &error))
+        throw CommandError{ExitCannotWrite, error, "choose another place with --draw FILE.png"};
+}
+
+ExitCode run(const Options& options) {
+    const std::vector<Screen> screens = Screen::getAllScreens();
+    if (screens.empty()) {
+        if (options.asJson)
+            print("[]\n");
+        throw CommandError{ExitDiffers, "there is no display",
+                           "DISPLAY names the display server, as in: DISPLAY=:0 ula screens"};
+    }
+    if (!options.picture.empty())
+        savePicture(options.picture, screens);
+    if (options.picture.empty() || options.asJson)
+        printScreens(screens, options.asJson);
+    return ExitOk;
+}
+
+}  // namespace
+
+void addScreensCommand(CLI::App& program, ExitCode& result) {
+    const auto options = std::make_shared<Options>();
+    CLI::App* const screens =
+        program.add_subcommand("screens", "List or draw the attached displays");
+    screens->add_flag("--json", options->asJson, "As JSON");
+    screens->add_option("--draw", options->picture, "Draws them into this PNG file")
+        ->type_name("FILE.png");
+    screens->callback([options, &result] { result = run(*options); });
+    screens->footer(kHelp);
+}
+
+}  // namespace tav::tool
