@@ -54,6 +54,8 @@ TEST_F(SecretPromptTest, APromptThatIsDismissedIsAnErrorOfItsOwn) {
 
 TEST_F(SecretPromptTest, AKeyringIsMadeWhereThereIsNone) {
     session.beginWithoutKeyring();
+    // As for the first item of all.
+    std::filesystem::remove(file("store"));
     prompter.dismiss();
     EXPECT_EQ(addPassword("bob", "secret"), errSecUserCanceled);
     prompter.answer("new");
