@@ -15,6 +15,7 @@ struct ReleaseGObject {
     void operator()(GMainContext* context) const { g_main_context_unref(context); }
     void operator()(GError* error) const { g_error_free(error); }
     void operator()(GHashTable* table) const { g_hash_table_unref(table); }
+    void operator()(GVariant* variant) const { g_variant_unref(variant); }
     void operator()(SecretValue* value) const { secret_value_unref(value); }
     void operator()(gchar** texts) const { g_strfreev(texts); }
     void operator()(gchar* text) const { g_free(text); }

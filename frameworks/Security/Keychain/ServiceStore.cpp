@@ -57,11 +57,12 @@ private:
 };
 
 // What is looked for may have a secret for an account: it does not go over the bus.
-Owned<GHashTable> searchedAttributes(const ItemKey& name) {
-    Owned<GHashTable> attributes(g_hash_table_new_full(g_str_hash, g_str_equal, nullptr, g_free));
-    g_hash_table_insert(attributes.get(), const_cast<char*>(kDigest),
-                        g_strdup(itemDigest(name).c_str()));
-    return attributes;
+GVariant* searchedAttributes(const ItemKey& name) {
+    GVariantBuilder builder;
+    g_variant_builder_init(&builder, G_VARIANT_TYPE("a{ss}"));
+    g_variant_builder_add(&builder, "{ss}", kSchemaAttribute, kSchema.name);
+    g_variant_builder_add(&builder, "{ss}", kDigest, itemDigest(name).c_str());
+    return g_variant_builder_end(&builder);
 }
 
 GVariant* storedAttributes(const ItemKey& name) {
@@ -197,16 +198,19 @@ OSStatus ServiceStore::attempt(const std::function<OSStatus(SecretService*)>& wo
     return status == errSecSuccess ? work(service) : status;
 }
 
+// Called directly: libsecret's own call makes a main loop for it and takes longer.
 OSStatus ServiceStore::search(SecretService* service, const ItemKey& name, Found& found) {
     Failure failure;
+    const Owned<GVariant> answer(g_dbus_proxy_call_sync(
+        G_DBUS_PROXY(service), "SearchItems", g_variant_new("(@a{ss})", searchedAttributes(name)),
+        G_DBUS_CALL_FLAGS_NONE, -1, nullptr, failure.receive()));
+    if (answer == nullptr)
+        return failure.status();
     gchar** unlocked = nullptr;
     gchar** locked = nullptr;
-    secret_service_search_for_dbus_paths_sync(service, &kSchema, searchedAttributes(name).get(),
-                                              nullptr, &unlocked, &locked, failure.receive());
+    g_variant_get(answer.get(), "(^ao^ao)", &unlocked, &locked);
     const Owned<gchar*> ownedUnlocked(unlocked);
     const Owned<gchar*> ownedLocked(locked);
-    if (failure.get() != nullptr)
-        return failure.status();
     const bool isUnlocked = unlocked != nullptr && unlocked[0] != nullptr;
     if (!isUnlocked && (locked == nullptr || locked[0] == nullptr))
         return errSecItemNotFound;
