@@ -7,5 +7,7 @@
 #ifdef __OBJC__
 #import "Foundation/HomeDirectory.h"
 #import "Foundation/NSFileManager+Folders.h"
+#import "Foundation/NSFileManager+Links.h"
+#import "Foundation/SearchPaths.h"
 #import "Foundation/TemporaryDirectory.h"
 #endif

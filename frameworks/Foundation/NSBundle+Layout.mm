@@ -3,11 +3,13 @@
 // bundle for one with the path FOLDER/Resources/PROGRAM.
 #import <Foundation/Foundation.h>
 
+#include "CoreServices/VolumeLinks.h"
 #include "Foundation/BundleLayout.h"
 #include "Foundation/ReplaceMethod.h"
 
 #include <map>
 #include <mutex>
+#include <sys/stat.h>
 
 using foundation::BundleLayout;
 
@@ -45,6 +47,25 @@ std::optional<BundleLayout> layoutOf(NSBundle* bundle) {
     if (path == pathOfPlainProgram())
         return foundation::programLayout(foundation::runningProgram());
     return foundation::contentsLayout(path);
+}
+
+/// Decided once: a program stays where it was started from.
+bool isProgramOnStartupDisk() {
+    static const bool isOn = [] {
+        struct stat program {}, root {};
+        return stat(foundation::runningProgram().c_str(), &program) == 0 && stat("/", &root) == 0 &&
+               program.st_dev == root.st_dev;
+    }();
+    return isOn;
+}
+
+/// What lies on another disk is named by its volume, as where volumes are mounted in /Volumes.
+NSString* onVolume(NSString* path) {
+    if (path == nil || isProgramOnStartupDisk())
+        return path;
+    const std::string resolved = coreservices::resolvedPath([path fileSystemRepresentation]);
+    NSString* const named = resolved.empty() ? nil : text(resolved);
+    return named != nil ? named : path;
 }
 
 NSDictionary* readInformation(const std::string& path) {
@@ -88,7 +109,8 @@ NSDictionary* information(const BundleLayout& layout) {
 - (NSString*)ula_bundlePath {
     NSString* const path = [self ula_bundlePath];
     const bool isProgram = path != nil && [path UTF8String] == pathOfPlainProgram();
-    return isProgram ? text(layoutOf(self)->bundle) : path;
+    NSString* const bundle = isProgram ? text(layoutOf(self)->bundle) : path;
+    return self == [NSBundle mainBundle] ? onVolume(bundle) : bundle;
 }
 
 - (NSString*)ula_executablePath {
