@@ -16,12 +16,10 @@ NSString* const kProgressDidChange = @"ApplicationTaskProgressDidChange";
 
 using SetIcon = void (*)(id, SEL, NSImage*);
 using GetIcon = NSImage* (*)(id, SEL);
-using Initialize = id (*)(id, SEL);
 using FinishLaunching = void (*)(id, SEL);
 
 SetIcon originalSet = nullptr;
 GetIcon originalGet = nullptr;
-Initialize originalInitialize = nullptr;
 FinishLaunching originalFinish = nullptr;
 NSImage* plainIcon = nil;  // once the icon has been set
 
@@ -45,12 +43,6 @@ NSImage* applicationIconImage(id self, SEL command) {
     return icon == nil ? nil : flattened(icon);
 }
 
-void setApplicationIconImage(id self, SEL command, NSImage* image) {
-    if (plainIcon == nil)
-        plainIcon = [originalGet(self, @selector(applicationIconImage)) retain];
-    originalSet(self, command, image == nil ? plainIcon : flattened(image));
-}
-
 }  // namespace
 
 @interface ULApplicationIcon : NSObject
@@ -64,13 +56,28 @@ void setApplicationIconImage(id self, SEL command, NSImage* image) {
                                                  : std::optional([fraction doubleValue]));
 }
 
-static id initialize(id self, SEL command) {
-    id application = originalInitialize(self, command);
+// Whoever shows progress sets the icon first.
+static void listenForProgress() {
+    static bool isListening = false;
+    if (isListening)
+        return;
+    isListening = true;
     [[NSNotificationCenter defaultCenter] addObserver:[ULApplicationIcon class]
                                              selector:@selector(progressDidChange:)
                                                  name:kProgressDidChange
                                                object:nil];
-    return application;
+}
+
+static void setApplicationIconImage(id self, SEL command, NSImage* image) {
+    listenForProgress();
+    static bool isAsking = false;
+    if (plainIcon == nil && !isAsking) {
+        // GNUstep's answer may be to look for the icon and to set it.
+        isAsking = true;
+        plainIcon = [originalGet(self, @selector(applicationIconImage)) retain];
+        isAsking = false;
+    }
+    originalSet(self, command, image == nil ? plainIcon : flattened(image));
 }
 
 static void finishLaunching(id self, SEL command) {
@@ -84,7 +91,6 @@ static void finishLaunching(id self, SEL command) {
         appkit::replaceMethod(name, @selector(setApplicationIconImage:), setApplicationIconImage);
     originalGet =
         appkit::replaceMethod(name, @selector(applicationIconImage), applicationIconImage);
-    originalInitialize = appkit::replaceMethod(name, @selector(init), initialize);
     originalFinish = appkit::replaceMethod(name, @selector(finishLaunching), finishLaunching);
 }
 

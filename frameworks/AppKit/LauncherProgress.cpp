@@ -97,8 +97,9 @@ void showLauncherProgress(std::optional<double> fraction) {
 }
 
 void clearLeftLauncherProgress() {
+    const std::lock_guard lock(mutex);
     const std::string path = markPath();
-    if (path.empty() || access(path.c_str(), F_OK) != 0 || isAlive(path))
+    if (isShown || path.empty() || access(path.c_str(), F_OK) != 0 || isAlive(path))
         return;
     emit(0, false);
     unlink(path.c_str());

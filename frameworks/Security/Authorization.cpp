@@ -2,6 +2,7 @@
 #include "Security/Authorization.h"
 
 #include "Security/Authorization/Privileges.h"
+#include "Security/Authorization/WaitForTool.h"
 
 #include <cerrno>
 #include <climits>
@@ -131,9 +132,7 @@ OSStatus AuthorizationExecuteWithPrivileges(AuthorizationRef authorization, cons
     return executed > 0 ? errAuthorizationSuccess : errAuthorizationToolExecuteFailure;
 }
 
-// The wait of a library that is linked with --wrap=wait. Other children of the process may end at
-// any time, the programs that GNUstep starts among them: their end is not the end of this one.
-extern "C" __attribute__((visibility("default"))) pid_t __wrap_wait(int* status) {
+pid_t security::waitForTool(int* status) {
     const pid_t child = std::exchange(executed, -1);
     if (child <= 0)
         return wait(status);

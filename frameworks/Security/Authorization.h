@@ -72,8 +72,8 @@ CF_EXPORT OSStatus AuthorizationCopyRights(AuthorizationRef authorization,
                                            AuthorizationRights** granted);
 
 /// Starts a program as root, its working folder "/" and its standard streams closed. The arguments
-/// end with a null. It is a child of this process that ends as the program does. A library that is
-/// linked with --wrap=wait then waits for that child and for no other; two are not to run at once.
+/// end with a null. It is a child of this process that ends as the program does. The library above
+/// waits for that child and for no other; two are not to run at once.
 /// `communicationsPipe` must be null. Asks for the rights where they have not been given.
 CF_EXPORT OSStatus AuthorizationExecuteWithPrivileges(AuthorizationRef authorization,
                                                       const char* pathToTool,

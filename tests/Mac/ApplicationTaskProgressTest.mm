@@ -74,6 +74,16 @@ private:
     unsigned char* _bytes;
 };
 
+// Comes before the others, which make the application's object.
+TEST(TaskProgressWithoutAnApplication, DrawsNothing) {
+    NSAutoreleasePool* const pool = [[NSAutoreleasePool alloc] init];
+    ASSERT_EQ(NSApp, nil);
+    ApplicationTaskProgress::instance()->showProgress(nullptr, 0.5, TaskProgressGreen);
+    ApplicationTaskProgress::instance()->clearProgress();
+    EXPECT_EQ(NSApp, nil);
+    [pool release];
+}
+
 class TaskProgress : public testing::Test {
 protected:
     TaskProgress() : _pool([[NSAutoreleasePool alloc] init]) {

@@ -5,9 +5,11 @@
 
 #include "tests/support/ApplicationBundle.h"
 #include "tests/support/Mounts.h"
+#include "tests/support/RunningProgram.h"
 
 #include <deque>
 #include <gmock/gmock.h>
+#include <gtest/gtest.h>
 #include <map>
 #include <memory>
 

@@ -217,6 +217,13 @@ Function replaceMethod(const char* type, SEL selector, Function function) {
         method_setImplementation(method, reinterpret_cast<IMP>(function)));
 }
 
+// Nobody draws frames around windows here, and GNUstep would wait for it.
+void doWithoutWindowManager() {
+    [[NSUserDefaults standardUserDefaults]
+        registerDefaults:[NSDictionary dictionaryWithObject:@"NO"
+                                                     forKey:@"GSX11HandlesWindowDecorations"]];
+}
+
 void observe() {
     _NSLog_printf_handler = reportLog;
     runModalBefore = replaceMethod("NSApplication", @selector(runModalForWindow:), runModal);
@@ -263,8 +270,8 @@ int main() {
         tav::i18n::setCatalogueFolder(tav::String(variable("MOVE_CATALOGUES")));
     observe();
     NSAutoreleasePool* const pool = [[NSAutoreleasePool alloc] init];
-    if (variable("MOVE_PROBE") != "display")
-        [NSApplication sharedApplication];
+    doWithoutWindowManager();
+    [NSApplication sharedApplication];
     report("started " + textOf([[NSBundle mainBundle] bundlePath]));
     tav::ula::moveToApplicationsFolder();
     report("returned");

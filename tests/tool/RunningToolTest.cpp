@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // ula running
 #include "tests/support/ApplicationBundle.h"
+#include "tests/support/RunningProgram.h"
 #include "tests/tool/ToolProcess.h"
 
 #include <gmock/gmock.h>
