@@ -15,7 +15,12 @@ public:
     SessionBus(const SessionBus&) = delete;
     SessionBus& operator=(const SessionBus&) = delete;
 
+    /// At once, in the middle of whatever it does.
+    void kill();
+
 private:
+    void end(int signal);
+
     pid_t _process = -1;
 };
 
@@ -29,6 +34,10 @@ public:
     void restartKeyring() const { startKeyring("--replace"); }
     /// Locks the collection that new items go to.
     void lock() const;
+    /// The session's bus, at once.
+    void killBus() { _bus.kill(); }
+    /// How many connections to the bus a process has.
+    static int connectionsOf(pid_t process);
 
 private:
     static void startKeyring(const std::string& option = {});

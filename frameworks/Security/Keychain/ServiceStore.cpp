@@ -2,6 +2,7 @@
 #include "Security/Keychain/ServiceStore.h"
 
 #include "Security/Keychain/AttributeText.h"
+#include "Security/Keychain/ItemDigest.h"
 #include "Security/Keychain/ServiceStatus.h"
 #include "Security/SecBase.h"
 
@@ -17,12 +18,14 @@ constexpr char kCollectionLabel[] = "org.freedesktop.Secret.Collection.Label";
 constexpr char kItemLabel[] = "org.freedesktop.Secret.Item.Label";
 constexpr char kItemAttributes[] = "org.freedesktop.Secret.Item.Attributes";
 constexpr char kSchemaAttribute[] = "xdg:schema";
+constexpr char kDigest[] = "item";
 constexpr char kService[] = "service";
 constexpr char kAccount[] = "account";
 
 const SecretSchema kSchema = {"ula.GenericPassword",
                               SECRET_SCHEMA_NONE,
-                              {{kService, SECRET_SCHEMA_ATTRIBUTE_STRING},
+                              {{kDigest, SECRET_SCHEMA_ATTRIBUTE_STRING},
+                               {kService, SECRET_SCHEMA_ATTRIBUTE_STRING},
                                {kAccount, SECRET_SCHEMA_ATTRIBUTE_STRING},
                                {nullptr, SECRET_SCHEMA_ATTRIBUTE_STRING}},
                               0,
@@ -49,19 +52,19 @@ private:
     GError* _error = nullptr;
 };
 
-Owned<GHashTable> attributesOf(const ItemName& name) {
+// What is looked for may have a secret for an account: it does not go over the bus.
+Owned<GHashTable> searchedAttributes(const ItemKey& name) {
     Owned<GHashTable> attributes(g_hash_table_new_full(g_str_hash, g_str_equal, nullptr, g_free));
-    g_hash_table_insert(attributes.get(), const_cast<char*>(kService),
-                        g_strdup(attributeText(name.service).c_str()));
-    g_hash_table_insert(attributes.get(), const_cast<char*>(kAccount),
-                        g_strdup(attributeText(name.account).c_str()));
+    g_hash_table_insert(attributes.get(), const_cast<char*>(kDigest),
+                        g_strdup(itemDigest(name).c_str()));
     return attributes;
 }
 
-GVariant* attributesVariant(const ItemName& name) {
+GVariant* storedAttributes(const ItemKey& name) {
     GVariantBuilder builder;
     g_variant_builder_init(&builder, G_VARIANT_TYPE("a{ss}"));
     g_variant_builder_add(&builder, "{ss}", kSchemaAttribute, kSchema.name);
+    g_variant_builder_add(&builder, "{ss}", kDigest, itemDigest(name).c_str());
     g_variant_builder_add(&builder, "{ss}", kService, attributeText(name.service).c_str());
     g_variant_builder_add(&builder, "{ss}", kAccount, attributeText(name.account).c_str());
     return g_variant_builder_end(&builder);
@@ -77,9 +80,11 @@ void setProperty(GHashTable* table, const char* key, GVariant* value) {
 }
 
 // What programs that manage passwords show.
-std::string labelOf(const ItemName& name) {
-    const std::string account = name.account.empty() ? "" : " (" + name.account + ")";
-    return attributeText(name.service + account);
+std::string labelOf(const ItemKey& name) {
+    std::string label(name.service);
+    if (!name.account.empty())
+        label.append(" (").append(name.account).append(")");
+    return attributeText(label);
 }
 
 // Prompts. Fails: errSecUserCanceled when the user has dismissed it.
@@ -122,11 +127,11 @@ bool isMissingOrLocked(const GError* error) {
            g_error_matches(error, G_DBUS_ERROR, G_DBUS_ERROR_UNKNOWN_OBJECT);
 }
 
-void createItem(SecretService* service, const ItemName& name, std::string_view secret,
+void createItem(SecretService* service, const ItemKey& name, std::string_view secret,
                 Failure& failure) {
     const Owned<GHashTable> properties = propertyTable();
     setProperty(properties.get(), kItemLabel, g_variant_new_string(labelOf(name).c_str()));
-    setProperty(properties.get(), kItemAttributes, attributesVariant(name));
+    setProperty(properties.get(), kItemAttributes, storedAttributes(name));
     const Owned<SecretValue> value(secret_value_new(
         secret.data(), static_cast<gssize>(secret.size()), "application/octet-stream"));
     const Owned<gchar> path(secret_service_create_item_dbus_path_sync(
@@ -134,7 +139,7 @@ void createItem(SecretService* service, const ItemName& name, std::string_view s
         nullptr, failure.receive()));
 }
 
-OSStatus addItem(SecretService* service, const ItemName& name, std::string_view secret) {
+OSStatus addItem(SecretService* service, const ItemKey& name, std::string_view secret) {
     Failure failure;
     createItem(service, name, secret, failure);
     if (!isMissingOrLocked(failure.get()))
@@ -154,6 +159,9 @@ std::string valueOf(GHashTable* attributes, const char* key) {
 }  // namespace
 
 OSStatus ServiceStore::attempt(const std::function<OSStatus(SecretService*)>& work) {
+    // Before the lock, which a thread of the parent may have held.
+    if (_connection.isOfParent())
+        return errSecNotAvailable;
     const std::lock_guard lock(_mutex);
     SecretService* service = nullptr;
     OSStatus status = _connection.connect(service);
@@ -167,12 +175,12 @@ OSStatus ServiceStore::attempt(const std::function<OSStatus(SecretService*)>& wo
     return status == errSecSuccess ? work(service) : status;
 }
 
-OSStatus ServiceStore::search(SecretService* service, const ItemName& name, Found& found) {
+OSStatus ServiceStore::search(SecretService* service, const ItemKey& name, Found& found) {
     Failure failure;
     gchar** unlocked = nullptr;
     gchar** locked = nullptr;
-    secret_service_search_for_dbus_paths_sync(service, &kSchema, attributesOf(name).get(), nullptr,
-                                              &unlocked, &locked, failure.receive());
+    secret_service_search_for_dbus_paths_sync(service, &kSchema, searchedAttributes(name).get(),
+                                              nullptr, &unlocked, &locked, failure.receive());
     const Owned<gchar*> ownedUnlocked(unlocked);
     const Owned<gchar*> ownedLocked(locked);
     if (failure.get() != nullptr)
@@ -184,22 +192,21 @@ OSStatus ServiceStore::search(SecretService* service, const ItemName& name, Foun
     return errSecSuccess;
 }
 
-OSStatus ServiceStore::searchUnlocked(SecretService* service, const ItemName& name, Found& found) {
+OSStatus ServiceStore::searchUnlocked(SecretService* service, const ItemKey& name, Found& found) {
     const OSStatus status = search(service, name, found);
     if (status != errSecSuccess || !found.isLocked)
         return status;
     return unlock(service, found.path.c_str());
 }
 
-OSStatus ServiceStore::find(const ItemName& name) {
+OSStatus ServiceStore::find(const ItemKey& name) {
     return attempt([&](SecretService* service) {
         Found found;
         return search(service, name, found);
     });
 }
 
-OSStatus ServiceStore::readFound(SecretService* service, const ItemName& name,
-                                 SecretBytes& secret) {
+OSStatus ServiceStore::readFound(SecretService* service, const ItemKey& name, SecretBytes& secret) {
     Found found;
     const OSStatus status = searchUnlocked(service, name, found);
     if (status != errSecSuccess)
@@ -215,11 +222,11 @@ OSStatus ServiceStore::readFound(SecretService* service, const ItemName& name,
     return errSecSuccess;
 }
 
-OSStatus ServiceStore::read(const ItemName& name, SecretBytes& secret) {
+OSStatus ServiceStore::read(const ItemKey& name, SecretBytes& secret) {
     return attempt([&](SecretService* service) { return readFound(service, name, secret); });
 }
 
-OSStatus ServiceStore::add(const ItemName& name, std::string_view secret) {
+OSStatus ServiceStore::add(const ItemKey& name, std::string_view secret) {
     return attempt([&](SecretService* service) {
         Found found;
         const OSStatus status = search(service, name, found);
@@ -229,7 +236,7 @@ OSStatus ServiceStore::add(const ItemName& name, std::string_view secret) {
     });
 }
 
-OSStatus ServiceStore::remove(const ItemName& name) {
+OSStatus ServiceStore::remove(const ItemKey& name) {
     return attempt([&](SecretService* service) {
         Found found;
         const OSStatus status = searchUnlocked(service, name, found);
