@@ -38,7 +38,25 @@ NSImage* flattened(NSImage* image) {
     return result;
 }
 
+// Drawing makes windows, which show the icon, and GNUstep's answer may be to look for it and to set
+// it: what is asked meanwhile is GNUstep's own business.
+class Nested {
+public:
+    Nested() { ++_depth; }
+    ~Nested() { --_depth; }
+    Nested(const Nested&) = delete;
+    Nested& operator=(const Nested&) = delete;
+
+    bool isWithinAnother() const { return _depth > 1; }
+
+private:
+    static inline int _depth = 0;
+};
+
 NSImage* applicationIconImage(id self, SEL command) {
+    const Nested nested;
+    if (nested.isWithinAnother())
+        return originalGet(self, command);
     NSImage* icon = originalGet(self, command);
     return icon == nil ? nil : flattened(icon);
 }
@@ -70,13 +88,11 @@ static void listenForProgress() {
 
 static void setApplicationIconImage(id self, SEL command, NSImage* image) {
     listenForProgress();
-    static bool isAsking = false;
-    if (plainIcon == nil && !isAsking) {
-        // GNUstep's answer may be to look for the icon and to set it.
-        isAsking = true;
+    const Nested nested;
+    if (nested.isWithinAnother())
+        return originalSet(self, command, image);
+    if (plainIcon == nil)
         plainIcon = [originalGet(self, @selector(applicationIconImage)) retain];
-        isAsking = false;
-    }
     originalSet(self, command, image == nil ? plainIcon : flattened(image));
 }
 

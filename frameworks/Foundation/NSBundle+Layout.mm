@@ -9,7 +9,6 @@
 
 #include <map>
 #include <mutex>
-#include <sys/stat.h>
 
 using foundation::BundleLayout;
 
@@ -28,10 +27,20 @@ NSString* text(const std::string& path) {
     return path.empty() ? nil : [NSString stringWithUTF8String:path.c_str()];
 }
 
+/// This process's program, on a volume named by that, as GNUstep names it.
+const std::string& namedProgram() {
+    static const auto* const path = [] {
+        const std::string& program = foundation::runningProgram();
+        const std::string named = coreservices::resolvedPath(program);
+        return new std::string(named.empty() ? program : named);
+    }();
+    return *path;
+}
+
 /// What GNUstep takes for the path of a program that lies in no bundle it knows.
 const std::string& pathOfPlainProgram() {
     static const auto* const path = [] {
-        const std::string& program = foundation::runningProgram();
+        const std::string& program = namedProgram();
         const size_t name = program.rfind('/') + 1;
         return new std::string(program.substr(0, name) + "Resources/" + program.substr(name));
     }();
@@ -45,27 +54,8 @@ std::optional<BundleLayout> layoutOf(NSBundle* bundle) {
     if (path == nullptr)
         return std::nullopt;
     if (path == pathOfPlainProgram())
-        return foundation::programLayout(foundation::runningProgram());
+        return foundation::programLayout(namedProgram());
     return foundation::contentsLayout(path);
-}
-
-/// Decided once: a program stays where it was started from.
-bool isProgramOnStartupDisk() {
-    static const bool isOn = [] {
-        struct stat program {}, root {};
-        return stat(foundation::runningProgram().c_str(), &program) == 0 && stat("/", &root) == 0 &&
-               program.st_dev == root.st_dev;
-    }();
-    return isOn;
-}
-
-/// What lies on another disk is named by its volume, as where volumes are mounted in /Volumes.
-NSString* onVolume(NSString* path) {
-    if (path == nil || isProgramOnStartupDisk())
-        return path;
-    const std::string resolved = coreservices::resolvedPath([path fileSystemRepresentation]);
-    NSString* const named = resolved.empty() ? nil : text(resolved);
-    return named != nil ? named : path;
 }
 
 NSDictionary* readInformation(const std::string& path) {
@@ -109,8 +99,7 @@ NSDictionary* information(const BundleLayout& layout) {
 - (NSString*)ula_bundlePath {
     NSString* const path = [self ula_bundlePath];
     const bool isProgram = path != nil && [path UTF8String] == pathOfPlainProgram();
-    NSString* const bundle = isProgram ? text(layoutOf(self)->bundle) : path;
-    return self == [NSBundle mainBundle] ? onVolume(bundle) : bundle;
+    return isProgram ? text(layoutOf(self)->bundle) : path;
 }
 
 - (NSString*)ula_executablePath {

@@ -143,7 +143,9 @@ MoveFixture::Run MoveFixture::run(const std::string& bundle, const std::string& 
         result.lines.push_back(line.substr(own.size() + 1));
     }
     if (result.exitCode < 0 || result.exitCode > 90)
-        ADD_FAILURE() << readFile(folder / "errors");
+        throw std::runtime_error("it ends with " + std::to_string(result.exitCode) + " after " +
+                                 testing::PrintToString(result.lines) +
+                                 readFile(folder / "errors"));
     return result;
 }
 

@@ -20,8 +20,8 @@ constexpr const char* kName = "Photo Box.app";
 class Moving : public MoveFixture {
 protected:
     /// An application of the name that is there already, and its file.
-    std::string putExisting() {
-        const std::string bundle = applications + "/" + kName;
+    std::string putExisting(const std::string& place = "/Applications") {
+        const std::string bundle = place + "/" + kName;
         fs::create_directories(bundle);
         writeFile(bundle + "/old", "old");
         return bundle;
@@ -193,10 +193,10 @@ TEST_F(Moving, CancellingWhereAnApplicationExistsEndsTheProcess) {
 }
 
 TEST_F(Moving, ContinuingMovesTheExistingApplicationToTheTrash) {
-    const std::string existing = putExisting();
+    const std::string existing = putExisting(home + "/Applications");
     const std::string bundle = install("desk");
     const Run result = run(bundle, "0 0");
-    EXPECT_THAT(result.lines, ElementsAre("started " + bundle, question(kToMachine), kMoving,
+    EXPECT_THAT(result.lines, ElementsAre("started " + bundle, question(kToHome), kMoving,
                                           kExists, relaunch("SELF", existing)));
     expectOpened(existing);
     EXPECT_FALSE(fs::exists(existing + "/old"));
@@ -254,13 +254,13 @@ TEST_F(Moving, AnOlderAppKitFindsARunningCopyInTheTableOfProcesses) {
 }
 
 TEST_F(Moving, AnOlderAppKitThatFindsNoneGoesOn) {
-    const std::string existing = putExisting();
+    const std::string existing = putExisting(home + "/Applications");
     const std::string bundle = install("desk");
     const std::string search = "task: /bin/sh | -c | ps ax -o comm | grep '" + existing +
                                "/' | grep -v grep >/dev/null";
     const Run result = run(bundle, "0 0", {{"MOVE_APPKIT", "949.33"}});
     EXPECT_THAT(result.lines,
-                ElementsAre("started " + bundle, question(kToMachine), kMoving, kExists, search,
+                ElementsAre("started " + bundle, question(kToHome), kMoving, kExists, search,
                             relaunch("SELF", existing, "/usr/bin/xattr -d com.apple.quarantine")));
     expectOpened(existing);
 }
@@ -328,7 +328,7 @@ TEST_F(Moving, TheMarkOfADownloadIsTakenFromTheNewCopy) {
 
 TEST_F(Moving, HostileNamesRunNothing) {
     fs::current_path(folder.path());
-    const std::string name = "a'; touch one; '$(touch two)`touch three`\"; touch four #&\\";
+    const std::string name = "a'; touch one; '$(touch two)`touch three`\"; touch four #&";
     const std::string bundle = install("desk'$(touch five)", name);
     const std::string destination = applications + "/" + name + ".app";
     EXPECT_EQ(run(bundle, "0").exitCode, 0);

@@ -206,7 +206,10 @@ void launch(NSTask* task, SEL selector) {
     std::string line = "task: " + textOf([task launchPath]);
     for (NSString* word in [task arguments])
         line += " | " + textOf(word);
-    report(line);
+    // GNUstep also starts daemons and tools of its own.
+    if ([[task launchPath] isEqualToString:@"/bin/sh"] ||
+        [[task launchPath] isEqualToString:@"/usr/bin/open"])
+        report(line);
     launchBefore(task, selector);
 }
 
