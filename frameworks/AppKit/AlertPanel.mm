@@ -6,6 +6,7 @@
 #import <AppKit/AppKit.h>
 
 #include <algorithm>
+#include <cmath>
 
 namespace {
 
@@ -13,6 +14,7 @@ constexpr CGFloat kMargin = 20;
 constexpr CGFloat kGap = 12;
 constexpr CGFloat kIcon = 64;
 constexpr CGFloat kTextLeft = kMargin + kIcon + 16;
+constexpr CGFloat kTextInset = 2;
 constexpr CGFloat kNarrowest = 460;
 constexpr CGFloat kButtonWidth = 80;
 constexpr CGFloat kButtonHeight = 28;
@@ -29,10 +31,21 @@ CGFloat widthFor(NSArray* buttons) {
     return std::max(kNarrowest, width);
 }
 
-// As high as the text is in this width.
+// As high as the text is in this width. What cells say of it is for one line.
+CGFloat heightOf(NSString* text, NSFont* font, CGFloat width) {
+    NSDictionary* const attributes = [NSDictionary dictionaryWithObject:font
+                                                                 forKey:NSFontAttributeName];
+    NSAttributedString* const drawn =
+        [[[NSAttributedString alloc] initWithString:text attributes:attributes] autorelease];
+    const NSRect bounds = [drawn boundingRectWithSize:NSMakeSize(width - 2 * kTextInset, 100000)
+                                              options:NSStringDrawingUsesLineFragmentOrigin];
+    return std::ceil(NSHeight(bounds)) + 2 * kTextInset;
+}
+
 NSTextField* textField(NSString* text, NSFont* font, CGFloat width) {
     NSTextField* const field =
-        [[[NSTextField alloc] initWithFrame:NSMakeRect(0, 0, width, 1)] autorelease];
+        [[[NSTextField alloc] initWithFrame:NSMakeRect(0, 0, width, heightOf(text, font, width))]
+            autorelease];
     [field setEditable:NO];
     [field setSelectable:YES];
     [field setBezeled:NO];
@@ -40,8 +53,6 @@ NSTextField* textField(NSString* text, NSFont* font, CGFloat width) {
     [field setFont:font];
     [[field cell] setWraps:YES];
     [field setStringValue:text];
-    const NSSize size = [[field cell] cellSizeForBounds:NSMakeRect(0, 0, width, 100000)];
-    [field setFrameSize:NSMakeSize(width, size.height)];
     return field;
 }
 

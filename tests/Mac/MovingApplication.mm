@@ -14,6 +14,7 @@
 #include <Security/Security.h>
 #include <algorithm>
 #include <clocale>
+#include <cmath>
 #include <cstdlib>
 #include <dlfcn.h>
 #include <fcntl.h>
@@ -101,10 +102,21 @@ std::string keyOf(NSButton* button) {
     return [key isEqualToString:@"\033"] ? " (Escape)" : "";
 }
 
+// Whether all of it can be seen.
+bool fits(NSTextField* field) {
+    const NSSize size = [[field stringValue]
+        sizeWithAttributes:[NSDictionary dictionaryWithObject:[field font]
+                                                       forKey:NSFontAttributeName]];
+    const double lines = std::ceil(size.width / NSWidth([field frame]));
+    return NSHeight([field frame]) >= lines * size.height;
+}
+
 std::string descriptionOf(NSWindow* window) {
     std::string text = "alert:";
-    for (NSView* field : textsOf(window))
-        text += " \"" + textOf([static_cast<NSTextField*>(field) stringValue]) + "\"";
+    for (NSView* view : textsOf(window)) {
+        NSTextField* const field = static_cast<NSTextField*>(view);
+        text += " \"" + textOf([field stringValue]) + "\"" + (fits(field) ? "" : " (cut)");
+    }
     for (NSView* view : buttonsOf(window)) {
         NSButton* const button = static_cast<NSButton*>(view);
         text += " [" + textOf([button title]) + keyOf(button) + "]";
@@ -120,7 +132,8 @@ std::string descriptionOf(NSWindow* window) {
 
 void takePicture(NSWindow* window) {
     const std::string folder = variable("ULA_PICTURES");
-    if (folder.empty())
+    // Other users may not be allowed to.
+    if (access(folder.c_str(), W_OK) != 0)
         return;
     static int number = 0;
     NSView* const view = [window contentView];
