@@ -43,9 +43,8 @@ CGFloat heightOf(NSString* text, NSFont* font, CGFloat width) {
 }
 
 NSTextField* textField(NSString* text, NSFont* font, CGFloat width) {
-    NSTextField* const field =
-        [[[NSTextField alloc] initWithFrame:NSMakeRect(0, 0, width, heightOf(text, font, width))]
-            autorelease];
+    NSTextField* const field = [[[NSTextField alloc]
+        initWithFrame:NSMakeRect(0, 0, width, heightOf(text, font, width))] autorelease];
     [field setEditable:NO];
     [field setSelectable:YES];
     [field setBezeled:NO];
@@ -61,7 +60,7 @@ NSTextField* textField(NSString* text, NSFont* font, CGFloat width) {
 @interface ULAlertPanel (Layout)
 - (void)addButtons;
 - (void)addBox:(NSButton*)box;
-- (void)addText:(NSString*)text font:(NSFont*)font;
+- (void)addTextsOf:(NSAlert*)alert;
 - (void)addIconOf:(NSAlert*)alert;
 @end
 
@@ -83,9 +82,7 @@ NSTextField* textField(NSString* text, NSFont* font, CGFloat width) {
     _top = kMargin;
     [self addButtons];
     [self addBox:box];
-    [self addText:[alert informativeText] font:[NSFont systemFontOfSize:12]];
-    [self addText:[alert messageText] font:[NSFont boldSystemFontOfSize:14]];
-    _top = std::max(_top, kMargin + kButtonHeight + kGap + kIcon + kGap);
+    [self addTextsOf:alert];
     [self setContentSize:NSMakeSize(NSWidth([[self contentView] frame]), _top - kGap + kMargin)];
     [self addIconOf:alert];
     [self center];
@@ -124,20 +121,30 @@ NSTextField* textField(NSString* text, NSFont* font, CGFloat width) {
     _top += size.height + kGap;
 }
 
-- (void)addText:(NSString*)text font:(NSFont*)font {
-    if ([text length] == 0)
-        return;
+// Few words begin beside the icon's upper edge, too.
+- (void)addTextsOf:(NSAlert*)alert {
     const CGFloat width = NSWidth([[self contentView] frame]) - kTextLeft - kMargin;
-    NSTextField* const field = textField(text, font, width);
-    [field setFrameOrigin:NSMakePoint(kTextLeft, _top)];
-    [field setAutoresizingMask:NSViewMaxXMargin | NSViewMaxYMargin];
-    [[self contentView] addSubview:field];
-    _top += NSHeight([field frame]) + kGap;
+    NSMutableArray* const fields = [NSMutableArray array];
+    if ([[alert informativeText] length] > 0)
+        [fields addObject:textField([alert informativeText], [NSFont systemFontOfSize:12], width)];
+    if ([[alert messageText] length] > 0)
+        [fields addObject:textField([alert messageText], [NSFont boldSystemFontOfSize:14], width)];
+    CGFloat height = 0;
+    for (NSTextField* field in fields)
+        height += NSHeight([field frame]) + kGap;
+    _top = std::max(_top, kMargin + kButtonHeight + kGap + kIcon + kGap - height);
+    for (NSTextField* field in fields) {
+        [field setFrameOrigin:NSMakePoint(kTextLeft, _top)];
+        [field setAutoresizingMask:NSViewMaxXMargin | NSViewMaxYMargin];
+        [[self contentView] addSubview:field];
+        _top += NSHeight([field frame]) + kGap;
+    }
 }
 
 - (void)addIconOf:(NSAlert*)alert {
-    NSImage* const icon =
-        [alert icon] != nil ? [alert icon] : [[NSApplication sharedApplication] applicationIconImage];
+    NSImage* const icon = [alert icon] != nil
+                              ? [alert icon]
+                              : [[NSApplication sharedApplication] applicationIconImage];
     const CGFloat height = NSHeight([[self contentView] frame]);
     NSImageView* const view = [[[NSImageView alloc]
         initWithFrame:NSMakeRect(kMargin, height - kMargin - kIcon, kIcon, kIcon)] autorelease];

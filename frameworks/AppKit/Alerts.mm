@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// GNUstep's alerts do not wrap their texts, have no box for not being asked again, and forget the key
-// equivalents that their buttons are given. Those made by messages to NSAlert are of a class of our
-// own here, with a window of our own when they run modally.
+// GNUstep's alerts do not wrap their texts, have no box for not being asked again, and forget the
+// key equivalents that their buttons are given. Those made by messages to NSAlert are of a class of
+// our own here, with a window of our own when they run modally.
 #import "AppKit/AppKit.h"
 
 #import "AppKit/AlertPanel.h"
@@ -46,8 +46,7 @@ NSInteger panelAnswer(NSInteger number, bool hasAlternate) {
 
 + (void)load {
     Class const type = object_getClass(objc_getClass("NSAlert"));
-    class_addMethod(type, @selector(allocWithZone:), reinterpret_cast<IMP>(allocateAlert),
-                    "@@:^v");
+    class_addMethod(type, @selector(allocWithZone:), reinterpret_cast<IMP>(allocateAlert), "@@:^v");
     // Taken over below, as its answers are.
     const SEL maker = @selector
         (alertWithMessageText:defaultButton:alternateButton:otherButton:informativeTextWithFormat:);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // GNUstep's copies grow under their final names, and what it has copied stays when it fails. Here a
-// copy appears under its name when it is whole and on the disk, or not at all, and never in place of
-// something that is there.
+// copy appears under its name when it is whole and on the disk, or not at all, and never in place
+// of something that is there.
 #import <Foundation/Foundation.h>
 
 #include "AppKit/FileDescriptor.h"
@@ -79,12 +79,14 @@ NSInteger codeOf(int error) {
 
 NSError* errorOf(int error, NSString* path) {
     NSDictionary* const details = [NSDictionary
-        dictionaryWithObjectsAndKeys:
-            [NSString stringWithFormat:@"\"%@\" could not be copied: %s", [path lastPathComponent],
-                                       std::strerror(error)],
-            NSLocalizedDescriptionKey, path, NSFilePathErrorKey,
-            [NSError errorWithDomain:NSPOSIXErrorDomain code:error userInfo:nil],
-            NSUnderlyingErrorKey, nil];
+        dictionaryWithObjectsAndKeys:[NSString stringWithFormat:@"\"%@\" could not be copied: %s",
+                                                                [path lastPathComponent],
+                                                                std::strerror(error)],
+                                     NSLocalizedDescriptionKey, path, NSFilePathErrorKey,
+                                     [NSError errorWithDomain:NSPOSIXErrorDomain
+                                                         code:error
+                                                     userInfo:nil],
+                                     NSUnderlyingErrorKey, nil];
     return [NSError errorWithDomain:NSCocoaErrorDomain code:codeOf(error) userInfo:details];
 }
 

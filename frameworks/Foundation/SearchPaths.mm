@@ -42,8 +42,9 @@ NSArray* applicationFolders(NSSearchPathDomainMask domains) {
         addOfGNUstep(paths, NSNetworkDomainMask);
     if (domains & NSSystemDomainMask) {
         addOfGNUstep(paths, NSSystemDomainMask);
-        addTexts(paths, {"/usr/bin", "/usr/games", "/usr/lib", "/usr/sbin", "/usr/share", "/app/bin",
-                         "/app/lib", "/app/share", "/snap", "/nix/store", "/gnu/store"});
+        addTexts(paths,
+                 {"/usr/bin", "/usr/games", "/usr/lib", "/usr/sbin", "/usr/share", "/app/bin",
+                  "/app/lib", "/app/share", "/snap", "/nix/store", "/gnu/store"});
     }
     return paths;
 }

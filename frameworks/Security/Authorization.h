@@ -63,13 +63,12 @@ CF_EXPORT OSStatus AuthorizationCreate(const AuthorizationRights* rights,
 CF_EXPORT OSStatus AuthorizationFree(AuthorizationRef authorization, AuthorizationFlags flags);
 
 /// Has the user asked for an administrator's password, once for the life of the authorization, and
-/// waits for the answer. kAuthorizationRightExecute is the only right there is; it is only to be had
-/// where interaction is allowed and rights may be extended. `granted` must be null.
+/// waits for the answer. kAuthorizationRightExecute is the only right there is; it is only to be
+/// had where interaction is allowed and rights may be extended. `granted` must be null.
 CF_EXPORT OSStatus AuthorizationCopyRights(AuthorizationRef authorization,
                                            const AuthorizationRights* rights,
                                            const AuthorizationEnvironment* environment,
-                                           AuthorizationFlags flags,
-                                           AuthorizationRights** granted);
+                                           AuthorizationFlags flags, AuthorizationRights** granted);
 
 /// Starts a program as root, its working folder "/" and its standard streams closed. The arguments
 /// end with a null. It is a child of this process that ends as the program does. The library above

@@ -50,8 +50,8 @@ void addNames(const std::string& place, std::vector<std::string>& names) {
 BoundItem::BoundItem(const std::string& item, const std::string& point, bool isReadOnly)
     : _point(point) {
     if (mount(item.c_str(), point.c_str(), nullptr, MS_BIND, nullptr) != 0 ||
-        (isReadOnly && mount(nullptr, point.c_str(), nullptr, MS_BIND | MS_REMOUNT | MS_RDONLY,
-                             nullptr) != 0))
+        (isReadOnly &&
+         mount(nullptr, point.c_str(), nullptr, MS_BIND | MS_REMOUNT | MS_RDONLY, nullptr) != 0))
         throw std::runtime_error(point + " cannot be covered");
 }
 
@@ -113,8 +113,7 @@ void MoveFixture::setVariables(const Variables& variables, const std::string& an
 }
 
 void MoveFixture::become(const std::string& bundle) const {
-    const std::string program =
-        bundle + "/Contents/MacOS/" + fs::path(bundle).stem().string();
+    const std::string program = bundle + "/Contents/MacOS/" + fs::path(bundle).stem().string();
     const int errors = open((folder / "errors").c_str(), O_WRONLY | O_CREAT | O_APPEND, 0666);
     dup2(errors, STDERR_FILENO);
     if (_user != 0 && (setgroups(0, nullptr) != 0 || setgid(_user) != 0 || setuid(_user) != 0))

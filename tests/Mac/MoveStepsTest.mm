@@ -170,16 +170,15 @@ TEST_F(Steps, LinksToNowhereAndInACircleAreNothing) {
 
 TEST_F(Steps, AnAliasFileIsFollowed) {
     fs::create_directories(folder / "real/Applications");
-    writeFile(folder / "alias.desktop", "[Desktop Entry]\nType=Link\nName=alias\nURL=file://" +
-                                            (folder / "real") + "\n");
+    writeFile(folder / "alias.desktop",
+              "[Desktop Entry]\nType=Link\nName=alias\nURL=file://" + (folder / "real") + "\n");
     EXPECT_EQ(resolved(folder / "alias.desktop"), folder / "real");
     EXPECT_EQ(resolved(folder / "alias.desktop/Applications"), folder / "real/Applications");
 }
 
 TEST_F(Steps, WhatCannotBeTrashedIsLogged) {
     EXPECT_FALSE(trashPath(text(folder / "missing.app")));
-    EXPECT_THAT(logged,
-                ElementsAre("ERROR -- Could not trash '" + (folder / "missing.app") + "'"));
+    EXPECT_THAT(logged, ElementsAre("ERROR -- Could not trash '" + (folder / "missing.app") + "'"));
 }
 
 std::string bytes(NSString* command) {
@@ -225,9 +224,8 @@ std::string wordsOf(NSString* path) {
 }
 
 TEST_F(Steps, AnyPathIsOneWordOfACommand) {
-    for (const char* path :
-         {"/it's", "''", "'", "/a' b'", "/$(id)`id`;id|id&id>x<y", "/\\' x", "/a\nb\n", "/\"'\"'",
-          "/%s%@%d", "/*?[a]~#!", "/\u00fc \u65e5'\u672c"})
+    for (const char* path : {"/it's", "''", "'", "/a' b'", "/$(id)`id`;id|id&id>x<y", "/\\' x",
+                             "/a\nb\n", "/\"'\"'", "/%s%@%d", "/*?[a]~#!", "/\u00fc \u65e5'\u672c"})
         EXPECT_EQ(wordsOf(text(path)), "<" + std::string(path) + ">");
 }
 

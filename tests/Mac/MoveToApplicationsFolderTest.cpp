@@ -157,9 +157,8 @@ constexpr const char* kUncluttered = " This will keep your Downloads folder uncl
 
 TEST_F(Moving, FromTheDownloadsFolderItSaysSo) {
     const std::string bundle = install("home/Downloads/new");
-    EXPECT_THAT(
-        run(bundle, "1").lines,
-        ElementsAre("started " + bundle, question(kToMachine, kUncluttered), "returned"));
+    EXPECT_THAT(run(bundle, "1").lines,
+                ElementsAre("started " + bundle, question(kToMachine, kUncluttered), "returned"));
 }
 
 TEST_F(Moving, TheDownloadsFolderIsTheDesktops) {
@@ -167,9 +166,8 @@ TEST_F(Moving, TheDownloadsFolderIsTheDesktops) {
     writeFile(home + "/.config/user-dirs.dirs", "XDG_DOWNLOAD_DIR=\"$HOME/Geladen\"\n");
     const std::string bundle = install("home/Geladen");
     const Variables variables = {{"XDG_CONFIG_HOME", home + "/.config"}};
-    EXPECT_THAT(
-        run(bundle, "1", variables).lines,
-        ElementsAre("started " + bundle, question(kToMachine, kUncluttered), "returned"));
+    EXPECT_THAT(run(bundle, "1", variables).lines,
+                ElementsAre("started " + bundle, question(kToMachine, kUncluttered), "returned"));
 }
 
 TEST_F(Moving, AnOlderAppKitKnowsDownloadsByTheNameOfTheFolder) {
@@ -196,8 +194,8 @@ TEST_F(Moving, ContinuingMovesTheExistingApplicationToTheTrash) {
     const std::string existing = putExisting(home + "/Applications");
     const std::string bundle = install("desk");
     const Run result = run(bundle, "0 0");
-    EXPECT_THAT(result.lines, ElementsAre("started " + bundle, question(kToHome), kMoving,
-                                          kExists, relaunch("SELF", existing)));
+    EXPECT_THAT(result.lines, ElementsAre("started " + bundle, question(kToHome), kMoving, kExists,
+                                          relaunch("SELF", existing)));
     expectOpened(existing);
     EXPECT_FALSE(fs::exists(existing + "/old"));
     EXPECT_EQ(trashed().size(), 2u);
@@ -237,15 +235,15 @@ TEST_F(Moving, ARunningCopyOfTheExistingApplicationIsSwitchedTo) {
 TEST_F(Moving, AnOlderAppKitFindsARunningCopyInTheTableOfProcesses) {
     const std::string existing = putExisting();
     const std::string bundle = install("desk");
-    const std::string search = "task: /bin/sh | -c | ps ax -o comm | grep '" + existing +
-                               "/' | grep -v grep >/dev/null";
+    const std::string search =
+        "task: /bin/sh | -c | ps ax -o comm | grep '" + existing + "/' | grep -v grep >/dev/null";
     // The table of this system has no paths.
     fs::create_directory(folder / "bin");
     writeFile(folder / "bin/ps", "#!/bin/sh\n[ \"$*\" = 'ax -o comm' ] && echo '" + existing +
                                      "/Contents/MacOS/Photo Box'\n");
     fs::permissions(folder / "bin/ps", fs::perms(0755));
-    const Run result =
-        run(bundle, "0 0", {{"MOVE_APPKIT", "949.33"}, {"PATH", (folder / "bin") + ":/usr/bin:/bin"}});
+    const Run result = run(
+        bundle, "0 0", {{"MOVE_APPKIT", "949.33"}, {"PATH", (folder / "bin") + ":/usr/bin:/bin"}});
     EXPECT_THAT(result.lines,
                 ElementsAre("started " + bundle, question(kToMachine), kMoving, kExists, search,
                             "log: INFO -- Switching to an already running version",
@@ -256,8 +254,8 @@ TEST_F(Moving, AnOlderAppKitFindsARunningCopyInTheTableOfProcesses) {
 TEST_F(Moving, AnOlderAppKitThatFindsNoneGoesOn) {
     const std::string existing = putExisting(home + "/Applications");
     const std::string bundle = install("desk");
-    const std::string search = "task: /bin/sh | -c | ps ax -o comm | grep '" + existing +
-                               "/' | grep -v grep >/dev/null";
+    const std::string search =
+        "task: /bin/sh | -c | ps ax -o comm | grep '" + existing + "/' | grep -v grep >/dev/null";
     const Run result = run(bundle, "0 0", {{"MOVE_APPKIT", "949.33"}});
     EXPECT_THAT(result.lines,
                 ElementsAre("started " + bundle, question(kToHome), kMoving, kExists, search,
@@ -302,9 +300,8 @@ TEST_F(Moving, NothingIsLostWhenTheCopyFailsHalfway) {
     const Run result = run(bundle, "0 0");
     const std::string destination = applications + "/" + kName;
     ASSERT_EQ(result.lines.size(), 7u);
-    EXPECT_THAT(result.lines[3],
-                testing::StartsWith("log: ERROR -- Could not copy '" + bundle + "' to '" +
-                                    destination + "' ("));
+    EXPECT_THAT(result.lines[3], testing::StartsWith("log: ERROR -- Could not copy '" + bundle +
+                                                     "' to '" + destination + "' ("));
     EXPECT_THAT(result.lines[3], testing::HasSubstr("No space left on device"));
     EXPECT_EQ(result.lines[4], "log: ERROR -- Could not copy myself to " + destination);
     EXPECT_EQ(result.lines[5], kFailed);

@@ -187,7 +187,8 @@ TEST_F(MovingInOtherLanguages, EveryTextHasATranslation) {
         const Run result = runIn(locale, "0 1");
         ASSERT_EQ(result.lines.size(), 4u) << locale;
         for (const std::string& alert : {result.lines[1], result.lines[3]})
-            for (const char* text : {"Move to", "Do Not", "folder", "Continue (", "Cancel (", "show"})
+            for (const char* text :
+                 {"Move to", "Do Not", "folder", "Continue (", "Cancel (", "show"})
                 EXPECT_EQ(alert.find(text), std::string::npos) << alert;
         EXPECT_EQ(result.lines[2], kMoving);
         fs::remove_all(folder / "desk");

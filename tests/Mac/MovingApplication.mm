@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // An application that moves, to be copied into bundles. What happens is written to the pipe that
-// MOVE_REPORT names, a line each: alerts as they are on the screen, lines of the platform's log, tasks
-// and privileged commands before they are run.
+// MOVE_REPORT names, a line each: alerts as they are on the screen, lines of the platform's log,
+// tasks and privileged commands before they are run.
 //
 // Each alert is answered with the next word of MOVE_ANSWERS: the number of a button, "box" and such
 // a number, "escape", or "late" and a number, for which the file MOVE_LATE appears first. What
@@ -65,7 +65,8 @@ void reportLog(NSString* message) {
 }
 
 bool isBox(NSView* view) {
-    return [view isKindOfClass:[NSButton class]] && [[static_cast<NSButton*>(view) cell] showsStateBy];
+    return
+        [view isKindOfClass:[NSButton class]] && [[static_cast<NSButton*>(view) cell] showsStateBy];
 }
 
 template <class Order>
@@ -79,13 +80,15 @@ std::vector<NSView*> subviews(NSWindow* window, Class type, Order order) {
 }
 
 std::vector<NSView*> textsOf(NSWindow* window) {
-    return subviews(window, [NSTextField class],
-                    [](NSView* one, NSView* two) { return NSMaxY([one frame]) > NSMaxY([two frame]); });
+    return subviews(window, [NSTextField class], [](NSView* one, NSView* two) {
+        return NSMaxY([one frame]) > NSMaxY([two frame]);
+    });
 }
 
 std::vector<NSView*> buttonsOf(NSWindow* window) {
-    return subviews(window, [NSButton class],
-                    [](NSView* one, NSView* two) { return NSMaxX([one frame]) > NSMaxX([two frame]); });
+    return subviews(window, [NSButton class], [](NSView* one, NSView* two) {
+        return NSMaxX([one frame]) > NSMaxX([two frame]);
+    });
 }
 
 NSButton* boxOf(NSWindow* window) {
@@ -171,15 +174,15 @@ void click(NSView* view) {
 void pressEscape(NSWindow* window) {
     for (const NSEventType type : {NSKeyDown, NSKeyUp})
         [NSApp postEvent:[NSEvent keyEventWithType:type
-                                          location:NSZeroPoint
-                                     modifierFlags:0
-                                         timestamp:0
-                                      windowNumber:[window windowNumber]
-                                           context:nil
-                                        characters:@"\033"
-                       charactersIgnoringModifiers:@"\033"
-                                         isARepeat:NO
-                                           keyCode:0]
+                                                location:NSZeroPoint
+                                           modifierFlags:0
+                                               timestamp:0
+                                            windowNumber:[window windowNumber]
+                                                 context:nil
+                                              characters:@"\033"
+                             charactersIgnoringModifiers:@"\033"
+                                               isARepeat:NO
+                                                 keyCode:0]
                  atStart:NO];
 }
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Stands in for pkexec and for the user in front of its dialog: ULA_TEST_PKEXEC is what the user
-// does, "grant" or "cancel"; with anything else there is nobody to ask. Installed as pkexec is, with
-// root's rights for everybody, where only a test sees it.
+// does, "grant" or "cancel"; with anything else there is nobody to ask. Installed as pkexec is,
+// with root's rights for everybody, where only a test sees it.
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>

@@ -3,8 +3,8 @@
 //
 //   xattr -d [-r] NAME FILE...
 //
-// On this system a program's attributes are those of the class "user". With -r, what lies in folders
-// is meant, too, and it is no error where there is no such attribute.
+// On this system a program's attributes are those of the class "user". With -r, what lies in
+// folders is meant, too, and it is no error where there is no such attribute.
 #include <cerrno>
 #include <cstdio>
 #include <cstring>

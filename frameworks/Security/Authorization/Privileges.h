@@ -9,8 +9,8 @@ namespace security {
 
 enum class PrivilegesAnswer { Granted, Cancelled, Denied };
 
-// The rights of root as polkit gives them: a program that runs as root, waits for commands, and ends
-// when this object does. One answer of the user's is enough for all of them.
+// The rights of root as polkit gives them: a program that runs as root, waits for commands, and
+// ends when this object does. One answer of the user's is enough for all of them.
 class Privileges {
 public:
     // The programs are pkexec and the one that waits for commands.

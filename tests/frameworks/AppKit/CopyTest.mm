@@ -60,7 +60,8 @@ TEST_F(Copy, HasAllThatTheOriginalHas) {
 TEST_F(Copy, TakesTheTimeAndTheOwnerAlong) {
     EXPECT_EQ(copy(folder / "Copy.app"), 0);
     for (const char* name : {"", "/Contents", "/Contents/program"}) {
-        struct stat one {}, other {};
+        struct stat one {
+        }, other{};
         ASSERT_EQ(lstat((folder / "App.app" + name).c_str(), &one), 0);
         ASSERT_EQ(lstat((folder / "Copy.app" + name).c_str(), &other), 0);
         EXPECT_EQ(one.st_mtim.tv_nsec, other.st_mtim.tv_nsec) << name;

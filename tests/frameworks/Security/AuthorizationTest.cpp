@@ -86,16 +86,17 @@ protected:
 TEST_F(Privileged, ProgramsRunAsRootOneAfterTheOther) {
     const std::string first = folder / "one'; touch x; \n two";
     const std::string second = folder / "second";
-    EXPECT_EQ(asUser("grant",
-                     [&] {
-                         Authorization authorization;
-                         std::string text = std::to_string(authorization.obtain());
-                         text += " " + std::to_string(authorization.run("/usr/bin/touch", {first}));
-                         text += " " + std::to_string(
-                                           authorization.run("/bin/cp", {"-pR", first, second}));
-                         return text;
-                     }),
-              "0 0 0");
+    EXPECT_EQ(
+        asUser(
+            "grant",
+            [&] {
+                Authorization authorization;
+                std::string text = std::to_string(authorization.obtain());
+                text += " " + std::to_string(authorization.run("/usr/bin/touch", {first}));
+                text += " " + std::to_string(authorization.run("/bin/cp", {"-pR", first, second}));
+                return text;
+            }),
+        "0 0 0");
     for (const std::string& path : {first, second}) {
         struct stat item {};
         EXPECT_EQ(stat(path.c_str(), &item), 0) << path;

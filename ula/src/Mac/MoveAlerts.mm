@@ -85,12 +85,11 @@ bool askToReplace() {
     NSString* const text = translated(
         "An application with the same name already exists in the Applications folder. Do you want "
         "to continue and move the existing application to the Trash?");
-    NSAlert* const alert =
-        [NSAlert alertWithMessageText:translated("Application already exists")
-                        defaultButton:translated("Continue")
-                      alternateButton:translated("Cancel")
-                          otherButton:nil
-            informativeTextWithFormat:text];
+    NSAlert* const alert = [NSAlert alertWithMessageText:translated("Application already exists")
+                                           defaultButton:translated("Continue")
+                                         alternateButton:translated("Cancel")
+                                             otherButton:nil
+                               informativeTextWithFormat:text];
     return [alert runModal] == NSAlertDefaultReturn;
 }
 

@@ -15,26 +15,26 @@ NSString* quotable(NSString* path) {
 
 NSString* quarantineCommand(NSString* bundle) {
     if (isAppKitNewerThan(kAppKit10_5))
-        return [NSString stringWithFormat:@"/usr/bin/xattr -d -r com.apple.quarantine '%@';",
-                                          quotable(bundle)];
+        return [NSString
+            stringWithFormat:@"/usr/bin/xattr -d -r com.apple.quarantine '%@';", quotable(bundle)];
     if (isAppKitNewerThan(kAppKit10_4))
-        return [NSString stringWithFormat:@"/usr/bin/xattr -d com.apple.quarantine '%@';",
-                                          quotable(bundle)];
+        return [NSString
+            stringWithFormat:@"/usr/bin/xattr -d com.apple.quarantine '%@';", quotable(bundle)];
     return @"";
 }
 
 }  // namespace
 
 NSString* runningCommand(NSString* bundle) {
-    return [NSString stringWithFormat:@"ps ax -o comm | grep '%@/' | grep -v grep >/dev/null",
-                                      quotable(bundle)];
+    return [NSString
+        stringWithFormat:@"ps ax -o comm | grep '%@/' | grep -v grep >/dev/null", quotable(bundle)];
 }
 
 NSString* relaunchCommand(int process, NSString* bundle) {
-    return [NSString
-        stringWithFormat:
-            @"(while [ `ps -p %d | wc -l` -gt 1 ]; do sleep 0.1; done; %@ open '%@') &", process,
-            quarantineCommand(bundle), quotable(bundle)];
+    return
+        [NSString stringWithFormat:
+                      @"(while [ `ps -p %d | wc -l` -gt 1 ]; do sleep 0.1; done; %@ open '%@') &",
+                      process, quarantineCommand(bundle), quotable(bundle)];
 }
 
 NSString* detachCommand(NSString* folder) {

@@ -20,8 +20,8 @@ bool examine(NSString* path, struct stat& item) {
 
 /// Nil where the link cannot be read.
 NSString* targetOfLink(NSString* path) {
-    NSString* const target = [[NSFileManager defaultManager] destinationOfSymbolicLinkAtPath:path
-                                                                                       error:nullptr];
+    NSString* const target =
+        [[NSFileManager defaultManager] destinationOfSymbolicLinkAtPath:path error:nullptr];
     if (target == nil || [target isAbsolutePath])
         return target;
     NSString* const folder = [path stringByDeletingLastPathComponent];

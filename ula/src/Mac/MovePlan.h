@@ -5,7 +5,8 @@
 
 namespace tav::ula {
 
-/// From where to where an application would move, and what that takes. The objects are autoreleased.
+/// From where to where an application would move, and what that takes. The objects are
+/// autoreleased.
 struct MovePlan {
     NSString* source = nil;
     bool isSourceWritable = false;

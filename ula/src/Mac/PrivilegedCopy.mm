@@ -42,18 +42,19 @@ private:
 Execute executeEntry() {
     static Execute entry = nullptr;
     if (entry == nullptr)
-        entry = reinterpret_cast<Execute>(dlsym(RTLD_DEFAULT, "AuthorizationExecuteWithPrivileges"));
+        entry =
+            reinterpret_cast<Execute>(dlsym(RTLD_DEFAULT, "AuthorizationExecuteWithPrivileges"));
     return entry;
 }
 
 OSStatus askForRights(const Authorization& authorization) {
     AuthorizationItem item = {kAuthorizationRightExecute, 0, nullptr, 0};
     const AuthorizationRights rights = {1, &item};
-    return AuthorizationCopyRights(
-        authorization.get(), &rights, kAuthorizationEmptyEnvironment,
-        kAuthorizationFlagInteractionAllowed | kAuthorizationFlagExtendRights |
-            kAuthorizationFlagPreAuthorize,
-        nullptr);
+    return AuthorizationCopyRights(authorization.get(), &rights, kAuthorizationEmptyEnvironment,
+                                   kAuthorizationFlagInteractionAllowed |
+                                       kAuthorizationFlagExtendRights |
+                                       kAuthorizationFlagPreAuthorize,
+                                   nullptr);
 }
 
 /// Runs a program to its end. Fails: false when it was not run, or ended by a signal.
@@ -73,8 +74,8 @@ bool execute(const Authorization& authorization, const char* program,
     return child >= 0 && WIFEXITED(status);
 }
 
-/// What the removal says does not matter: there may be nothing to remove, and what is left is in the
-/// way of the copy.
+/// What the removal says does not matter: there may be nothing to remove, and what is left is in
+/// the way of the copy.
 bool replace(const Authorization& authorization, NSString* source, NSString* destination) {
     const char* const from = [source fileSystemRepresentation];
     const char* const to = [destination fileSystemRepresentation];
