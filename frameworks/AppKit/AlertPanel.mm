@@ -154,6 +154,12 @@ NSTextField* textField(NSString* text, NSFont* font, CGFloat width) {
     [[self contentView] addSubview:view];
 }
 
+// The keys of the buttons count whatever has the focus.
+- (void)sendEvent:(NSEvent*)event {
+    if ([event type] != NSKeyDown || ![self performKeyEquivalent:event])
+        [super sendEvent:event];
+}
+
 - (void)answer:(id)sender {
     [NSApp stopModalWithCode:static_cast<NSInteger>([_answers indexOfObjectIdenticalTo:sender])];
 }

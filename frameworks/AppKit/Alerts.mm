@@ -102,10 +102,9 @@ NSInteger panelAnswer(NSInteger number, bool hasAlternate) {
 - (NSInteger)runModal {
     if ([[self buttons] count] == 0)
         [self addButtonWithTitle:okTitle()];
-    ULAlertPanel* const panel =
-        [[ULAlertPanel alloc] initWithAlert:self box:_showsBox ? [self suppressionButton] : nil];
+    NSButton* const box = _showsBox ? [self suppressionButton] : nil;
+    ULAlertPanel* const panel = [[[ULAlertPanel alloc] initWithAlert:self box:box] autorelease];
     const NSInteger answer = [panel runUntilAnswered];
-    [panel release];
     if (_answersAsPanel != 0)
         return answer < 0 ? NSAlertErrorReturn : panelAnswer(answer, _answersAsPanel == 2);
     return answer < 0 ? NSAlertErrorReturn : NSAlertFirstButtonReturn + answer;

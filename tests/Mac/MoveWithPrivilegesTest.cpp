@@ -4,6 +4,7 @@
 #include "tests/Mac/MoveFixture.h"
 
 #include <fcntl.h>
+#include <sys/inotify.h>
 
 namespace {
 
@@ -121,9 +122,9 @@ protected:
     }
     bool isMounted() const { return fs::exists(folder / "media/Disk/Photo Box.app"); }
 
-    /// The next change of the table of mounts; false after twenty seconds.
-    static bool waitForMounts(int table) {
-        pollfd change = {table, POLLPRI, 0};
+    /// False after twenty seconds.
+    static bool waitFor(int descriptor, short event) {
+        pollfd change = {descriptor, event, 0};
         return poll(&change, 1, 20000) > 0;
     }
 
@@ -133,6 +134,8 @@ protected:
 TEST_F(MovingFromImages, AReadOnlyImageIsDetachedAndNothingOfItIsTrashed) {
     const std::string bundle = mountImage("ro,loop");
     const int table = open("/proc/self/mounts", O_RDONLY | O_CLOEXEC);
+    const int closed = inotify_init1(IN_CLOEXEC | IN_NONBLOCK);
+    inotify_add_watch(closed, _image.c_str(), IN_CLOSE);
     const Run result = run(bundle, "0");
     EXPECT_THAT(result.lines,
                 ElementsAre("started " + bundle, question(kToMachine), kMoving,
@@ -143,10 +146,13 @@ TEST_F(MovingFromImages, AReadOnlyImageIsDetachedAndNothingOfItIsTrashed) {
     EXPECT_THAT(trashed(), ElementsAre());
     EXPECT_TRUE(isMounted());
     while (isMounted())
-        ASSERT_TRUE(waitForMounts(table));
-    close(table);
+        ASSERT_TRUE(waitFor(table, POLLPRI));
+    // The kernel closes the image when its loop device is free.
+    ASSERT_TRUE(waitFor(closed, POLLIN));
     const std::string loops = "losetup -j '" + _image + "' | grep -q .";
     EXPECT_NE(std::system(loops.c_str()), 0);
+    close(table);
+    close(closed);
 }
 
 TEST_F(MovingFromImages, AWritableImageStaysAndTheOldCopyIsTrashed) {
