@@ -49,7 +49,7 @@ add_at_once() {
     for process in 1 2 3 4; do
         (for item in {1..10}; do
             printf x | "$ula" secret add "Note $process-$item" --qualifier many
-        done) &
+        done) 2>/dev/null &
         adders+=($!)
     done
     for process in "${adders[@]}"; do
@@ -64,7 +64,7 @@ add_at_once() {
 in_file() {
     unset DBUS_SESSION_BUS_ADDRESS XDG_RUNTIME_DIR
     store_and_find
-    if grep -rqF -e "$password" -e Mail -e ann "$folder"; then
+    if grep -rqF -e "$password" -e Mail "$folder"; then
         wrong "a secret or a name can be read on the disk"
     else
         printf '    neither secrets nor names can be read in the %d files\n' \
@@ -107,7 +107,8 @@ case $place in
     service)
         export XDG_RUNTIME_DIR=$folder/run
         mkdir -m 700 "$XDG_RUNTIME_DIR"
-        exec dbus-run-session -- bash "$0" "$ula" "$folder" session
+        # What the bus has to say is of no interest here.
+        exec dbus-run-session -- bash "$0" "$ula" "$folder" session 2>/dev/null
         ;;
     session) in_service ;;
     *)

@@ -90,7 +90,7 @@ OSStatus SecKeychainItemDelete(SecKeychainItemRef itemRef) {
 }
 
 OSStatus SecKeychainItemFreeContent(SecKeychainAttributeList*, void* data) {
-    SecretBytes::free(data);
+    security::SecretMemory::free(data);
     return errSecSuccess;
 }
 

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
+#include <filesystem>
 #include <stdexcept>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -69,9 +70,14 @@ void SessionBus::end(int signal) {
     waitpid(std::exchange(_process, -1), nullptr, 0);
 }
 
-void SecretSession::startKeyring(const std::string& option) {
-    run("printf pw | gnome-keyring-daemon --unlock --components=secrets --daemonize " + option +
+void SecretSession::startKeyring(const std::string& options) {
+    run("printf pw | gnome-keyring-daemon --components=secrets --daemonize " + options +
         " >/dev/null 2>&1");
+}
+
+void SecretSession::beginWithoutKeyring() const {
+    std::filesystem::remove_all(std::string(std::getenv("XDG_DATA_HOME")) + "/keyrings");
+    startKeyring("--replace");
 }
 
 void SecretSession::lock() const {

@@ -3,14 +3,18 @@
 
 #include "Security/Keychain/AttributeText.h"
 #include "Security/Keychain/ItemDigest.h"
+#include "Security/Keychain/PromptedCall.h"
 #include "Security/Keychain/ServiceStatus.h"
 #include "Security/SecBase.h"
 
-#include <cstring>
+#include <utility>
 
 namespace security {
 
 namespace {
+
+using Clock = std::chrono::steady_clock;
+constexpr std::chrono::milliseconds kFreshness(5);
 
 constexpr char kDefaultAlias[] = "default";
 constexpr char kDefaultCollection[] = "/org/freedesktop/secrets/aliases/default";
@@ -87,42 +91,59 @@ std::string labelOf(const ItemKey& name) {
     return attributeText(label);
 }
 
+// Of a call that asks the user and came back without what was wanted.
+OSStatus refusal(const PromptedCall& call, const Failure& failure) {
+    if (call.isAbandoned())
+        return errSecNotAvailable;
+    return failure.get() != nullptr ? failure.status() : errSecUserCanceled;
+}
+
 // Prompts. Fails: errSecUserCanceled when the user has dismissed it.
 OSStatus unlock(SecretService* service, const char* path) {
     Failure failure;
+    PromptedCall call(service);
     const gchar* paths[] = {path, nullptr};
+    secret_service_unlock_dbus_paths(service, paths, call.cancellable(), &PromptedCall::receive,
+                                     &call);
     const gint count =
-        secret_service_unlock_dbus_paths_sync(service, paths, nullptr, nullptr, failure.receive());
-    if (count > 0)
-        return errSecSuccess;
-    return failure.get() != nullptr ? failure.status() : errSecUserCanceled;
+        secret_service_unlock_dbus_paths_finish(service, call.wait(), nullptr, failure.receive());
+    return count > 0 ? OSStatus(errSecSuccess) : refusal(call, failure);
 }
 
 // Prompts for the password of the new collection.
 OSStatus makeDefaultCollection(SecretService* service) {
     Failure failure;
+    PromptedCall call(service);
     const Owned<GHashTable> properties = propertyTable();
     setProperty(properties.get(), kCollectionLabel, g_variant_new_string("Login"));
-    const Owned<gchar> path(secret_service_create_collection_dbus_path_sync(
-        service, properties.get(), kDefaultAlias, SECRET_COLLECTION_CREATE_NONE, nullptr,
-        failure.receive()));
-    if (path != nullptr)
-        return errSecSuccess;
-    return failure.get() != nullptr ? failure.status() : errSecUserCanceled;
+    secret_service_create_collection_dbus_path(service, properties.get(), kDefaultAlias,
+                                               SECRET_COLLECTION_CREATE_NONE, call.cancellable(),
+                                               &PromptedCall::receive, &call);
+    const Owned<gchar> path(
+        secret_service_create_collection_dbus_path_finish(service, call.wait(), failure.receive()));
+    // A dismissed prompt makes the root.
+    const bool isMade = path != nullptr && std::string_view(path.get()) != "/";
+    return isMade ? OSStatus(errSecSuccess) : refusal(call, failure);
 }
 
-OSStatus prepareDefaultCollection(SecretService* service) {
+// Prompts where the service wants to.
+OSStatus deleteItem(SecretService* service, const char* path) {
     Failure failure;
-    const Owned<gchar> path(secret_service_read_alias_dbus_path_sync(service, kDefaultAlias,
-                                                                     nullptr, failure.receive()));
-    if (failure.get() != nullptr)
-        return failure.status();
-    return path != nullptr ? unlock(service, path.get()) : makeDefaultCollection(service);
+    PromptedCall call(service);
+    secret_service_delete_item_dbus_path(service, path, call.cancellable(), &PromptedCall::receive,
+                                         &call);
+    const bool isDone = secret_service_delete_item_dbus_path_finish(service, call.wait(),
+                                                                    failure.receive()) != FALSE;
+    return isDone ? OSStatus(errSecSuccess) : refusal(call, failure);
 }
 
-bool isMissingOrLocked(const GError* error) {
-    return g_error_matches(error, SECRET_ERROR, SECRET_ERROR_IS_LOCKED) ||
-           g_error_matches(error, SECRET_ERROR, SECRET_ERROR_NO_SUCH_OBJECT) ||
+bool isLocked(const GError* error) {
+    return g_error_matches(error, SECRET_ERROR, SECRET_ERROR_IS_LOCKED) != FALSE;
+}
+
+// There may be a name for a collection that nobody has made.
+bool isMissing(const GError* error) {
+    return g_error_matches(error, SECRET_ERROR, SECRET_ERROR_NO_SUCH_OBJECT) ||
            g_error_matches(error, G_DBUS_ERROR, G_DBUS_ERROR_UNKNOWN_METHOD) ||
            g_error_matches(error, G_DBUS_ERROR, G_DBUS_ERROR_UNKNOWN_OBJECT);
 }
@@ -142,9 +163,10 @@ void createItem(SecretService* service, const ItemKey& name, std::string_view se
 OSStatus addItem(SecretService* service, const ItemKey& name, std::string_view secret) {
     Failure failure;
     createItem(service, name, secret, failure);
-    if (!isMissingOrLocked(failure.get()))
+    if (!isLocked(failure.get()) && !isMissing(failure.get()))
         return failure.status();
-    const OSStatus status = prepareDefaultCollection(service);
+    const OSStatus status = isMissing(failure.get()) ? makeDefaultCollection(service)
+                                                     : unlock(service, kDefaultCollection);
     if (status != errSecSuccess)
         return status;
     createItem(service, name, secret, failure);
@@ -202,18 +224,25 @@ OSStatus ServiceStore::searchUnlocked(SecretService* service, const ItemKey& nam
 OSStatus ServiceStore::find(const ItemKey& name) {
     return attempt([&](SecretService* service) {
         Found found;
-        return search(service, name, found);
+        const OSStatus status = search(service, name, found);
+        if (status == errSecSuccess && !found.isLocked)
+            _justFound = {itemDigest(name), found.path, std::this_thread::get_id(), Clock::now()};
+        return status;
     });
 }
 
-OSStatus ServiceStore::readFound(SecretService* service, const ItemKey& name, SecretBytes& secret) {
-    Found found;
-    const OSStatus status = searchUnlocked(service, name, found);
-    if (status != errSecSuccess)
-        return status;
+std::string ServiceStore::takeJustFound(const ItemKey& name) {
+    const JustFound found = std::exchange(_justFound, {});
+    const bool isFresh = found.thread == std::this_thread::get_id() &&
+                         Clock::now() - found.time < kFreshness && found.digest == itemDigest(name);
+    return isFresh ? found.path : "";
+}
+
+OSStatus ServiceStore::readAt(SecretService* service, const std::string& path,
+                              SecretBytes& secret) {
     Failure failure;
     const Owned<SecretValue> value(secret_service_get_secret_for_dbus_path_sync(
-        service, found.path.c_str(), nullptr, failure.receive()));
+        service, path.c_str(), nullptr, failure.receive()));
     if (value == nullptr)
         return failure.get() != nullptr ? failure.status() : errSecItemNotFound;
     gsize length = 0;
@@ -222,12 +251,22 @@ OSStatus ServiceStore::readFound(SecretService* service, const ItemKey& name, Se
     return errSecSuccess;
 }
 
+OSStatus ServiceStore::readFound(SecretService* service, const ItemKey& name, SecretBytes& secret) {
+    const std::string path = takeJustFound(name);
+    if (!path.empty() && readAt(service, path, secret) == errSecSuccess)
+        return errSecSuccess;
+    Found found;
+    const OSStatus status = searchUnlocked(service, name, found);
+    return status == errSecSuccess ? readAt(service, found.path, secret) : status;
+}
+
 OSStatus ServiceStore::read(const ItemKey& name, SecretBytes& secret) {
     return attempt([&](SecretService* service) { return readFound(service, name, secret); });
 }
 
 OSStatus ServiceStore::add(const ItemKey& name, std::string_view secret) {
     return attempt([&](SecretService* service) {
+        _justFound = {};
         Found found;
         const OSStatus status = search(service, name, found);
         if (status != errSecItemNotFound)
@@ -238,14 +277,10 @@ OSStatus ServiceStore::add(const ItemKey& name, std::string_view secret) {
 
 OSStatus ServiceStore::remove(const ItemKey& name) {
     return attempt([&](SecretService* service) {
+        _justFound = {};
         Found found;
         const OSStatus status = searchUnlocked(service, name, found);
-        if (status != errSecSuccess)
-            return status;
-        Failure failure;
-        const bool isDone = secret_service_delete_item_dbus_path_sync(service, found.path.c_str(),
-                                                                      nullptr, failure.receive());
-        return isDone || failure.get() != nullptr ? failure.status() : OSStatus(errSecUserCanceled);
+        return status == errSecSuccess ? deleteItem(service, found.path.c_str()) : status;
     });
 }
 

@@ -4,9 +4,11 @@
 #include "Security/Keychain/SecretServiceConnection.h"
 #include "Security/Keychain/Store.h"
 
+#include <chrono>
 #include <functional>
 #include <mutex>
-#include <optional>
+#include <string>
+#include <thread>
 
 namespace security {
 
@@ -38,9 +40,21 @@ private:
     OSStatus attempt(const std::function<OSStatus(SecretService*)>& work);
     static OSStatus search(SecretService* service, const ItemKey& name, Found& found);
     static OSStatus searchUnlocked(SecretService* service, const ItemKey& name, Found& found);
+    static OSStatus readAt(SecretService* service, const std::string& path, SecretBytes& secret);
     OSStatus readFound(SecretService* service, const ItemKey& name, SecretBytes& secret);
+    // Whoever looks for an item reads it next: the path that this thread has just found, once.
+    std::string takeJustFound(const ItemKey& name);
+
+    // As good as the one that each read looks for shortly before, and no longer.
+    struct JustFound {
+        std::string digest;
+        std::string path;
+        std::thread::id thread;
+        std::chrono::steady_clock::time_point time;
+    };
 
     std::mutex _mutex;
+    JustFound _justFound;
     SecretServiceConnection _connection;
 };
 

@@ -4,6 +4,9 @@
 #include "tests/frameworks/Security/SecretPrompter.h"
 #include "tests/support/SecretSession.h"
 
+#include <ctime>
+#include <thread>
+
 namespace tav::test {
 namespace {
 
@@ -47,6 +50,32 @@ TEST_F(SecretPromptTest, APromptThatIsDismissedIsAnErrorOfItsOwn) {
     EXPECT_EQ(addPassword("bob", "secret"), errSecUserCanceled);
     EXPECT_TRUE(prompter.isDone());
     EXPECT_FALSE(std::filesystem::exists(file("items")));
+}
+
+TEST_F(SecretPromptTest, AKeyringIsMadeWhereThereIsNone) {
+    session.beginWithoutKeyring();
+    // As for the first item of all.
+    std::filesystem::remove(file("store"));
+    prompter.dismiss();
+    EXPECT_EQ(addPassword("bob", "secret"), errSecUserCanceled);
+    prompter.answer("new");
+    EXPECT_EQ(addPassword("bob", "secret"), errSecSuccess);
+    EXPECT_TRUE(prompter.isDone());
+    EXPECT_EQ(readPassword("bob"), "secret");
+}
+
+TEST_F(SecretPromptTest, ABusThatEndsDuringAPromptEndsTheCall) {
+    prompter.hesitate();
+    std::thread killer([this] {
+        // Nobody tells when a prompt shows.
+        const timespec pause{0, 1'000'000};
+        while (!prompter.isShown())
+            nanosleep(&pause, nullptr);
+        session.killBus();
+    });
+    EXPECT_EQ(readPassword("ann"), "status " + std::to_string(errSecNotAvailable));
+    killer.join();
+    EXPECT_EQ(removePassword("ann"), errSecNotAvailable);
 }
 
 TEST_F(SecretPromptTest, AfterAPromptThatWasDismissedTheNextOneCounts) {

@@ -30,6 +30,16 @@ void SecretPrompter::dismiss() {
     gcr_mock_prompter_expect_password_cancel();
 }
 
+void SecretPrompter::hesitate() {
+    constexpr guint kLongerThanAnyTestMs = 3'600'000;
+    gcr_mock_prompter_set_delay_msec(kLongerThanAnyTestMs);
+    gcr_mock_prompter_expect_password_ok("", nullptr);
+}
+
+bool SecretPrompter::isShown() const {
+    return gcr_mock_prompter_is_prompting() != FALSE;
+}
+
 bool SecretPrompter::isDone() const {
     return gcr_mock_prompter_is_expecting() == FALSE;
 }

@@ -17,6 +17,9 @@ public:
     /// What the next prompt gets.
     void answer(const std::string& password);
     void dismiss();
+    /// The next prompt stays until the bus ends.
+    void hesitate();
+    bool isShown() const;
     /// Whether every answer has been asked for.
     bool isDone() const;
 };

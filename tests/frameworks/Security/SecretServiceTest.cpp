@@ -131,7 +131,7 @@ TEST_F(SecretServiceTest, AForkedProcessIsToldThatItHasNone) {
     EXPECT_EQ(readPassword("ann"), "secret");
 }
 
-/// ULA_SECRETS=500 takes minutes: the service writes all of them with each.
+/// ULA_SECRETS=100 takes two minutes: the service writes all of them with each.
 int secretsOfAProcess() {
     const char* const wanted = std::getenv("ULA_SECRETS");
     return wanted != nullptr ? std::atoi(wanted) : 10;
