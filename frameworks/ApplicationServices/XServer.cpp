@@ -34,12 +34,19 @@ std::uint8_t firstEventOfRandR(xcb_connection_t* connection) {
     return isNewEnough ? extension->first_event : std::uint8_t{0};
 }
 
+// Places on a screen have sixteen bits. Properties are anybody's: what is further off is cut, so
+// that no sum of a few of them overflows.
+int pixels(std::uint32_t number) {
+    constexpr int kFurthest = 0xFFFF;
+    return std::clamp(static_cast<int>(number), -kFurthest, kFurthest);
+}
+
 // The areas of a list of numbers, four for each.
 std::vector<Area> areasOf(const std::vector<std::uint32_t>& numbers) {
     std::vector<Area> areas;
     for (std::size_t i = 0; i + 4 <= numbers.size(); i += 4)
-        areas.push_back({static_cast<int>(numbers[i]), static_cast<int>(numbers[i + 1]),
-                         static_cast<int>(numbers[i + 2]), static_cast<int>(numbers[i + 3])});
+        areas.push_back({pixels(numbers[i]), pixels(numbers[i + 1]), pixels(numbers[i + 2]),
+                         pixels(numbers[i + 3])});
     return areas;
 }
 
@@ -91,12 +98,12 @@ Server::News XServer::newsOf(const xcb_generic_event_t& event) const {
     const auto type = static_cast<std::uint8_t>(event.response_type & ~0x80);
     if (type == XCB_PROPERTY_NOTIFY) {
         const auto& notice = reinterpret_cast<const xcb_property_notify_event_t&>(event);
-        return isOfDesktop(notice.atom) ? News::Desktop : News::None;
+        return isOfDesktop(notice.atom) ? News::UsableAreas : News::None;
     }
     const bool isRandR =
         _firstEvent != 0 && (type == _firstEvent + XCB_RANDR_SCREEN_CHANGE_NOTIFY ||
                              type == _firstEvent + XCB_RANDR_NOTIFY);
-    return isRandR || type == XCB_CONFIGURE_NOTIFY ? News::Displays : News::None;
+    return isRandR || type == XCB_CONFIGURE_NOTIFY ? News::Arrangement : News::None;
 }
 
 Server::News XServer::takeNews() {
@@ -129,9 +136,8 @@ std::vector<Struts> XServer::readPanels() const {
             continue;
         Struts struts;
         for (std::size_t edge = 0; edge < struts.size(); ++edge)
-            struts[edge] = {static_cast<int>(numbers[edge]),
-                            static_cast<int>(numbers[4 + 2 * edge]),
-                            static_cast<int>(numbers[5 + 2 * edge])};
+            struts[edge] = {pixels(numbers[edge]), pixels(numbers[4 + 2 * edge]),
+                            pixels(numbers[5 + 2 * edge])};
         panels.push_back(struts);
     }
     return panels;

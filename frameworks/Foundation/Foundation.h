@@ -8,4 +8,5 @@
 #import "Foundation/HomeDirectory.h"
 #import "Foundation/NSFileManager+Folders.h"
 #import "Foundation/TemporaryDirectory.h"
+#import "Foundation/UserName.h"
 #endif

@@ -6,6 +6,8 @@
 #import "ula/ObjCHelper.h"
 #include "ula/ScopedARPool.h"
 
+#include "tests/support/ReplacedMethod.h"
+
 #import <AppKit/AppKit.h>
 #include <DiskArbitration/DiskArbitration.h>
 #include <gtest/gtest.h>
@@ -59,18 +61,10 @@ namespace tav::ula {
 namespace {
 
 /// Puts one method of the workspace in place of another, and back.
-class Replaced {
+class Replaced : public test::ReplacedMethod {
 public:
-    Replaced(SEL selector, IMP double_)
-        : _method(class_getInstanceMethod([NSWorkspace class], selector)),
-          _original(method_setImplementation(_method, double_)) {}
-    ~Replaced() { method_setImplementation(_method, _original); }
-    Replaced(const Replaced&) = delete;
-    Replaced& operator=(const Replaced&) = delete;
-
-private:
-    Method _method;
-    IMP _original;
+    Replaced(SEL selector, IMP replacement)
+        : ReplacedMethod(class_getInstanceMethod([NSWorkspace class], selector), replacement) {}
 };
 
 class DriveSteps : public testing::Test {

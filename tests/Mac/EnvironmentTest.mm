@@ -3,6 +3,8 @@
 // platform's calls.
 #include "ula/Environment.h"
 
+#include "tests/support/ChildProcess.h"
+
 #include <CoreServices/CoreServices.h>
 #import <Foundation/Foundation.h>
 #include <cstdlib>
@@ -176,6 +178,30 @@ TEST_F(EnvironmentTest, UserNameIsTheLoginName) {
     const passwd* const entry = getpwuid(geteuid());
     ASSERT_NE(entry, nullptr);
     EXPECT_EQ(Environment::getUserName(), entry->pw_name);
+}
+
+TEST_F(EnvironmentTest, UserWithoutAPasswordEntryHasTheNameOfTheEnvironmentOrANumber) {
+    const auto nameOfUnknownUser = [] {
+        return test::runInChild(
+            [] { return setuid(3'999'999) == 0 ? Environment::getUserName() : "no such user"; });
+    };
+    unsetenv("USER");
+    set("LOGNAME", "somebody");
+    EXPECT_EQ(nameOfUnknownUser(), "somebody");
+    unsetenv("LOGNAME");
+    EXPECT_EQ(nameOfUnknownUser(), "3999999");
+}
+
+TEST_F(EnvironmentTest, WithoutAHomeEverythingIsAnswered) {
+    set("LANG", "de_AT.UTF-8");
+    const std::string answers = test::runInChild([] {
+        unsetenv("HOME");
+        return setuid(3'999'999) != 0
+                   ? "no such user"
+                   : Environment::getOSLanguage() + ' ' + Environment::getOSCountryISO3166() + ' ' +
+                         Environment::getOSCountry();
+    });
+    EXPECT_EQ(answers, "Deutsch AT Deutsch (\u00d6sterreich)");
 }
 
 }  // namespace

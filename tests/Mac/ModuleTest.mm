@@ -3,6 +3,7 @@
 
 #include "ula/ScopedARPool.h"
 
+#include "tests/support/ReplacedMethod.h"
 #include "tests/support/TemporaryFolder.h"
 
 #import <Foundation/Foundation.h>
@@ -70,18 +71,10 @@ namespace tav::ula {
 namespace {
 
 /// Puts a class method in place of another, and back.
-class Replaced {
+class Replaced : public test::ReplacedMethod {
 public:
-    Replaced(SEL selector, IMP double_)
-        : _method(class_getClassMethod([NSBundle class], selector)),
-          _original(method_setImplementation(_method, double_)) {}
-    ~Replaced() { method_setImplementation(_method, _original); }
-    Replaced(const Replaced&) = delete;
-    Replaced& operator=(const Replaced&) = delete;
-
-private:
-    Method _method;
-    IMP _original;
+    Replaced(SEL selector, IMP replacement)
+        : ReplacedMethod(class_getClassMethod([NSBundle class], selector), replacement) {}
 };
 
 class ModuleSearch : public testing::Test {

@@ -109,6 +109,16 @@ TEST(OneHead, WorkingAreaFollowsTheWindowManager) {
     EXPECT_EQ(Screen::getScreenWorkingArea({1, -1}), (Rectangle{0, -576, 800, -40}));
 }
 
+TEST(OneHead, WorkingAreaBeyondAllBoundsIsCutToTheDisplay) {
+    const DisplayServer server("800x600x24");
+    server.setProperty("_NET_WORKAREA", "32c", "0, 24, 2147483647, 4294967295");
+    EXPECT_EQ(Screen::getPrimaryScreen().workingArea, (Rectangle{0, -600, 800, 0}));
+    server.setProperty("_NET_WORKAREA", "32c", "0, 24, 2147483647, 2147483647");
+    EXPECT_EQ(Screen::getPrimaryScreen().workingArea, (Rectangle{0, -576, 800, 0}));
+    server.setProperty("_NET_WORKAREA", "32c", "2147483647, 2147483647, 2147483647, 2147483647");
+    EXPECT_EQ(Screen::getPrimaryScreen().workingArea, (Rectangle{0, -600, 800, 0}));
+}
+
 TEST(OneHead, ScaleFollowsTheUsersChoice) {
     const DisplayServer server("800x600x24");
     server.setProperty("RESOURCE_MANAGER", "8s", "Xft.dpi:\t144");
@@ -140,6 +150,23 @@ TEST(TwoHeads, LookupsGoToTheRightOne) {
     EXPECT_EQ(Screen::getScreenFromRect({1180, -600, 1480, -500}).id, 1);
     EXPECT_EQ(Screen::getScreenFromRect({1180, -600, 1380, -500}).id, 0);
     EXPECT_EQ(Screen::getScreenBounds({2000, -500}), (Rectangle{1280, -1024, 2304, -256}));
+}
+
+TEST(TwoHeads, PanelsBeyondAllBoundsAreNoPanels) {
+    const DisplayServer server;
+    server.addSecondHead();
+    server.setProperty("_NET_WM_STRUT_PARTIAL", "32c",
+                       "2147483647, 2147483648, 30, 0, 2147483648, 2147483647, 0, 4294967295, 0, "
+                       "1279, 0, 0");
+    // The root window stands for a panel's.
+    const std::string root = server.describeWindow("-root");
+    const std::size_t number = root.find("0x");
+    server.setProperty("_NET_CLIENT_LIST", "32x",
+                       root.substr(number, root.find(' ', number) - number));
+    const std::vector<Screen> screens = Screen::getAllScreens();
+    ASSERT_EQ(screens.size(), 2u);
+    EXPECT_EQ(screens[0].workingArea, (Rectangle{0, -994, 1280, 0}));
+    EXPECT_EQ(screens[1].workingArea, screens[1].bounds);
 }
 
 TEST(TwoHeads, PrimaryOneIsTheOriginWhereverItStands) {

@@ -238,6 +238,7 @@ TEST_F(StandIn, EntriesOfOtherKindsAreOverlooked) {
     const CPUInfo info =
         cpuOf(reportWith("<key>cpu_type</key><array/><key>current_processor_speed</key><true/>"
                          "<key>number_processors</key><dict/>"));
+    EXPECT_EQ(info.type, "Unknown");
     EXPECT_EQ(info.speedMHz, 0u);
     EXPECT_EQ(info.count, 0);
     EXPECT_EQ(video("<key>sppci_model</key><integer>1</integer>").model, "");

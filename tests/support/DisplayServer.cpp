@@ -3,6 +3,7 @@
 
 #include <array>
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
 #include <stdexcept>
@@ -117,6 +118,17 @@ void DisplayServer::setProperty(const std::string& name, const std::string& form
                                 const std::string& value) const {
     run("xprop -display " + _name + " -root -f " + name + " " + format + " -set " + name + " '" +
         value + "'");
+}
+
+std::string DisplayServer::describeWindow(const std::string& which) const {
+    const std::string command = "xwininfo -display " + _name + ' ' + which;
+    FILE* const output = popen(command.c_str(), "r");
+    std::string text;
+    for (int c = 0; output != nullptr && (c = std::fgetc(output)) != EOF;)
+        text += static_cast<char>(c);
+    if (output == nullptr || pclose(output) != 0)
+        throw std::runtime_error("failed: " + command);
+    return text;
 }
 
 void DisplayServer::kill() {

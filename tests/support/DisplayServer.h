@@ -29,6 +29,8 @@ public:
     /// numbers separated by commas or a text.
     void setProperty(const std::string& name, const std::string& format,
                      const std::string& value) const;
+    /// What xwininfo says of a window: "-root", "-id 2097211".
+    std::string describeWindow(const std::string& which) const;
     /// SIGKILL, and waits until the process is gone.
     void kill();
 

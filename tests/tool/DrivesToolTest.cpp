@@ -105,13 +105,3 @@ TEST_F(DrivesTool, UnknownOptionIsWrongUsage) {
 }  // namespace
 
 }  // namespace tav::test
-
-int main(int argumentCount, char** arguments) {
-    testing::InitGoogleMock(&argumentCount, arguments);
-    const std::string reason = tav::test::isolateMounts();
-    if (!reason.empty()) {
-        std::fprintf(stderr, "these tests mount and need root: %s\n", reason.c_str());
-        return 1;
-    }
-    return RUN_ALL_TESTS();
-}

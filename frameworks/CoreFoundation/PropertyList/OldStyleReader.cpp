@@ -2,9 +2,9 @@
 // The form from before XML: { key = value; }, ( member, member ), <data>, "texts" and words. All
 // its values are texts, but GNUstep writes <*I5>, <*R1.5>, <*BY> and <*D…> for typed ones. A file
 // of translations, which is the inside of a dictionary, is a list as well.
-#include "ObjectStack.h"
 #include "Readers.h"
 #include "Text.h"
+#include "TextReader.h"
 #include "Values.h"
 
 #include <algorithm>
@@ -20,15 +20,12 @@ bool isWordByte(char byte) {
            static_cast<unsigned char>(byte) >= 0x80;
 }
 
-class OldStyleReader {
+class OldStyleReader final : public TextReader {
 public:
-    OldStyleReader(std::string_view text, ObjectFactory& factory)
-        : _text(text), _factory(factory), _stack(factory) {}
-
-    Object read(std::string& error);
+    OldStyleReader(std::string_view text, ObjectFactory& factory) : TextReader(text, factory) {}
 
 private:
-    Object readRoot();
+    Object readRoot() override;
     Object readObject(int depth);
     Object readDictionary(char end, int depth);
     Object readArray(int depth);
@@ -40,48 +37,14 @@ private:
     bool readEscape();
     std::uint32_t readDigits(std::uint32_t base, std::size_t most);
 
-    bool skipBlanks();
-    bool isHere(char byte) const { return _next < _text.size() && _text[_next] == byte; }
-    bool take(char byte) {
-        const bool is = isHere(byte);
-        _next += is ? 1 : 0;
-        return is;
-    }
-    bool atEnd() const { return _next == _text.size(); }
-    bool fail(const std::string& reason) {
-        if (_error.empty())
-            _error = errorAt(_text, _next, reason);
-        return false;
-    }
-    Object failed(const std::string& reason) {
-        fail(reason);
-        return nullptr;
-    }
-
-    std::string_view _text;
-    ObjectFactory& _factory;
-    ObjectStack _stack;
-    std::size_t _next = 0;
-    std::string _error;
-    std::string _decoded;
+    /// And comments.
+    bool skipBlanks() override;
 };
-
-Object OldStyleReader::read(std::string& error) {
-    const Object root = readRoot();
-    if (root != nullptr && skipBlanks() && atEnd())
-        return root;
-    if (root != nullptr) {
-        _factory.release(root);
-        fail("something follows the list");
-    }
-    error = _error;
-    return nullptr;
-}
 
 Object OldStyleReader::readRoot() {
     if (!skipBlanks())
         return nullptr;
-    const bool isMarked = isHere('{') || isHere('(') || isHere('<');
+    const bool isMarked = startsHere('{') || startsHere('(') || startsHere('<');
     return isMarked ? readObject(0) : readDictionary('\0', 0);
 }
 
@@ -124,7 +87,7 @@ bool OldStyleReader::readPair(int depth) {
         _stack.push(_factory.retain(key));
     else if (!skipBlanks() || !_stack.push(readObject(depth + 1)))
         return false;
-    return skipBlanks() && (take(';') || isHere('}') || fail("\";\" is missing"));
+    return skipBlanks() && (take(';') || startsHere('}') || fail("\";\" is missing"));
 }
 
 Object OldStyleReader::readArray(int depth) {
@@ -136,7 +99,7 @@ Object OldStyleReader::readArray(int depth) {
             return _stack.takeArray(begin);
         if (!_stack.push(readObject(depth + 1)) || !skipBlanks())
             return nullptr;
-        if (!take(',') && !isHere(')'))
+        if (!take(',') && !startsHere(')'))
             return failed("\",\" is missing");
     }
 }
@@ -186,7 +149,7 @@ Object OldStyleReader::makeTyped(std::string_view text) {
 }
 
 bool OldStyleReader::readText(std::string_view& text) {
-    if (isHere('"') || isHere('\''))
+    if (startsHere('"') || startsHere('\''))
         return readQuoted(text);
     const std::size_t begin = _next;
     while (!atEnd() && isWordByte(_text[_next]))
@@ -253,7 +216,6 @@ bool OldStyleReader::readEscape() {
     return true;
 }
 
-/// And comments.
 bool OldStyleReader::skipBlanks() {
     for (;;) {
         while (!atEnd() && isBlank(_text[_next]))

@@ -2,9 +2,9 @@
 // The elements are few and have no attributes that matter, so there is no tree of a document: the
 // objects are made as the text goes by. Document types are passed over, entities other than those
 // of XML itself are refused, and nothing but the text is read.
-#include "ObjectStack.h"
 #include "Readers.h"
 #include "Text.h"
+#include "TextReader.h"
 #include "Values.h"
 
 #include <algorithm>
@@ -14,12 +14,9 @@ namespace cf::plist {
 
 namespace {
 
-class XmlReader {
+class XmlReader final : public TextReader {
 public:
-    XmlReader(std::string_view text, ObjectFactory& factory)
-        : _text(text), _factory(factory), _stack(factory) {}
-
-    Object read(std::string& error);
+    XmlReader(std::string_view text, ObjectFactory& factory) : TextReader(text, factory) {}
 
 private:
     struct Tag {
@@ -27,7 +24,7 @@ private:
         bool isEmpty = false;
     };
 
-    Object readRoot();
+    Object readRoot() override;
     Object readElement(int depth);
     Object readContainer(const Tag& tag, int depth);
     bool readPair(int depth);
@@ -40,7 +37,8 @@ private:
     bool readReference();
     bool takeEnd(std::string_view name);
 
-    bool skipBlanksAndComments();
+    /// And comments.
+    bool skipBlanks() override;
     bool skipDocumentType();
     bool skipPast(std::string_view end) {
         const std::size_t found = _text.find(end, _next);
@@ -49,60 +47,21 @@ private:
         _next = found + end.size();
         return true;
     }
-    bool startsHere(std::string_view markup) const {
-        return _text.substr(_next).starts_with(markup);
-    }
-    bool take(std::string_view markup) {
-        const bool is = startsHere(markup);
-        _next += is ? markup.size() : 0;
-        return is;
-    }
-    bool atEnd() const { return _next == _text.size(); }
-    /// Remembers the first reason, which is the innermost.
-    bool fail(const std::string& reason) {
-        if (_error.empty())
-            _error = errorAt(_text, _next, reason);
-        return false;
-    }
-    Object failed(const std::string& reason) {
-        fail(reason);
-        return nullptr;
-    }
-
-    std::string_view _text;
-    ObjectFactory& _factory;
-    ObjectStack _stack;
-    std::size_t _next = 0;
-    std::string _error;
-    /// Content that is not spelt as it reads.
-    std::string _decoded;
 };
-
-Object XmlReader::read(std::string& error) {
-    const Object root = readRoot();
-    if (root != nullptr && skipBlanksAndComments() && atEnd())
-        return root;
-    if (root != nullptr) {
-        _factory.release(root);
-        fail("something follows the list");
-    }
-    error = _error;
-    return nullptr;
-}
 
 /// With or without the element "plist" around it.
 Object XmlReader::readRoot() {
-    if (!skipBlanksAndComments())
+    if (!skipBlanks())
         return nullptr;
     if (!startsHere("<plist"))
         return readElement(0);
     Tag plist;
-    if (!readTag(plist) || plist.isEmpty || !skipBlanksAndComments())
+    if (!readTag(plist) || plist.isEmpty || !skipBlanks())
         return failed("the list is empty");
     const Object root = readElement(0);
     if (root == nullptr)
         return nullptr;
-    if (skipBlanksAndComments() && takeEnd(plist.name))
+    if (skipBlanks() && takeEnd(plist.name))
         return root;
     _factory.release(root);
     return failed("the end of the list is missing");
@@ -123,7 +82,7 @@ Object XmlReader::readContainer(const Tag& tag, int depth) {
     const std::size_t begin = _stack.size();
     const bool isDictionary = tag.name == "dict";
     while (!tag.isEmpty) {
-        if (!skipBlanksAndComments())
+        if (!skipBlanks())
             return nullptr;
         if (startsHere("</")) {
             if (!takeEnd(tag.name))
@@ -143,8 +102,7 @@ bool XmlReader::readPair(int depth) {
         return fail("a key is missing");
     if (!readTag(tag) || tag.name != "key" || !readContent(tag, name))
         return fail("a key is missing");
-    return _stack.push(_factory.key(name)) && skipBlanksAndComments() &&
-           _stack.push(readElement(depth + 1));
+    return _stack.push(_factory.key(name)) && skipBlanks() && _stack.push(readElement(depth + 1));
 }
 
 Object XmlReader::readLeaf(const Tag& tag) {
@@ -275,7 +233,7 @@ bool XmlReader::takeEnd(std::string_view name) {
 }
 
 /// Declarations and document types too: where they stand does not matter.
-bool XmlReader::skipBlanksAndComments() {
+bool XmlReader::skipBlanks() {
     for (;;) {
         while (!atEnd() && isBlank(_text[_next]))
             ++_next;

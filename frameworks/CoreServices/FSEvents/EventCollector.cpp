@@ -25,6 +25,8 @@ namespace {
 constexpr auto kTakeOverWithin = std::chrono::milliseconds(50);
 // Folders stay watched for a moment: whoever replaces a stream needs them again at once.
 constexpr auto kKeptUnused = std::chrono::seconds(1);
+// The kernel does not tell when it has queues again.
+constexpr auto kAskForQueueEvery = std::chrono::seconds(1);
 
 // Zero for what is past.
 timespec timespecOf(std::chrono::nanoseconds duration) {
@@ -80,7 +82,6 @@ void EventCollector::continueChild() {
         collector._tracker->kernel().abandon();
     if (std::exchange(collector._isRunning, false))
         collector.letGo();
-    collector._hasLostTrack = false;
     collector._trees.clear();
     for (EventStream* stream : std::exchange(collector._streams, {}))
         stream->setStarted(false);
@@ -216,9 +217,11 @@ void EventCollector::run() {
     std::unique_lock lock(_mutex);
     for (;;) {
         drain();
-        const Clock::time_point next = std::min(tellStreams(), dropUnused());
+        Clock::time_point next = std::min(tellStreams(), dropUnused());
         if (_trees.empty() && _streams.empty())
             break;
+        if (_isBlind)
+            next = std::min(next, Clock::now() + kAskForQueueEvery);
         wait(lock, next);
     }
     letGo();
@@ -226,6 +229,8 @@ void EventCollector::run() {
 }
 
 void EventCollector::letGo() {
+    _hasLostTrack = false;
+    _isBlind = false;
     _tracker.reset();
     _mounts.reset();
     close(_wakeDescriptor);

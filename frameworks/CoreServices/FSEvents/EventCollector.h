@@ -10,7 +10,9 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <sys/types.h>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace fsevents {
@@ -40,6 +42,7 @@ public:
 private:
     using Clock = EventStream::Clock;
     enum class Kind { Missing, File, Directory };
+    using ItemIdentity = std::pair<dev_t, ino_t>;
 
     struct Tree {
         std::string path;      // as EventStream::roots() has it
@@ -47,6 +50,7 @@ private:
         std::vector<EventStream*> streams;
         Folder folder = kNoFolder;
         Kind kind = Kind::Missing;
+        std::optional<ItemIdentity> file;  // what is at the path; for roots that are no folders
         Clock::time_point unusedSince;
         bool mayBeAnother = false;
         std::vector<std::string> excluded;  // below the root: "/proc"
@@ -98,6 +102,7 @@ private:
     void handleMounts();
     void handleMount(uint32_t number, const MountChange& change);
     void recover();
+    void goBlind(int error);
     void checkRoots();
     void checkRoot(uint32_t number);
     void tellRootChanged(const Tree& tree);
@@ -110,6 +115,8 @@ private:
     void endPredecessor();
     void takeOverFromPredecessor(EventStream& stream);
     std::string pathOf(Folder folder, std::string_view name) const;
+    // Everything at and below folder/name is to be read again.
+    void mustScan(Folder folder, std::string_view name);
     void tellMustScan(const Tree& tree, const std::string& path);
     template <class Record>
     void record(const Tree& tree, Record record);
@@ -118,7 +125,6 @@ private:
     FSEventStreamEventId nextEventIds(unsigned count) override;
     void itemChanged(Folder folder, std::string_view name, FSEventStreamEventFlags flags,
                      FSEventStreamEventId id) override;
-    void mustScan(Folder folder, std::string_view name) override;
     void notFollowed(Folder folder, std::string_view name, int error) override;
     bool isExcluded(Folder folder, std::string_view name) override;
     void rootWritten(uint32_t tree, FSEventStreamEventFlags flags) override;
@@ -130,6 +136,7 @@ private:
     std::mutex _mutex;
     bool _isRunning = false;
     bool _hasLostTrack = false;
+    bool _isBlind = false;  // lost track, and the kernel gives no other queue
     int _wakeDescriptor = -1;
     std::unique_ptr<FolderTracker> _tracker;
     std::unique_ptr<MountChanges> _mounts;

@@ -29,6 +29,13 @@ std::string withoutLinks(const std::string& root) {
     return found == "/" ? "" : found;
 }
 
+std::optional<std::pair<dev_t, ino_t>> identityOf(const std::string& path) {
+    struct stat facts {};
+    if (stat(path.empty() ? "/" : path.c_str(), &facts) != 0)
+        return std::nullopt;
+    return std::pair(facts.st_dev, facts.st_ino);
+}
+
 // What of a path lies below a root, with the slash before it; empty for other paths.
 std::string below(const std::string& root, const std::string& path) {
     const bool isBelow =
@@ -168,11 +175,11 @@ void EventCollector::openTree(uint32_t number) {
     }
     int error = 0;
     tree.folder = _tracker->openRoot(number, &error);
-    struct stat facts {};
+    tree.file = identityOf(tree.path);
     if (tree.folder != kNoFolder)
         tree.kind = Kind::Directory;
     else
-        tree.kind = stat(tree.path.c_str(), &facts) == 0 ? Kind::File : Kind::Missing;
+        tree.kind = tree.file ? Kind::File : Kind::Missing;
     if (error == 0)
         return;
     sayNotFollowed(tree, tree.path + "/", error);
@@ -223,7 +230,8 @@ void EventCollector::handleMounts() {
 
 void EventCollector::handleMount(uint32_t number, const MountChange& change) {
     Tree& tree = *_trees[number];
-    tree.mayBeAnother = true;
+    if (tree.folder != kNoFolder || identityOf(tree.path) != tree.file)
+        tree.mayBeAnother = true;
     const std::string place = below(tree.realPath, change.point);
     if (place.empty() || tree.folder == kNoFolder)
         return;
@@ -242,18 +250,17 @@ void EventCollector::handleMount(uint32_t number, const MountChange& change) {
 
 // A new queue has none of the old one's gaps.
 void EventCollector::recover() {
-    fprintf(stderr,
-            "FSEvents: changes were lost, all folders are read again: more than "
-            "fs.inotify.max_queued_events (%ld) came at once; raise it when this happens often\n",
-            limitOf("max_queued_events"));
+    if (!_isBlind)
+        fprintf(stderr,
+                "FSEvents: changes were lost, all folders are read again: more than "
+                "fs.inotify.max_queued_events (%ld) came at once; raise it when this happens "
+                "often\n",
+                limitOf("max_queued_events"));
     _tracker->kernel().abandon();
     std::unique_ptr<KernelWatches> kernel = KernelWatches::open();
-    if (!kernel) {
-        fprintf(stderr, "FSEvents: nothing is watched any more: %s\n", strerror(errno));
-        // The next change of a stream may find one.
-        _hasLostTrack = true;
-        return;
-    }
+    if (!kernel)
+        return goBlind(errno);
+    _isBlind = false;
     _tracker = std::make_unique<FolderTracker>(std::move(kernel), client());
     for (uint32_t number = 0; number < _trees.size(); ++number) {
         if (!_trees[number])
@@ -266,6 +273,19 @@ void EventCollector::recover() {
         else
             tellMustScan(tree, tree.path + "/");
     }
+}
+
+// Told once at the beginning and, by what recovers, once at the end.
+void EventCollector::goBlind(int error) {
+    _hasLostTrack = true;
+    if (std::exchange(_isBlind, true))
+        return;
+    fprintf(stderr, "FSEvents: nothing is watched until the kernel gives a queue again: %s%s\n",
+            strerror(error),
+            error == EMFILE ? "; raise fs.inotify.max_user_instances, or let go of files" : "");
+    for (const auto& tree : _trees)
+        if (tree)
+            tellMustScan(*tree, tree->path + "/");
 }
 
 }  // namespace fsevents

@@ -132,10 +132,11 @@ bool EventStream::hasRootOf(const std::string& path) const {
 void EventStream::takeOver(EventStream& other) {
     if (other._pending.empty() || tellsItems() != other.tellsItems())
         return;
-    _pendingSince = _pending.empty() ? other._pendingSince : _pendingSince;
+    const Clock::time_point since = _pending.empty() ? other._pendingSince : _pendingSince;
     for (Event& event : other._pending.take())
         if (hasRootOf(event.path))
-            _pending.append(std::move(event.path), event.flags, event.id);
+            record(std::move(event.path), event.flags, event.id);
+    _pendingSince = since;
 }
 
 void EventStream::collapse(FSEventStreamEventId id) {

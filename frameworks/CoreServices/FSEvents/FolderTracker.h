@@ -32,8 +32,6 @@ public:
         // An empty name stands for the folder itself.
         virtual void itemChanged(Folder folder, std::string_view name,
                                  FSEventStreamEventFlags flags, FSEventStreamEventId id) = 0;
-        // Everything at and below folder/name is to be read again.
-        virtual void mustScan(Folder folder, std::string_view name) = 0;
         virtual void notFollowed(Folder folder, std::string_view name, int error) = 0;
         virtual bool isExcluded(Folder folder, std::string_view name) = 0;
         // Of a root that is no folder.

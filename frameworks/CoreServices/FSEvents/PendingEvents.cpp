@@ -11,7 +11,8 @@ namespace {
 // is told three times.
 constexpr FSEventStreamEventFlags kRepeatable =
     kFSEventStreamEventFlagItemModified | kFSEventStreamEventFlagItemInodeMetaMod |
-    kFSEventStreamEventFlagItemIsFile | kFSEventStreamEventFlagItemIsDir;
+    kFSEventStreamEventFlagItemIsFile | kFSEventStreamEventFlagItemIsDir |
+    kFSEventStreamEventFlagMustScanSubDirs;
 
 }  // namespace
 

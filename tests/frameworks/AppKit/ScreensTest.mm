@@ -2,11 +2,13 @@
 // The screens that AppKit's own classes work with. Each test runs in a process of its own.
 #import <AppKit/AppKit.h>
 #import <AppKit/NSScreen+Names.h>
+#import <GNUstepGUI/GSDisplayServer.h>
 
 #include "tests/support/DisplayServer.h"
 
 #include <cstdlib>
 #include <gtest/gtest.h>
+#include <string>
 
 namespace {
 
@@ -16,6 +18,41 @@ class Screens : public testing::Test {
 protected:
     Screens() : _pool([[NSAutoreleasePool alloc] init]) {}
     ~Screens() override { [_pool release]; }
+
+    static NSWindow* windowAt(CGFloat x, CGFloat y) {
+        NSWindow* const window = [[[NSWindow alloc] initWithContentRect:NSMakeRect(x, y, 200, 100)
+                                                              styleMask:NSBorderlessWindowMask
+                                                                backing:NSBackingStoreBuffered
+                                                                  defer:NO] autorelease];
+        [window setReleasedWhenClosed:NO];
+        [window orderFront:nil];
+        return window;
+    }
+    static void handleEventsFor(NSTimeInterval seconds) {
+        NSEvent* const event =
+            [NSApp nextEventMatchingMask:NSAnyEventMask
+                               untilDate:[NSDate dateWithTimeIntervalSinceNow:seconds]
+                                  inMode:NSDefaultRunLoopMode
+                                 dequeue:YES];
+        if (event != nil)
+            [NSApp sendEvent:event];
+    }
+    /// Whether X has the window's upper left corner there, at the latest after half a minute.
+    static bool isInX(const DisplayServer& server, NSWindow* window, int x, int y) {
+        const auto number = static_cast<int>([window windowNumber]);
+        const std::string which =
+            "-id " +
+            std::to_string(reinterpret_cast<long>([GSCurrentServer() windowDevice:number]));
+        const std::string wanted = "upper-left X:  " + std::to_string(x) +
+                                   "\n  Absolute upper-left Y:  " + std::to_string(y) + "\n";
+        NSDate* const end = [NSDate dateWithTimeIntervalSinceNow:30];
+        while (server.describeWindow(which).find(wanted) == std::string::npos) {
+            if ([end timeIntervalSinceNow] <= 0)
+                return false;
+            handleEventsFor(0.05);
+        }
+        return true;
+    }
 
     NSAutoreleasePool* _pool;
 };
@@ -76,6 +113,43 @@ TEST_F(Screens, AWindowsScreenIsOneOfThem) {
     [window center];
     EXPECT_EQ(NSMidX([window frame]), 400);
     [window release];
+}
+
+// The primary display stands neither at the left nor at the lower edge of all displays.
+TEST_F(Screens, WindowStandsWhereItsFrameSays) {
+    const DisplayServer server;
+    server.addSecondHead();
+    server.configure("--output DUMMY1 --primary");
+    [NSApplication sharedApplication];
+    NSWindow* const window = windowAt(100, 100);
+    EXPECT_TRUE(isInX(server, window, 1280 + 100, 768 - 100 - 100));
+    EXPECT_TRUE(NSEqualRects([window frame], NSMakeRect(100, 100, 200, 100)));
+    EXPECT_EQ([window screen], [[NSScreen screens] objectAtIndex:0]);
+    [window setFrameOrigin:NSMakePoint(-1000, -200)];
+    EXPECT_TRUE(isInX(server, window, 280, 868));
+    EXPECT_EQ([window screen], [[NSScreen screens] objectAtIndex:1]);
+}
+
+TEST_F(Screens, WindowsStandRelativeToTheNewPrimaryDisplayOnceItHasChanged) {
+    const DisplayServer server;
+    server.addSecondHead();
+    [NSApplication sharedApplication];
+    NSWindow* const window = windowAt(100, 100);
+    EXPECT_TRUE(isInX(server, window, 100, 1024 - 100 - 100));
+    server.configure("--output DUMMY1 --primary");
+    [window setFrameOrigin:NSMakePoint(50, 60)];
+    EXPECT_TRUE(isInX(server, window, 1280 + 50, 768 - 60 - 100));
+}
+
+TEST_F(Screens, PointerIsRelativeToThePrimaryDisplay) {
+    const DisplayServer server;
+    server.addSecondHead();
+    [NSApplication sharedApplication];
+    const NSPoint before = [NSEvent mouseLocation];
+    server.configure("--output DUMMY1 --primary");
+    const NSPoint after = [NSEvent mouseLocation];
+    EXPECT_EQ(after.x, before.x - 1280);
+    EXPECT_EQ(after.y, before.y - 256);
 }
 
 }  // namespace

@@ -1,38 +1,24 @@
 // SPDX-License-Identifier: MIT
 // Streams where the system sets limits: full queues, no more watches, mounts that come and go,
 // folders that may not be read, forked children. Changes limits of the kernel: needs root.
-#include "StreamRecorder.h"
+#include "FSEventsFixture.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/Mounts.h"
-#include "tests/support/TemporaryFolder.h"
 
 #include <cstdlib>
-#include <filesystem>
 #include <fstream>
-#include <gtest/gtest.h>
 #include <sched.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
 
-using tav::test::MountedMemory;
-using tav::test::readFile;
-using tav::test::runInChild;
-using tav::test::StreamRecorder;
-using tav::test::TemporaryFolder;
-using tav::test::writeFile;
+using namespace tav::test;
 
 namespace {
 
 namespace fs = std::filesystem;
 
-constexpr FSEventStreamCreateFlags kItems =
-    kFSEventStreamCreateFlagFileEvents | kFSEventStreamCreateFlagWatchRoot;
-constexpr FSEventStreamEventFlags kChanged = kFSEventStreamEventFlagNone;
-constexpr FSEventStreamEventFlags kMustScan = kFSEventStreamEventFlagMustScanSubDirs;
-constexpr FSEventStreamEventFlags kFileCreated =
-    kFSEventStreamEventFlagItemCreated | kFSEventStreamEventFlagItemIsFile;
 constexpr char kQueueLimit[] = "/proc/sys/fs/inotify/max_queued_events";
 
 // A limit of the whole system, for the time of a test. Queues that are there keep theirs.
@@ -59,14 +45,7 @@ std::string runLimited(const char* limit, const char* value,
     });
 }
 
-class FSEventsFaultsTest : public testing::Test {
-protected:
-    TemporaryFolder _folder;
-    std::string _root = _folder / "root";
-
-    FSEventsFaultsTest() { fs::create_directory(_root); }
-    std::string at(const std::string& name) const { return _root + "/" + name; }
-};
+using FSEventsFaultsTest = FSEventsFixture;
 
 }  // namespace
 
@@ -146,6 +125,37 @@ TEST_F(FSEventsFaultsTest, StreamDoesNotStartWithoutAQueue) {
               "fs.inotify.max_user_instances, or let go of files\n");
 }
 
+TEST_F(FSEventsFaultsTest, QueueThatTheKernelDoesNotGiveAgainIsToldAndAskedFor) {
+    const LoweredLimit limit(kQueueLimit, "2");
+    const std::string instances = "/proc/sys/user/max_inotify_instances";
+    const std::string told = runLimited("max_inotify_instances", "1", [&]() -> std::string {
+        testing::internal::CaptureStderr();
+        StreamRecorder recorder({_root});
+        writeFile(instances, "0");
+        for (int number = 0; !recorder.hasTold(_root + "/", kMustScan) && number < 100000;
+             ++number) {
+            fs::create_directory(at(std::to_string(number)));
+            if (number % 100 == 0)
+                recorder.flush();
+        }
+        recorder.flush();
+        recorder.clear();
+        writeFile(instances, "1");
+        if (!recorder.waitFor(_root + "/", kMustScan))
+            return "not recovered";
+        recorder.clear();
+        writeFile(at("file"), "x");
+        if (!recorder.waitFor(_root + "/", kChanged))
+            return "not watched again";
+        return testing::internal::GetCapturedStderr();
+    });
+    EXPECT_EQ(told,
+              "FSEvents: changes were lost, all folders are read again: more than "
+              "fs.inotify.max_queued_events (2) came at once; raise it when this happens often\n"
+              "FSEvents: nothing is watched until the kernel gives a queue again: Too many open "
+              "files; raise fs.inotify.max_user_instances, or let go of files\n");
+}
+
 TEST_F(FSEventsFaultsTest, FolderThatMayNotBeReadIsFollowedOnceItMay) {
     fs::create_directory(at("locked"));
     writeFile(at("locked/file"), "x");
@@ -213,9 +223,30 @@ TEST_F(FSEventsFaultsTest, RootThatIsUnmountedIsTold) {
     EXPECT_TRUE(recorder.waitFor(at("mnt/"), kChanged));
 }
 
+TEST_F(FSEventsFaultsTest, MountElsewhereIsNotToldOfAFileAsRoot) {
+    writeFile(at("file"), "x");
+    fs::create_directory(at("mnt"));
+    StreamRecorder file({at("file")});
+    StreamRecorder folder({_root});
+    const MountedMemory mounted(at("mnt"));
+    ASSERT_TRUE(folder.waitFor(at("mnt/"), kFSEventStreamEventFlagMount));
+    file.flush();
+    EXPECT_EQ(file.text(), "");
+}
+
+TEST_F(FSEventsFaultsTest, MountOverTheFolderOfAFileAsRootIsTold) {
+    writeFile(at("file"), "x");
+    StreamRecorder recorder({at("file")});
+    MountedMemory mounted(_root);
+    ASSERT_TRUE(recorder.waitFor(at("file"), kRootChanged));
+    recorder.clear();
+    mounted.unmount();
+    EXPECT_TRUE(recorder.waitFor(at("file"), kRootChanged));
+}
+
 TEST_F(FSEventsFaultsTest, DeadShareBelowTheRootHoldsNobodyUp) {
     fs::create_directory(at("aside"));
-    const tav::test::DeadShare share(at("share"));
+    const DeadShare share(at("share"));
     StreamRecorder recorder({_root});
     writeFile(at("aside/file"), "x");
     EXPECT_TRUE(recorder.waitFor(at("aside/"), kChanged));
@@ -223,7 +254,7 @@ TEST_F(FSEventsFaultsTest, DeadShareBelowTheRootHoldsNobodyUp) {
 
 // Of a small disk: the watches of this one would be all that the user has.
 TEST_F(FSEventsFaultsTest, RootFolderOfTheDiskCanBeWatched) {
-    const tav::test::BoundFolder kernel("/proc", at("proc"));
+    const BoundFolder kernel("/proc", at("proc"));
     fs::create_directory(at("sub"));
     const std::string told = runInChild([&]() -> std::string {
         if (chroot(_root.c_str()) != 0 || chdir("/") != 0)
@@ -306,14 +337,4 @@ TEST_F(FSEventsFaultsTest, ThreadsStartAndStopStreamsWhileFoldersChange) {
     StreamRecorder last({_root}, kItems);
     writeFile(at("file"), "");
     EXPECT_TRUE(last.waitFor(at("file"), kFileCreated));
-}
-
-int main(int argc, char** argv) {
-    testing::InitGoogleTest(&argc, argv);
-    const std::string problem = tav::test::isolateMounts();
-    if (!problem.empty()) {
-        std::fprintf(stderr, "these tests mount and need root: %s\n", problem.c_str());
-        return 1;
-    }
-    return RUN_ALL_TESTS();
 }

@@ -1,43 +1,25 @@
 // SPDX-License-Identifier: MIT
 // Streams of folders and of items on real folders. Texts are "flags path".
-#include "StreamRecorder.h"
-#include "tests/support/TemporaryFolder.h"
+#include "FSEventsFixture.h"
 
 #include <chrono>
 #include <fcntl.h>
-#include <filesystem>
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <thread>
 #include <unistd.h>
 
-using tav::test::StreamRecorder;
-using tav::test::TemporaryFolder;
-using tav::test::writeFile;
+using namespace tav::test;
 
 namespace {
 
 namespace fs = std::filesystem;
 
-constexpr FSEventStreamCreateFlags kItems =
-    kFSEventStreamCreateFlagFileEvents | kFSEventStreamCreateFlagWatchRoot;
-constexpr FSEventStreamEventFlags kChanged = kFSEventStreamEventFlagNone;
-constexpr FSEventStreamEventFlags kRootChanged = kFSEventStreamEventFlagRootChanged;
-constexpr FSEventStreamEventFlags kFileCreated =
-    kFSEventStreamEventFlagItemCreated | kFSEventStreamEventFlagItemIsFile;
 constexpr FSEventStreamEventFlags kFolderCreated =
     kFSEventStreamEventFlagItemCreated | kFSEventStreamEventFlagItemIsDir;
 constexpr FSEventStreamEventFlags kFileModified =
     kFSEventStreamEventFlagItemModified | kFSEventStreamEventFlagItemIsFile;
 
-class FSEventsTest : public testing::Test {
-protected:
-    TemporaryFolder _folder;
-    std::string _root = _folder / "root";
-
-    FSEventsTest() { fs::create_directory(_root); }
-    std::string at(const std::string& name) const { return _root + "/" + name; }
-};
+using FSEventsTest = FSEventsFixture;
 
 }  // namespace
 

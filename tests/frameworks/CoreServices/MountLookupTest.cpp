@@ -264,13 +264,3 @@ TEST(Volumes, LinkIntoAShareWithoutAServerIsListedWithoutAskingIt) {
 }
 
 }  // namespace
-
-int main(int argumentCount, char** arguments) {
-    testing::InitGoogleTest(&argumentCount, arguments);
-    const std::string reason = tav::test::isolateMounts();
-    if (!reason.empty()) {
-        std::fprintf(stderr, "these tests mount and need root: %s\n", reason.c_str());
-        return 1;
-    }
-    return RUN_ALL_TESTS();
-}

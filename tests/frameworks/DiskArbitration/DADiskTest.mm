@@ -162,13 +162,3 @@ TEST_F(Statfs, ShareWithoutAServerIsToldOfAtOnce) {
 }
 
 }  // namespace
-
-int main(int argumentCount, char** arguments) {
-    testing::InitGoogleTest(&argumentCount, arguments);
-    const std::string reason = isolateMounts();
-    if (!reason.empty()) {
-        std::fprintf(stderr, "these tests mount and need root: %s\n", reason.c_str());
-        return 1;
-    }
-    return RUN_ALL_TESTS();
-}

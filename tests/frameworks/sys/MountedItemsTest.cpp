@@ -98,13 +98,3 @@ TEST_F(MountedItems, ItemBeyondTheLimitOfWatchesIsRefusedAndClosedOnesMakeRoom) 
 }  // namespace
 
 }  // namespace tav::test
-
-int main(int argc, char** argv) {
-    testing::InitGoogleTest(&argc, argv);
-    const std::string problem = tav::test::isolateMounts();
-    if (!problem.empty()) {
-        std::fprintf(stderr, "%s\n", problem.c_str());
-        return 1;
-    }
-    return RUN_ALL_TESTS();
-}

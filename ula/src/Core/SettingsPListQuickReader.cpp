@@ -2,8 +2,8 @@
 #include "ula/src/Core/SettingsPListQuickReader.h"
 
 #include "ula/foundation/xml/XmlCharacters.h"
-#include "ula/foundation/xml/XmlText.h"
 #include "ula/foundation/xml/XmlWriter.h"
+#include "ula/src/Core/XmlCursor.h"
 
 #include <charconv>
 #include <cstring>
@@ -15,10 +15,9 @@ namespace {
 
 using Setting = SettingsBase::Setting;
 
-class QuickReader {
+class QuickReader : private XmlCursor {
 public:
-    explicit QuickReader(const xml::XmlText& text)
-        : _text(text), _next(text.bytes), _end(text.bytes + text.length) {}
+    explicit QuickReader(const xml::XmlText& text) : XmlCursor(text) {}
 
     bool read(SettingsBase::GroupMap& settings) {
         return skipProlog() && take("<plist version=\"1.0\">") && readGroups(settings) &&
@@ -36,35 +35,6 @@ private:
     bool readKey(FastString& name);
     bool readContent(std::string_view end, std::string_view& content);
     bool decodeRest(char* begin, std::string_view& content);
-
-    std::string_view rest() const { return {_next, static_cast<std::size_t>(_end - _next)}; }
-    void skipBlanks() {
-        while (_next < _end &&
-               (*_next == '\n' || *_next == '\t' || *_next == ' ' || *_next == '\r'))
-            ++_next;
-    }
-    bool atEnd() {
-        skipBlanks();
-        return _next == _end;
-    }
-    /// Goes past `markup` if it stands here.
-    bool takeHere(std::string_view markup) {
-        if (!rest().starts_with(markup))
-            return false;
-        _next += markup.size();
-        return true;
-    }
-    bool take(std::string_view markup) {
-        skipBlanks();
-        return takeHere(markup);
-    }
-    FastString share(std::string_view content) const {
-        return _text.share(content.data(), content.size());
-    }
-
-    const xml::XmlText& _text;
-    char* _next;
-    char* _end;
 };
 
 /// The document type is one of the two that lists have had.

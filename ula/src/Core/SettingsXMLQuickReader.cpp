@@ -2,9 +2,9 @@
 #include "ula/src/Core/SettingsXMLQuickReader.h"
 
 #include "ula/foundation/xml/XmlCharacters.h"
-#include "ula/foundation/xml/XmlText.h"
 #include "ula/foundation/xml/XmlWriter.h"
 #include "ula/src/Core/SettingsTypeText.h"
+#include "ula/src/Core/XmlCursor.h"
 
 #include <array>
 #include <charconv>
@@ -24,10 +24,9 @@ constexpr std::array<bool, 256> kSpecial = [] {
     return bytes;
 }();
 
-class QuickReader {
+class QuickReader : private XmlCursor {
 public:
-    explicit QuickReader(const xml::XmlText& text)
-        : _text(text), _next(text.bytes), _end(text.bytes + text.length) {}
+    explicit QuickReader(const xml::XmlText& text) : XmlCursor(text) {}
 
     bool read() { return skipDeclaration() && take("<settings>") && readGroups() && atEnd(); }
     void mergeInto(SettingsBase::GroupMap& settings) {
@@ -51,34 +50,7 @@ private:
     bool decodeRest(char* out, std::string_view& value);
 
     bool skipDeclaration();
-    bool atEnd() {
-        skipBlanks();
-        return _next == _end;
-    }
-    void skipBlanks() {
-        while (_next < _end &&
-               (*_next == '\n' || *_next == '\t' || *_next == ' ' || *_next == '\r'))
-            ++_next;
-    }
-    /// Goes past `markup` if it stands here.
-    bool takeHere(std::string_view markup) {
-        if (static_cast<std::size_t>(_end - _next) < markup.size() ||
-            std::string_view(_next, markup.size()) != markup)
-            return false;
-        _next += markup.size();
-        return true;
-    }
-    bool take(std::string_view markup) {
-        skipBlanks();
-        return takeHere(markup);
-    }
-    FastString share(std::string_view value) const {
-        return _text.share(value.data(), value.size());
-    }
 
-    const xml::XmlText& _text;
-    char* _next;
-    char* _end;
     std::vector<Group> _groups;
 };
 

@@ -20,7 +20,7 @@ private:
 
     /// What makes two arrangements differ.
     struct Display {
-        int number;
+        CGDirectDisplayID number;
         math::GenRect<int> bounds;
         double refreshRate;
 

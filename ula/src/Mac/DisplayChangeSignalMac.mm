@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "ula/src/Mac/DisplayChangeSignalMac.h"
 
+#include "ScreenNumber.h"
+#include "ula/ScopedARPool.h"
+
 namespace tav::ula {
 
 namespace {
@@ -25,9 +28,12 @@ DisplayChangeSignalMac::~DisplayChangeSignalMac() {
 }
 
 std::vector<DisplayChangeSignalMac::Display> DisplayChangeSignalMac::currentDisplays() {
+    const ScopedARPool pool;
     std::vector<Display> displays;
+    // Not by `displayID`: what it looks up may have gone by then.
     for (const Screen& screen : Screen::getAllScreens())
-        displays.push_back({screen.displayID(), screen.bounds, screen.details().refreshRate});
+        displays.push_back({displayNumberOf(static_cast<NSScreen*>(screen.handle)), screen.bounds,
+                            screen.details().refreshRate});
     return displays;
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ula/Screen.h"
 
+#include "ScreenNumber.h"
 #import "ula/ObjCHelper.h"
 #include "ula/ScopedARPool.h"
 #include "ula/foundation/debug/Assertion.h"
@@ -59,11 +60,6 @@ NSUInteger indexAt(NSArray* screens, const Point& point) {
         if (has([[screens objectAtIndex:index] frame], point))
             return index;
     return NSNotFound;
-}
-
-/// Null where it has none.
-CGDirectDisplayID displayNumberOf(NSScreen* screen) {
-    return [[[screen deviceDescription] objectForKey:@"NSScreenNumber"] unsignedIntValue];
 }
 
 double refreshRateOf(NSScreen* screen) {

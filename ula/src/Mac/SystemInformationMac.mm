@@ -85,7 +85,7 @@ std::vector<CPUInfo> SystemInformation::getCPUInfo() {
     NSDictionary* const report = hardwareReport(@"SPHardwareDataType");
     if (report == nil)
         return infos;
-    if (id const type = [report objectForKey:@"cpu_type"])
+    if (id const type = [report objectForKey:@"cpu_type"]; [type isKindOfClass:[NSString class]])
         info.type = textOf(type);
     if (const FastString speed = textOf([report objectForKey:@"current_processor_speed"]);
         !speed.empty())

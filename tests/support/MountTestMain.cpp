@@ -1,14 +1,15 @@
 // SPDX-License-Identifier: MIT
-#include "tests/support/Mounts.h"
+// Of test programs that mount. They need root.
+#include "Mounts.h"
 
 #include <cstdio>
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 int main(int argc, char** argv) {
-    testing::InitGoogleTest(&argc, argv);
+    testing::InitGoogleMock(&argc, argv);
     const std::string problem = tav::test::isolateMounts();
     if (!problem.empty()) {
-        std::fprintf(stderr, "%s\n", problem.c_str());
+        std::fprintf(stderr, "these tests mount and need root: %s\n", problem.c_str());
         return 1;
     }
     return RUN_ALL_TESTS();
