@@ -60,7 +60,7 @@ xcb_atom_t Display::atom(const char* name) const {
         xcb_intern_atom(_connection, 0, static_cast<uint16_t>(strlen(name)), name);
     const Owned<xcb_intern_atom_reply_t> reply(
         xcb_intern_atom_reply(_connection, question, nullptr));
-    return reply ? reply->atom : XCB_ATOM_NONE;
+    return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
 }
 
 // Empty when the window has no such property, or is gone.
