@@ -22,9 +22,11 @@ using FinishLaunching = void (*)(id, SEL);
 SetIcon originalSet = nullptr;
 GetIcon originalGet = nullptr;
 FinishLaunching originalFinish = nullptr;
-NSImage* plainIcon = nil;
-NSImage* shownIcon = nil;  // none for the plain one
+NSImage* plainIcon = nil;    // as GNUstep loads it
+NSImage* plainPixels = nil;  // the same in the size in which it is given out, once it was
+NSImage* shownIcon = nil;    // one bitmap; none for the plain one
 bool isLoading = false;
+bool isDrawing = false;
 
 // Icon files may be far larger: the platform shows them in this size.
 constexpr CGFloat kLargestPlainIcon = 128;
@@ -51,6 +53,14 @@ NSImage* flattened(NSImage* image, NSSize size) {
     return result;
 }
 
+// Of one bitmap, without the way over the display.
+NSImage* copyOf(NSImage* image) {
+    NSImage* copy = [[[NSImage alloc] initWithSize:[image size]] autorelease];
+    for (NSImageRep* pixels in [image representations])
+        [copy addRepresentation:[[pixels copy] autorelease]];
+    return copy;
+}
+
 // Asked for the first time, GNUstep's class loads the icon and sets it itself.
 void loadPlainIcon(id application) {
     if (plainIcon != nil)
@@ -60,17 +70,22 @@ void loadPlainIcon(id application) {
     isLoading = false;
 }
 
-// The window in which a copy is drawn asks for the icon itself when it is made.
+// The window in which an image is drawn asks for the icon itself when it is made.
+void drawPlainPixels() {
+    isDrawing = true;
+    plainPixels = [flattened(plainIcon, plainSize()) retain];
+    isDrawing = false;
+}
+
 NSImage* applicationIconImage(id self, SEL command) {
-    static bool isCopying = false;
     loadPlainIcon(self);
-    if (isCopying || plainIcon == nil)
+    if (isDrawing || plainIcon == nil)
         return originalGet(self, command);
-    isCopying = true;
-    NSImage* copy = shownIcon == nil ? flattened(plainIcon, plainSize())
-                                     : flattened(shownIcon, [shownIcon size]);
-    isCopying = false;
-    return copy;
+    if (shownIcon != nil)
+        return copyOf(shownIcon);
+    if (plainPixels == nil)
+        drawPlainPixels();
+    return copyOf(plainPixels);
 }
 
 void replaceShownIcon(NSImage* image) {
