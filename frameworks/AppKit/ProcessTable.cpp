@@ -3,6 +3,7 @@
 
 #include "AppKit/FileDescriptor.h"
 
+#include <algorithm>
 #include <cctype>
 #include <climits>
 #include <cstdio>

@@ -4,6 +4,7 @@
 #include "tests/support/RunningProgram.h"
 #include "tests/tool/ToolProcess.h"
 
+#include <algorithm>
 #include <gmock/gmock.h>
 
 namespace tav::test {

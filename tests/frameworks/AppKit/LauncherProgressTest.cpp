@@ -101,6 +101,12 @@ TEST_F(Dock, HearsOfProgressAndItsEnd) {
                                      Progress{kEntry, 0, false}));
 }
 
+TEST_F(Dock, HearsOfTheEndFromAProgramThatEndsAtOnce) {
+    ChildProcess program([] { execl("/proc/self/exe", "program", "end-at-once", nullptr); });
+    EXPECT_EQ(program.wait(), 0);
+    EXPECT_THAT(hear(2), ElementsAre(Progress{kEntry, 0.5, true}, Progress{kEntry, 0, false}));
+}
+
 TEST_F(Dock, HearsOfFractionsThatItCanShow) {
     appkit::showLauncherProgress(-1);
     appkit::showLauncherProgress(7.5);
@@ -145,6 +151,11 @@ TEST_F(Dock, ABarThatIsShownIsNotTakenForOneThatWasLeft) {
 }  // namespace
 
 int main(int count, char** arguments) {
+    if (count == 2 && std::string(arguments[1]) == "end-at-once") {
+        appkit::showLauncherProgress(0.5);
+        appkit::showLauncherProgress(std::nullopt);
+        _exit(0);
+    }
     testing::InitGoogleMock(&count, arguments);
     const TemporaryFolder folder;
     fs::create_directories(folder / "data/applications");
