@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Whether another instance runs, among 500 processes more than the machine has; against the
 // cheapest look that knows no names: one link read for each process.
+#include "bench/ScratchFolder.h"
 #include "ula/InstanceGuard.h"
 #include "ula/UniqueAppInstance.h"
 
@@ -8,8 +9,6 @@
 #include <csignal>
 #include <cstdlib>
 #include <dirent.h>
-#include <filesystem>
-#include <stdexcept>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -70,27 +69,8 @@ void linkOfEachProcess(benchmark::State& state) {
 }
 BENCHMARK(linkOfEachProcess)->Name("isUniqueAppInstance/links")->Unit(benchmark::kMillisecond);
 
-/// A folder that is gone with this object.
-class Folder {
-public:
-    Folder() {
-        char name[] = "/tmp/ula-bench-XXXXXX";
-        if (mkdtemp(name) == nullptr)
-            throw std::runtime_error("no folder");
-        _path = name;
-    }
-    ~Folder() { std::filesystem::remove_all(_path); }
-    Folder(const Folder&) = delete;
-    Folder& operator=(const Folder&) = delete;
-
-    const std::string& path() const { return _path; }
-
-private:
-    std::string _path;
-};
-
 void claimFirst(benchmark::State& state) {
-    const Folder folder;
+    const tav::bench::ScratchFolder folder;
     for (auto _ : state)
         benchmark::DoNotOptimize(
             InstanceGuard::claim("com.maker.photo", {}, {}, {InstanceScope::User, folder.path()}));
@@ -98,7 +78,7 @@ void claimFirst(benchmark::State& state) {
 BENCHMARK(claimFirst)->Name("claimFirst/ula");
 
 void claimSecond(benchmark::State& state) {
-    const Folder folder;
+    const tav::bench::ScratchFolder folder;
     const InstanceGuardOptions options = {InstanceScope::User, folder.path()};
     const InstanceClaim first = InstanceGuard::claim("com.maker.photo", {}, {}, options);
     for (auto _ : state)

@@ -16,7 +16,7 @@ enum TaskProgressState : std::int32_t {
 };
 
 /// The progress of a long task, drawn as a bar over the application's icon.
-/// Thread: main, in all.
+/// Thread: main, in all. Does nothing as long as there is no application object of AppKit's.
 class ULA_API ApplicationTaskProgress {
 public:
     /// Made at the first call. Owner: the library, until `destroyInstance`.

@@ -25,7 +25,7 @@ using Owned = std::unique_ptr<Reply, Free>;
 
 class Display {
 public:
-    Display() : _connection(xcb_connect(nullptr, &_screenNumber)) {}
+    Display() : _connection(xcb_connect(nullptr, &_screenNumber)), _root(findRoot()) {}
     ~Display() { xcb_disconnect(_connection); }
     Display(const Display&) = delete;
     Display& operator=(const Display&) = delete;
@@ -33,7 +33,7 @@ public:
     bool activate(pid_t process);
 
 private:
-    xcb_window_t root() const;
+    xcb_window_t findRoot() const;
     xcb_atom_t atom(const char* name) const;
     std::vector<uint32_t> numbers(xcb_window_t window, const char* property, xcb_atom_t type) const;
     std::vector<xcb_window_t> windows() const;
@@ -46,13 +46,18 @@ private:
 
     int _screenNumber = 0;
     xcb_connection_t* _connection;
+    const xcb_window_t _root;
 };
 
-xcb_window_t Display::root() const {
-    xcb_screen_iterator_t screens = xcb_setup_roots_iterator(xcb_get_setup(_connection));
+// None without a server. Asked for once: a connection that breaks later has no setup any more.
+xcb_window_t Display::findRoot() const {
+    const xcb_setup_t* setup = xcb_get_setup(_connection);
+    if (setup == nullptr)
+        return XCB_WINDOW_NONE;
+    xcb_screen_iterator_t screens = xcb_setup_roots_iterator(setup);
     for (int i = 0; i < _screenNumber && screens.rem > 1; ++i)
         xcb_screen_next(&screens);
-    return screens.data->root;
+    return screens.rem > 0 ? screens.data->root : xcb_window_t{XCB_WINDOW_NONE};
 }
 
 xcb_atom_t Display::atom(const char* name) const {
@@ -60,7 +65,7 @@ xcb_atom_t Display::atom(const char* name) const {
         xcb_intern_atom(_connection, 0, static_cast<uint16_t>(strlen(name)), name);
     const Owned<xcb_intern_atom_reply_t> reply(
         xcb_intern_atom_reply(_connection, question, nullptr));
-    return reply ? reply->atom : XCB_ATOM_NONE;
+    return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
 }
 
 // Empty when the window has no such property, or is gone.
@@ -79,10 +84,10 @@ std::vector<uint32_t> Display::numbers(xcb_window_t window, const char* property
 // From the lowest to the uppermost: the manager's list, else the children of the root.
 std::vector<xcb_window_t> Display::windows() const {
     for (const char* list : {"_NET_CLIENT_LIST_STACKING", "_NET_CLIENT_LIST"})
-        if (auto found = numbers(root(), list, XCB_ATOM_WINDOW); !found.empty())
+        if (auto found = numbers(_root, list, XCB_ATOM_WINDOW); !found.empty())
             return found;
     const Owned<xcb_query_tree_reply_t> tree(
-        xcb_query_tree_reply(_connection, xcb_query_tree(_connection, root()), nullptr));
+        xcb_query_tree_reply(_connection, xcb_query_tree(_connection, _root), nullptr));
     if (!tree)
         return {};
     const xcb_window_t* children = xcb_query_tree_children(tree.get());
@@ -134,7 +139,7 @@ void Display::askManager(xcb_window_t window) const {
     message.window = window;
     message.type = atom("_NET_ACTIVE_WINDOW");
     message.data.data32[0] = kAsPager;
-    xcb_send_event(_connection, 0, root(),
+    xcb_send_event(_connection, 0, _root,
                    XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
                    reinterpret_cast<const char*>(&message));
 }
@@ -148,9 +153,9 @@ void Display::raise(xcb_window_t window) const {
 // A manager also shows what was minimized; without one, windows that are not shown are not meant to
 // be.
 bool Display::activate(pid_t process) {
-    if (xcb_connection_has_error(_connection) != 0)
+    if (_root == XCB_WINDOW_NONE)
         return false;
-    const bool isManaged = !numbers(root(), "_NET_SUPPORTING_WM_CHECK", XCB_ATOM_WINDOW).empty();
+    const bool isManaged = !numbers(_root, "_NET_SUPPORTING_WM_CHECK", XCB_ATOM_WINDOW).empty();
     bool isAsked = false;
     for (xcb_window_t window : windowsOf(process)) {
         if (!isManaged && !isShown(window))

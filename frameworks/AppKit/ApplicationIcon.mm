@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: MIT
 // GNUstep hands out its own image of the application's icon, so that drawing on it cannot be
-// undone, keeps nothing of what is drawn when it copies one, and takes no nil. Here each question
-// gives a copy, an image counts as it looks, and nil stands for the icon that was there at first.
+// undone, keeps nothing of what is drawn when it copies one, makes it as small as its windows need
+// it, and takes no nil. Here each question gives a copy in the icon's own size, an image counts as
+// it looks, and nil stands for the icon that was there at first.
 #import <AppKit/AppKit.h>
 
 #include "AppKit/LauncherProgress.h"
 #include "AppKit/ReplaceWorkspaceMethod.h"
 
-#include <cmath>
+#include <algorithm>
 
 namespace {
 
@@ -16,23 +17,35 @@ NSString* const kProgressDidChange = @"ApplicationTaskProgressDidChange";
 
 using SetIcon = void (*)(id, SEL, NSImage*);
 using GetIcon = NSImage* (*)(id, SEL);
-using Initialize = id (*)(id, SEL);
 using FinishLaunching = void (*)(id, SEL);
 
 SetIcon originalSet = nullptr;
 GetIcon originalGet = nullptr;
-Initialize originalInitialize = nullptr;
 FinishLaunching originalFinish = nullptr;
-NSImage* plainIcon = nil;  // once the icon has been set
+NSImage* plainIcon = nil;    // as GNUstep loads it
+NSImage* plainPixels = nil;  // the same in the size in which it is given out, once it was
+NSImage* shownIcon = nil;    // one bitmap; none for the plain one
+bool isLoading = false;
+bool isDrawing = false;
 
-// As it looks in its own size, in one bitmap.
-NSImage* flattened(NSImage* image) {
-    const NSSize size = [image size];
+// Icon files may be far larger: the platform shows them in this size.
+constexpr CGFloat kLargestPlainIcon = 128;
+
+NSSize plainSize() {
+    const NSSize size = [plainIcon size];
+    const CGFloat scale =
+        std::min<CGFloat>(1, kLargestPlainIcon / std::max(size.width, size.height));
+    return NSMakeSize(size.width * scale, size.height * scale);
+}
+
+// As it looks, in one bitmap.
+NSImage* flattened(NSImage* image, NSSize size) {
+    const NSRect whole = NSMakeRect(0, 0, size.width, size.height);
     NSImage* canvas = [[[NSImage alloc] initWithSize:size] autorelease];
     [canvas lockFocus];
-    [image compositeToPoint:NSZeroPoint operation:NSCompositeCopy];
-    NSBitmapImageRep* pixels = [[[NSBitmapImageRep alloc]
-        initWithFocusedViewRect:NSMakeRect(0, 0, size.width, size.height)] autorelease];
+    [image drawInRect:whole fromRect:NSZeroRect operation:NSCompositeCopy fraction:1];
+    NSBitmapImageRep* pixels =
+        [[[NSBitmapImageRep alloc] initWithFocusedViewRect:whole] autorelease];
     [canvas unlockFocus];
     NSImage* result = [[[NSImage alloc] initWithSize:size] autorelease];
     if (pixels != nil)
@@ -40,15 +53,45 @@ NSImage* flattened(NSImage* image) {
     return result;
 }
 
-NSImage* applicationIconImage(id self, SEL command) {
-    NSImage* icon = originalGet(self, command);
-    return icon == nil ? nil : flattened(icon);
+// Of one bitmap, without the way over the display.
+NSImage* copyOf(NSImage* image) {
+    NSImage* copy = [[[NSImage alloc] initWithSize:[image size]] autorelease];
+    for (NSImageRep* pixels in [image representations])
+        [copy addRepresentation:[[pixels copy] autorelease]];
+    return copy;
 }
 
-void setApplicationIconImage(id self, SEL command, NSImage* image) {
-    if (plainIcon == nil)
-        plainIcon = [originalGet(self, @selector(applicationIconImage)) retain];
-    originalSet(self, command, image == nil ? plainIcon : flattened(image));
+// Asked for the first time, GNUstep's class loads the icon and sets it itself.
+void loadPlainIcon(id application) {
+    if (plainIcon != nil)
+        return;
+    isLoading = true;
+    originalGet(application, @selector(applicationIconImage));
+    isLoading = false;
+}
+
+// The window in which an image is drawn asks for the icon itself when it is made.
+void drawPlainPixels() {
+    isDrawing = true;
+    plainPixels = [flattened(plainIcon, plainSize()) retain];
+    isDrawing = false;
+}
+
+NSImage* applicationIconImage(id self, SEL command) {
+    loadPlainIcon(self);
+    if (isDrawing || plainIcon == nil)
+        return originalGet(self, command);
+    if (shownIcon != nil)
+        return copyOf(shownIcon);
+    if (plainPixels == nil)
+        drawPlainPixels();
+    return copyOf(plainPixels);
+}
+
+void replaceShownIcon(NSImage* image) {
+    [image retain];
+    [shownIcon release];
+    shownIcon = image;
 }
 
 }  // namespace
@@ -64,13 +107,28 @@ void setApplicationIconImage(id self, SEL command, NSImage* image) {
                                                  : std::optional([fraction doubleValue]));
 }
 
-static id initialize(id self, SEL command) {
-    id application = originalInitialize(self, command);
+// Whoever shows progress sets the icon first.
+static void listenForProgress() {
+    static bool isListening = false;
+    if (isListening)
+        return;
+    isListening = true;
     [[NSNotificationCenter defaultCenter] addObserver:[ULApplicationIcon class]
                                              selector:@selector(progressDidChange:)
                                                  name:kProgressDidChange
                                                object:nil];
-    return application;
+}
+
+static void setApplicationIconImage(id self, SEL command, NSImage* image) {
+    if (isLoading) {
+        plainIcon = [image retain];
+        originalSet(self, command, image);
+        return;
+    }
+    listenForProgress();
+    loadPlainIcon(self);
+    replaceShownIcon(image == nil ? nil : flattened(image, [image size]));
+    originalSet(self, command, image == nil ? plainIcon : shownIcon);
 }
 
 static void finishLaunching(id self, SEL command) {
@@ -84,7 +142,6 @@ static void finishLaunching(id self, SEL command) {
         appkit::replaceMethod(name, @selector(setApplicationIconImage:), setApplicationIconImage);
     originalGet =
         appkit::replaceMethod(name, @selector(applicationIconImage), applicationIconImage);
-    originalInitialize = appkit::replaceMethod(name, @selector(init), initialize);
     originalFinish = appkit::replaceMethod(name, @selector(finishLaunching), finishLaunching);
 }
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "AppKit/DesktopEntries.h"
 
+#include <algorithm>
+
 namespace appkit {
 
 namespace {

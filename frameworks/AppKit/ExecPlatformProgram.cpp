@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Programs of the platform that are run by their fixed paths. A library that is linked with
-// --wrap=execv comes here; nothing else in the process does.
+#include "AppKit/ExecPlatformProgram.h"
+
 #include <charconv>
 #include <climits>
 #include <cstdlib>
@@ -8,6 +8,8 @@
 #include <dlfcn.h>
 #include <string>
 #include <unistd.h>
+
+namespace appkit {
 
 namespace {
 
@@ -43,11 +45,12 @@ int execOpen(char* const arguments[]) {
 
 }  // namespace
 
-extern "C" __attribute__((visibility("default"))) int __wrap_execv(const char* path,
-                                                                   char* const arguments[]) {
+int execPlatformProgram(const char* path, char* const arguments[]) {
     const bool isOpen = strcmp(path, kOpen) == 0 && arguments[0] != nullptr &&
                         arguments[1] != nullptr && arguments[2] == nullptr;
     if (isOpen && !openProgram.empty())
         return execOpen(arguments);
     return execv(path, arguments);
 }
+
+}  // namespace appkit

@@ -44,6 +44,9 @@ void emit(double fraction, bool isVisible) {
     const std::string entry = "application://" + identifier() + ".desktop";
     g_dbus_connection_emit_signal(bus, nullptr, kPath, kInterface, "Update",
                                   g_variant_new("(sa{sv})", entry.c_str(), &properties), nullptr);
+    // Programs take it away and end: it would be lost with the thread that sends it.
+    if (!isVisible)
+        g_dbus_connection_flush_sync(bus, nullptr, nullptr);
 }
 
 // A file that is there while progress is shown, with the number of the process. Empty where there
@@ -97,8 +100,9 @@ void showLauncherProgress(std::optional<double> fraction) {
 }
 
 void clearLeftLauncherProgress() {
+    const std::lock_guard lock(mutex);
     const std::string path = markPath();
-    if (path.empty() || access(path.c_str(), F_OK) != 0 || isAlive(path))
+    if (isShown || path.empty() || access(path.c_str(), F_OK) != 0 || isAlive(path))
         return;
     emit(0, false);
     unlink(path.c_str());

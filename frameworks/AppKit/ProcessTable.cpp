@@ -3,6 +3,7 @@
 
 #include "AppKit/FileDescriptor.h"
 
+#include <algorithm>
 #include <cctype>
 #include <climits>
 #include <cstdio>
@@ -34,14 +35,6 @@ std::string linkAt(int folder, const char* path) {
     return {target, length > 0 ? static_cast<size_t>(length) : 0};
 }
 
-// A file that has been replaced or removed is marked so behind its path.
-std::string withoutMark(std::string path) {
-    constexpr std::string_view kReplaced = " (deleted)";
-    if (path.ends_with(kReplaced) && access(path.c_str(), F_OK) != 0)
-        path.resize(path.size() - kReplaced.size());
-    return path;
-}
-
 // Texts that each end with a zero byte.
 std::vector<std::string> texts(const std::string& bytes) {
     std::vector<std::string> result;
@@ -59,6 +52,13 @@ struct CloseFolder {
 
 }  // namespace
 
+std::string pathOfProgram(std::string link) {
+    constexpr std::string_view kReplaced = " (deleted)";
+    if (link.ends_with(kReplaced) && access(link.c_str(), F_OK) != 0)
+        link.resize(link.size() - kReplaced.size());
+    return link;
+}
+
 std::vector<RunningProgram> ProcessTable::programs() const {
     std::vector<RunningProgram> found;
     const std::unique_ptr<DIR, CloseFolder> folder(opendir(_folder.c_str()));
@@ -71,13 +71,13 @@ std::vector<RunningProgram> ProcessTable::programs() const {
         snprintf(name, sizeof name, "%s/exe", entry->d_name);
         std::string path = linkAt(dirfd(folder.get()), name);
         if (!path.empty())
-            found.push_back({atoi(entry->d_name), withoutMark(std::move(path))});
+            found.push_back({atoi(entry->d_name), pathOfProgram(std::move(path))});
     }
     return found;
 }
 
 std::string ProcessTable::program(pid_t process) const {
-    return withoutMark(linkAt(AT_FDCWD, pathOf(process, "exe").c_str()));
+    return pathOfProgram(linkAt(AT_FDCWD, pathOf(process, "exe").c_str()));
 }
 
 std::optional<ProcessOrigin> ProcessTable::origin(pid_t process) const {

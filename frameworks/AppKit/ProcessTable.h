@@ -20,6 +20,10 @@ struct ProcessOrigin {
     unsigned long long startTicks;  // since the machine's start
 };
 
+// Of what the kernel's link to a program says: that of one whose file has been replaced or removed
+// says so behind the path.
+std::string pathOfProgram(std::string link);
+
 // A process may end at any time: what is asked about one that has is not there.
 // Thread: any.
 class ProcessTable {

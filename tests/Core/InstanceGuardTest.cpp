@@ -13,6 +13,7 @@
 #include <gtest/gtest.h>
 #include <mutex>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
 
@@ -21,6 +22,7 @@ namespace tav::test {
 namespace {
 
 using namespace tav::ula;
+namespace fs = std::filesystem;
 using Arguments = InstanceGuard::Arguments;
 
 /// What a listener was told, for a test to wait for.
@@ -181,6 +183,16 @@ TEST_F(Guard, AForkedChildDoesNotHoldItOn) {
     EXPECT_EQ(claim().state, InstanceState::First);
 }
 
+/// As one does that could not run a program, and leaves the function that made it.
+TEST_F(Guard, AForkedChildThatDestroysItTakesNothingDown) {
+    Told told;
+    InstanceClaim first = claim({}, told.listener());
+    ChildProcess child([&first] { first.guard.reset(); });
+    EXPECT_EQ(child.wait(), 0);
+    EXPECT_EQ(claim({"a"}).state, InstanceState::Forwarded);
+    EXPECT_EQ(told.waitFor(1), (std::vector<Arguments>{{"a"}}));
+}
+
 TEST_F(Guard, OtherApplicationsAreFree) {
     const InstanceClaim first = claim();
     EXPECT_EQ(claim({}, {}, "com.maker.Photo").state, InstanceState::First);
@@ -206,42 +218,119 @@ TEST_F(Guard, AFolderThatCannotBeMadeIsAnError) {
     EXPECT_NE(refused.error, "");
 }
 
-TEST_F(Guard, APathThatIsTooLongForASocketIsAnError) {
-    const std::string deep = folder / std::string(120, 'd');
-    const InstanceClaim refused =
-        InstanceGuard::claim("com.maker.photo", {}, {}, {InstanceScope::User, deep});
+TEST_F(Guard, AFolderIsMadeForItsOwnerAloneWhateverTheUmask) {
+    const std::string fresh = folder / "data/instances";
+    const mode_t before = umask(002);
+    const InstanceClaim first =
+        InstanceGuard::claim("com.maker.photo", {}, {}, {InstanceScope::User, fresh});
+    umask(before);
+    EXPECT_EQ(first.state, InstanceState::First) << first.error;
+    EXPECT_EQ(fs::status(fresh).permissions(), fs::perms::owner_all);
+}
+
+TEST_F(Guard, APathThatIsTooLongForASocketReachesTheFirst) {
+    const InstanceGuardOptions options = {InstanceScope::User, folder / std::string(120, 'd')};
+    Told told;
+    const InstanceClaim first =
+        InstanceGuard::claim("com.maker.photo", {}, told.listener(), options);
+    EXPECT_EQ(first.state, InstanceState::First) << first.error;
+    const InstanceClaim second = InstanceGuard::claim("com.maker.photo", {"a"}, {}, options);
+    EXPECT_EQ(second.state, InstanceState::Forwarded) << second.error;
+    EXPECT_EQ(told.waitFor(1), (std::vector<Arguments>{{"a"}}));
+}
+
+TEST_F(Guard, ArgumentsBeyondMeasureAreAnErrorAndNoEnd) {
+    Told told;
+    const InstanceClaim first = claim({}, told.listener());
+    const InstanceClaim second = claim(Arguments(9, std::string(1 << 20, 'x')));
+    EXPECT_EQ(second.state, InstanceState::Running);
+    EXPECT_NE(second.error.find("too long"), std::string::npos) << second.error;
+    EXPECT_EQ(claim({"b"}).state, InstanceState::Forwarded);
+    EXPECT_EQ(told.waitFor(1), (std::vector<Arguments>{{"b"}}));
+}
+
+/// Opened as any file, it would keep the claim until somebody writes to it.
+TEST_F(Guard, APipeInTheLocksPlaceIsAnError) {
+    EXPECT_EQ(claim().state, InstanceState::First);
+    for (const std::string& name : folder.names()) {
+        fs::remove(folder / name);
+        ASSERT_EQ(mkfifo((folder / name).c_str(), 0600), 0);
+    }
+    const InstanceClaim refused = claim();
     EXPECT_EQ(refused.state, InstanceState::Failed);
-    EXPECT_NE(refused.error.find("long"), std::string::npos);
+    EXPECT_NE(refused.error, "");
+}
+
+TEST_F(Guard, ALinkInTheLocksPlaceIsNotFollowed) {
+    EXPECT_EQ(claim().state, InstanceState::First);
+    writeFile(folder / "target", "");
+    for (const std::string& name : folder.names())
+        if (name != "target") {
+            fs::remove(folder / name);
+            fs::create_symlink(folder / "target", folder / name);
+        }
+    EXPECT_EQ(claim().state, InstanceState::Failed);
 }
 
 TEST_F(Guard, AStoppedInstanceIsStillTheOne) {
     const auto other = otherInstance();
     other->signal(SIGSTOP);
+    int status = 0;
+    ASSERT_EQ(waitpid(other->id(), &status, WUNTRACED), other->id());
     const InstanceClaim second = claim({"a"});
     EXPECT_EQ(second.state, InstanceState::Running);
     EXPECT_NE(second.error, "");
 }
 
 /// Root's, and one of a user who can be told nothing.
-TEST_F(Guard, OneForTheMachineHoldsAgainstOtherUsers) {
-    setenv("XDG_DATA_HOME", folder.path().c_str(), 1);
-    const std::string shared = folder / "shared";
-    std::filesystem::create_directory(shared);
-    chmod(folder.path().c_str(), 0755);
-    chmod(shared.c_str(), 01777);
-    const InstanceGuardOptions options = {InstanceScope::Machine, shared};
-    auto stateForNobody = [&] {
-        ChildProcess child([&] {
+class GuardOfTheMachine : public Guard {
+protected:
+    GuardOfTheMachine() : shared(folder / "shared") {
+        setenv("XDG_DATA_HOME", (folder / "data").c_str(), 1);
+        fs::create_directory(shared);
+        chmod(folder.path().c_str(), 0755);
+        chmod(shared.c_str(), 01777);
+    }
+    ~GuardOfTheMachine() override { unsetenv("XDG_DATA_HOME"); }
+
+    InstanceClaim claimForAll() const {
+        return InstanceGuard::claim("com.maker.photo", {"a"}, {}, {InstanceScope::Machine, shared});
+    }
+    char stateForNobody() {
+        const ChildProcess child([&] {
             if (setgid(65534) != 0 || setuid(65534) != 0)
                 _exit(1);
-            begun.put(letterOf(InstanceGuard::claim("com.maker.photo", {}, {}, options).state));
+            begun.put(letterOf(claimForAll().state));
         });
         return begun.get();
-    };
+    }
+
+    const std::string shared;
+};
+
+TEST_F(GuardOfTheMachine, HoldsAgainstOtherUsers) {
     EXPECT_EQ(stateForNobody(), 'F');
-    const InstanceClaim first = InstanceGuard::claim("com.maker.photo", {}, {}, options);
+    const InstanceClaim first = claimForAll();
     EXPECT_EQ(first.state, InstanceState::First);
     EXPECT_EQ(stateForNobody(), 'R');
+    EXPECT_EQ(claimForAll().state, InstanceState::Forwarded);
+}
+
+TEST_F(GuardOfTheMachine, HoldsWhateverTheUmask) {
+    const mode_t before = umask(077);
+    const InstanceClaim first = claimForAll();
+    umask(before);
+    EXPECT_EQ(first.state, InstanceState::First) << first.error;
+    EXPECT_EQ(stateForNobody(), 'R');
+}
+
+/// What all may open, anybody may lock for as long as he likes: only the lock itself is there.
+TEST_F(GuardOfTheMachine, NobodyCanKeepOthersWaiting) {
+    const InstanceClaim first = claimForAll();
+    std::vector<std::string> names;
+    for (const auto& item : fs::directory_iterator(shared))
+        names.push_back(item.path().extension());
+    EXPECT_EQ(names, std::vector<std::string>{".lock"});
 }
 
 }  // namespace

@@ -7,7 +7,6 @@
 #include <array>
 #include <cstdlib>
 #include <gtest/gtest.h>
-#include <objc/runtime.h>
 #include <ostream>
 
 namespace {
@@ -15,6 +14,7 @@ namespace {
 using namespace tav::ula;
 
 constexpr int kSide = 128;
+constexpr int kFileSide = 256;
 
 struct Colour {
     int red = 0, green = 0, blue = 0;
@@ -31,20 +31,21 @@ constexpr Colour kGreen = {0, 255, 0};
 constexpr Colour kYellow = {255, 255, 0};
 constexpr Colour kRed = {255, 0, 0};
 
+// Larger than icons are shown.
 NSImage* plainImage() {
-    NSImage* image = [[NSImage alloc] initWithSize:NSMakeSize(kSide, kSide)];
+    NSImage* image = [[NSImage alloc] initWithSize:NSMakeSize(kFileSide, kFileSide)];
     NSBitmapImageRep* pixels =
         [[[NSBitmapImageRep alloc] initWithBitmapDataPlanes:nullptr
-                                                 pixelsWide:kSide
-                                                 pixelsHigh:kSide
+                                                 pixelsWide:kFileSide
+                                                 pixelsHigh:kFileSide
                                               bitsPerSample:8
                                             samplesPerPixel:3
                                                    hasAlpha:NO
                                                    isPlanar:NO
                                              colorSpaceName:NSDeviceRGBColorSpace
-                                                bytesPerRow:kSide * 3
+                                                bytesPerRow:kFileSide * 3
                                                bitsPerPixel:24] autorelease];
-    for (int i = 0; i < kSide * kSide * 3; ++i)
+    for (int i = 0; i < kFileSide * kFileSide * 3; ++i)
         [pixels bitmapData][i] = i % 3 == 2 ? 255 : 0;
     [image addRepresentation:pixels];
     return image;
@@ -74,11 +75,21 @@ private:
     unsigned char* _bytes;
 };
 
+// Comes before the others, which make the application's object.
+TEST(TaskProgressWithoutAnApplication, DrawsNothing) {
+    NSAutoreleasePool* const pool = [[NSAutoreleasePool alloc] init];
+    ASSERT_EQ(NSApp, nil);
+    ApplicationTaskProgress::instance()->showProgress(nullptr, 0.5, TaskProgressGreen);
+    ApplicationTaskProgress::instance()->clearProgress();
+    EXPECT_EQ(NSApp, nil);
+    [pool release];
+}
+
 class TaskProgress : public testing::Test {
 protected:
     TaskProgress() : _pool([[NSAutoreleasePool alloc] init]) {
-        [NSApplication sharedApplication];
         giveIcon();
+        [NSApplication sharedApplication];
     }
     ~TaskProgress() override {
         ApplicationTaskProgress::instance()->clearProgress();
@@ -86,15 +97,10 @@ protected:
         [_pool release];
     }
 
-    // The application's own, as if its bundle had it: what is set later is only shown.
+    // The one that an application has that brings none.
     static void giveIcon() {
-        static NSImage* const icon = [] {
-            NSImage* image = plainImage();
-            object_setIvar(NSApp, class_getInstanceVariable([NSApplication class], "_app_icon"),
-                           image);
-            return image;
-        }();
-        ASSERT_NE(icon, nil);
+        static const BOOL isGiven = [plainImage() setName:@"GNUstep"];
+        ASSERT_TRUE(isGiven);
     }
     static void show(double fraction, int state = TaskProgressGreen) {
         ApplicationTaskProgress::instance()->showProgress(nullptr, fraction,

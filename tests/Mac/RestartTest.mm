@@ -4,8 +4,10 @@
 
 #import <Foundation/Foundation.h>
 
+#include "AppKit/ExecPlatformProgram.h"
 #include "tests/support/ApplicationBundle.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/RunningProgram.h"
 
 #include <cstdlib>
 #include <fcntl.h>
@@ -35,9 +37,8 @@ NSArray* givenArguments(id, SEL) {
 
 }  // namespace
 
-// In place of the system call in the library, and of nothing else: programs are not run here.
-extern "C" __attribute__((visibility("default"))) int __wrap_execv(const char* path,
-                                                                   char* const words[]) {
+// In place of the frameworks': programs are not run here.
+int appkit::execPlatformProgram(const char* path, char* const words[]) {
     write(std::string(path) + ":");
     for (; *words != nullptr; ++words)
         write(" " + std::string(*words));
@@ -175,6 +176,14 @@ TEST_F(RealRestart, AProcessThatIsKilledIsOpenedAnewAsWell) {
     RunningProgram program(bundle.program(), "restart");
     ASSERT_EQ(program.readLine(), "checked");
     program.kill();
+    EXPECT_EQ(report(), bundle.program() + " in / after its end");
+}
+
+TEST_F(RealRestart, AnApplicationThatHasReplacedItselfIsOpenedInItsNewForm) {
+    const ApplicationBundle bundle(folder.path().string(), "Photo Box", "com.maker.restart");
+    RunningProgram program(bundle.program(), "update");
+    ASSERT_EQ(program.readLine(), "checked");
+    program.finish();
     EXPECT_EQ(report(), bundle.program() + " in / after its end");
 }
 

@@ -5,6 +5,7 @@
 
 #include "tests/support/ApplicationBundle.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/RunningProgram.h"
 
 #include <algorithm>
 #include <gmock/gmock.h>
@@ -38,6 +39,13 @@ protected:
         [_pool release];
     }
 
+    static std::vector<int> processesOf(const std::string& identifier) {
+        std::vector<int> found;
+        for (const RunningApplicationInfo& application : runningApplications())
+            if (application.bundleIdentifier == identifier)
+                found.push_back(application.processIdentifier);
+        return found;
+    }
     static std::string ownName() { return fs::read_symlink("/proc/self/exe").filename().string(); }
 
     NSAutoreleasePool* _pool;
@@ -53,6 +61,7 @@ TEST_F(Instances, AloneIsUniqueAndSwitchesToNobody) {
     EXPECT_TRUE(isUniqueAppInstance("com.maker.photobox"));
     EXPECT_FALSE(switchToAppInstance("com.maker.photobox"));
     EXPECT_TRUE(isUniqueAppInstance(""));
+    EXPECT_TRUE(isUniqueAppInstance("\xff\xfe"));
     EXPECT_THAT(launched, ElementsAre());
 }
 
@@ -99,20 +108,26 @@ TEST_F(Instances, SwitchingLaunchesThePathOfTheOther) {
     EXPECT_THAT(launched, ElementsAre(photo.path(), photo.path()));
 }
 
+TEST_F(Instances, SwitchingStartsNoSecondCopy) {
+    method_setImplementation(_launch, _original);
+    const RunningProgram other(photo.program(), "wait");
+    ASSERT_EQ(other.readLine(), "ready");
+    EXPECT_TRUE(switchToAppInstance("com.maker.photobox"));
+    EXPECT_EQ(processesOf("com.maker.photobox"), std::vector<int>{other.process()});
+}
+
 TEST_F(Instances, AllAreListedInTheOrderOfTheirStart) {
     const RunningProgram first(photo.program(), "wait");
     ASSERT_EQ(first.readLine(), "ready");
     const RunningProgram second(photo.program(), "wait");
     ASSERT_EQ(second.readLine(), "ready");
-    std::vector<int> found;
+    EXPECT_THAT(processesOf("com.maker.photobox"), ElementsAre(first.process(), second.process()));
     for (const RunningApplicationInfo& application : runningApplications()) {
         if (application.bundleIdentifier != "com.maker.photobox")
             continue;
         EXPECT_EQ(application.name, "Photo Box");
         EXPECT_EQ(application.path, photo.path());
-        found.push_back(application.processIdentifier);
     }
-    EXPECT_THAT(found, ElementsAre(first.process(), second.process()));
 }
 
 TEST_F(Instances, OwnProcessIsListedOnce) {

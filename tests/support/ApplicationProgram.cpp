@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
 // An application for tests, to be copied into bundles.
 //
-//   PROGRAM wait        until its input ends
-//   PROGRAM restart     requires a restart, checks it, says "checked", and waits until its input
-//   ends PROGRAM             reports that it was started, and whether the one before it still runs
+//   PROGRAM wait      until its input ends
+//   PROGRAM restart   requires a restart, checks it, says "checked", waits until its input ends
+//   PROGRAM update    puts another file in its program's place first, then as restart
+//   PROGRAM           reports that it was started, and whether the one before it still runs
 #include "ula/UniqueAppInstance.h"
 
 #include <algorithm>
@@ -12,6 +13,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
+#include <filesystem>
 #include <string>
 #include <unistd.h>
 
@@ -64,6 +66,14 @@ int restart() {
     return 0;
 }
 
+int update() {
+    const std::filesystem::path self = linkAt("/proc/self/exe");
+    const std::filesystem::path next = self.string() + ".new";
+    std::filesystem::copy_file(self, next);
+    std::filesystem::rename(next, self);
+    return restart();
+}
+
 }  // namespace
 
 int main(int count, char** arguments) {
@@ -71,6 +81,8 @@ int main(int count, char** arguments) {
         return report();
     if (std::strcmp(arguments[1], "restart") == 0)
         return restart();
+    if (std::strcmp(arguments[1], "update") == 0)
+        return update();
     say("ready");
     waitForEnd();
     return 0;

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
 // ula running
 #include "tests/support/ApplicationBundle.h"
+#include "tests/support/RunningProgram.h"
 #include "tests/tool/ToolProcess.h"
 
+#include <algorithm>
 #include <gmock/gmock.h>
 
 namespace tav::test {

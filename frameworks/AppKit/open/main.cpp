@@ -34,7 +34,7 @@ bool parse(int count, char** words, Wish& wish) {
         const std::string_view word = words[i];
         const bool hasValue = i + 1 < count;
         if (word == "--program" && hasValue)
-            wish.program = words[++i];
+            wish.program = appkit::pathOfProgram(words[++i]);
         else if (word == "--after" && hasValue)
             wish.after = atoi(words[++i]);
         else if (wish.bundle.empty())

@@ -97,7 +97,19 @@ private:
     ChildProcess _process;
 };
 
-TEST(ActivateWindows, BringsThoseOfTheProcessToTheFront) {
+// The server begins anew, and refuses connections meanwhile, when its last client leaves.
+class ActivateWindows : public testing::Test {
+protected:
+    static void SetUpTestSuite() { client = std::make_unique<Display>(); }
+    static void TearDownTestSuite() { client.reset(); }
+
+private:
+    static std::unique_ptr<Display> client;
+};
+
+std::unique_ptr<Display> ActivateWindows::client;
+
+TEST_F(ActivateWindows, BringsThoseOfTheProcessToTheFront) {
     Other other;
     Display own;
     const xcb_window_t above = own.makeWindow();
@@ -107,7 +119,7 @@ TEST(ActivateWindows, BringsThoseOfTheProcessToTheFront) {
     EXPECT_EQ(own.focus(), other.window());
 }
 
-TEST(ActivateWindows, BelievesWhatAWindowSaysOfItsProcess) {
+TEST_F(ActivateWindows, BelievesWhatAWindowSaysOfItsProcess) {
     const ChildProcess idle([] { pause(); });
     Display own;
     const xcb_window_t below = own.makeWindow();
@@ -118,7 +130,7 @@ TEST(ActivateWindows, BelievesWhatAWindowSaysOfItsProcess) {
     EXPECT_EQ(own.uppermost(), below);
 }
 
-TEST(ActivateWindows, LeavesHiddenOnesWhereTheyAre) {
+TEST_F(ActivateWindows, LeavesHiddenOnesWhereTheyAre) {
     const Other other(false);
     Display own;
     const xcb_window_t above = own.makeWindow();
@@ -126,12 +138,12 @@ TEST(ActivateWindows, LeavesHiddenOnesWhereTheyAre) {
     EXPECT_EQ(own.uppermost(), above);
 }
 
-TEST(ActivateWindows, CannotWithoutWindows) {
+TEST_F(ActivateWindows, CannotWithoutWindows) {
     const ChildProcess idle([] { pause(); });
     EXPECT_FALSE(appkit::activateWindows(idle.id()));
 }
 
-TEST(ActivateWindows, CannotWithoutADisplay) {
+TEST_F(ActivateWindows, CannotWithoutADisplay) {
     const std::string display = getenv("DISPLAY");
     const Other other;
     unsetenv("DISPLAY");

@@ -101,6 +101,12 @@ TEST_F(Dock, HearsOfProgressAndItsEnd) {
                                      Progress{kEntry, 0, false}));
 }
 
+TEST_F(Dock, HearsOfTheEndFromAProgramThatEndsAtOnce) {
+    ChildProcess program([] { execl("/proc/self/exe", "program", "end-at-once", nullptr); });
+    EXPECT_EQ(program.wait(), 0);
+    EXPECT_THAT(hear(2), ElementsAre(Progress{kEntry, 0.5, true}, Progress{kEntry, 0, false}));
+}
+
 TEST_F(Dock, HearsOfFractionsThatItCanShow) {
     appkit::showLauncherProgress(-1);
     appkit::showLauncherProgress(7.5);
@@ -133,9 +139,23 @@ TEST_F(Dock, ABarOfAnInstanceThatRunsStays) {
     EXPECT_EQ(hear(1).front(), (Progress{kEntry, 1, true}));
 }
 
+/// One that was shown before the application has finished launching.
+TEST_F(Dock, ABarThatIsShownIsNotTakenForOneThatWasLeft) {
+    appkit::showLauncherProgress(0.5);
+    appkit::clearLeftLauncherProgress();
+    EXPECT_TRUE(fs::exists(markPath()));
+    appkit::showLauncherProgress(1);
+    EXPECT_THAT(hear(2), ElementsAre(Progress{kEntry, 0.5, true}, Progress{kEntry, 1, true}));
+}
+
 }  // namespace
 
 int main(int count, char** arguments) {
+    if (count == 2 && std::string(arguments[1]) == "end-at-once") {
+        appkit::showLauncherProgress(0.5);
+        appkit::showLauncherProgress(std::nullopt);
+        _exit(0);
+    }
     testing::InitGoogleMock(&count, arguments);
     const TemporaryFolder folder;
     fs::create_directories(folder / "data/applications");
@@ -143,9 +163,10 @@ int main(int count, char** arguments) {
               "[Desktop Entry]\nType=Application\nName=Photo\nExec=\"" +
                   fs::read_symlink("/proc/self/exe").string() + "\" %U\n");
     setenv("XDG_DATA_HOME", (folder / "data").c_str(), 1);
-    setenv("XDG_RUNTIME_DIR", folder.path().c_str(), 1);
     GTestDBus* const bus = g_test_dbus_new(G_TEST_DBUS_NONE);
     g_test_dbus_up(bus);
+    // Which took the user's away.
+    setenv("XDG_RUNTIME_DIR", folder.path().c_str(), 1);
     const int result = RUN_ALL_TESTS();
     g_test_dbus_stop(bus);
     g_object_unref(bus);

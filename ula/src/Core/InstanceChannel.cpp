@@ -4,11 +4,14 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
+#include <filesystem>
 #include <sys/socket.h>
 #include <sys/time.h>
 #include <sys/un.h>
+#include <system_error>
 #include <unistd.h>
 
 namespace tav::ula {
@@ -26,16 +29,54 @@ struct Head {
 };
 constexpr char kName[4] = {'u', 'l', 'a', '1'};
 
-/// False, with errno, when the path is too long for a socket.
-bool setAddress(const std::string& path, sockaddr_un& address) {
-    address = {};
+/// A short way to a folder: an address has room for about a hundred bytes. Gone with the object.
+class ShortWay {
+public:
+    /// Fails: an empty path, with errno.
+    explicit ShortWay(const std::filesystem::path& folder) {
+        std::error_code error;
+        const std::string target = std::filesystem::absolute(folder, error).string();
+        if (mkdtemp(_place.data()) == nullptr) {
+            _place.clear();
+            return;
+        }
+        if (symlink(target.c_str(), (_place + "/f").c_str()) == 0)
+            _path = _place + "/f";
+    }
+    ~ShortWay() {
+        const int error = errno;
+        if (!_path.empty())
+            unlink(_path.c_str());
+        if (!_place.empty())
+            rmdir(_place.c_str());
+        errno = error;
+    }
+    ShortWay(const ShortWay&) = delete;
+    ShortWay& operator=(const ShortWay&) = delete;
+
+    const std::string& path() const { return _path; }
+
+private:
+    std::string _place = "/tmp/ula-XXXXXX";
+    std::string _path;
+};
+
+using CallWithAddress = int (*)(int, const sockaddr*, socklen_t);
+
+/// Fails: false, with errno.
+bool callAt(const std::string& path, int connection, CallWithAddress call) {
+    sockaddr_un address{};
     address.sun_family = AF_UNIX;
     if (path.size() >= sizeof address.sun_path) {
-        errno = ENAMETOOLONG;
-        return false;
+        const std::filesystem::path whole = path;
+        const ShortWay way(whole.parent_path());
+        const std::string name = "/" + whole.filename().string();
+        errno = way.path().empty() ? errno : ENAMETOOLONG;
+        return !way.path().empty() && (way.path() + name).size() < sizeof address.sun_path &&
+               callAt(way.path() + name, connection, call);
     }
     std::memcpy(address.sun_path, path.c_str(), path.size());
-    return true;
+    return call(connection, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
 }
 
 int makeSocket() {
@@ -112,35 +153,28 @@ std::vector<std::string> argumentsOf(const std::string& text) {
 }  // namespace
 
 int listenAt(const std::string& path) {
-    sockaddr_un address;
-    if (!setAddress(path, address))
-        return -1;
     const int listener = makeSocket();
     if (listener < 0)
         return -1;
     unlink(path.c_str());
-    if (bind(listener, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0 ||
-        listen(listener, kWaitingClients) != 0)
+    if (!callAt(path, listener, bind) || listen(listener, kWaitingClients) != 0)
         return closed(listener);
     return listener;
 }
 
 int connectTo(const std::string& path) {
-    sockaddr_un address;
-    if (!setAddress(path, address))
-        return -1;
     const int connection = makeSocket();
     if (connection < 0)
         return -1;
     limitWaiting(connection);
-    if (connect(connection, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0)
-        return closed(connection);
-    return connection;
+    return callAt(path, connection, connect) ? connection : closed(connection);
 }
 
 Delivery deliver(int connection, const std::vector<std::string>& arguments) {
     const std::string text = textOf(arguments);
-    Head head{{}, static_cast<std::uint32_t>(std::min<std::size_t>(text.size(), UINT32_MAX))};
+    if (text.size() > kLargestMessage)
+        return Delivery::TooMuch;
+    Head head{{}, static_cast<std::uint32_t>(text.size())};
     std::memcpy(head.name, kName, sizeof kName);
     char answer = 0;
     if (!sendAll(connection, reinterpret_cast<const char*>(&head), sizeof head) ||

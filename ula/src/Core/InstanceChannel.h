@@ -8,15 +8,16 @@
 
 namespace tav::ula {
 
-/// These give a descriptor that the caller closes, or -1 with errno.
-/// In place of what a crashed instance has left there.
+/// These give a descriptor that the caller closes, or -1 with errno. The path may be as long as
+/// any. In place of what a crashed instance has left there.
 int listenAt(const std::string& path);
 int connectTo(const std::string& path);
 
 enum class Delivery {
     Taken,
-    Broken,   ///< the other side has ended
-    NoAnswer  ///< in five seconds
+    Broken,    ///< the other side has ended
+    NoAnswer,  ///< in five seconds
+    TooMuch    ///< more than eight megabytes
 };
 
 Delivery deliver(int connection, const std::vector<std::string>& arguments);

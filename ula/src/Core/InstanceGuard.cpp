@@ -25,11 +25,15 @@ namespace tav::ula {
 
 namespace {
 
-/// The files of one application, by the beginning of their paths.
+/// The files of one application.
 struct Places {
-    std::string lock;    ///< held as long as the instance lives
-    std::string gate;    ///< held while an instance begins or ends, or another looks for it
-    std::string socket;  ///< always the user's own
+    std::string lock;  ///< held as long as the instance lives
+    /// Held while an instance of this user's begins or ends, or another looks for it. Never where
+    /// others could hold it for good.
+    std::string gate;
+    std::string socket;
+    /// Whether the user has a folder for the latter two.
+    bool canTalk = false;
 };
 
 /// Different for different identifiers, and good as a file's name.
@@ -49,24 +53,24 @@ std::string fileName(const FastString& appID) {
     return (name.starts_with('.') ? "-" : "") + name + digits;
 }
 
-bool isFolder(const std::string& path) {
-    struct stat item {};
-    return stat(path.c_str(), &item) == 0 && S_ISDIR(item.st_mode);
-}
-
-/// Made if need be. What others could write to decides nothing.
-bool isPrivateFolder(const std::string& path) {
+/// Made if need be, with rights of its own whatever the umask. What others could write to decides
+/// nothing. Fails: false, with errno.
+bool isPrivateFolder(const std::filesystem::path& path) {
     std::error_code error;
-    std::filesystem::create_directories(path, error);
+    std::filesystem::create_directories(path.parent_path(), error);
     struct stat item {};
-    if (stat(path.c_str(), &item) != 0)
+    if ((mkdir(path.c_str(), 0700) != 0 && errno != EEXIST) || stat(path.c_str(), &item) != 0)
         return false;
-    errno = EPERM;
-    return S_ISDIR(item.st_mode) && item.st_uid == geteuid() && (item.st_mode & 022) == 0;
+    const bool isFolder = S_ISDIR(item.st_mode);
+    errno = isFolder ? EPERM : ENOTDIR;
+    return isFolder && item.st_uid == geteuid() && (item.st_mode & 022) == 0;
 }
 
+/// The same one for all users: not on every system may all write to the first.
 std::string sharedFolder() {
-    return isFolder("/var/lock") ? "/var/lock" : "/tmp";
+    struct stat item {};
+    const bool isForAll = stat("/var/lock", &item) == 0 && (item.st_mode & S_IWOTH) != 0;
+    return isForAll ? "/var/lock" : "/tmp";
 }
 
 /// Of the user.
@@ -82,6 +86,17 @@ std::string lockFolder(const InstanceGuardOptions& options, const std::string& o
     return options.folder.empty() ? sharedFolder() : options.folder;
 }
 
+Places placesOf(const FastString& appID, const InstanceGuardOptions& options,
+                const std::string& own) {
+    const std::string name = "/" + fileName(appID);
+    return {lockFolder(options, own) + name + ".lock", own + name + ".gate", own + name + ".socket",
+            isPrivateFolder(own)};
+}
+
+InstanceClaim running(const std::string& why) {
+    return {InstanceState::Running, nullptr, why};
+}
+
 InstanceClaim failed(const std::string& what) {
     return {InstanceState::Failed, nullptr, what + ": " + std::strerror(errno)};
 }
@@ -90,11 +105,17 @@ InstanceClaim failed(const std::string& what) {
 std::optional<InstanceClaim> forward(int connection, const std::vector<std::string>& arguments) {
     const Delivery delivery = deliver(connection, arguments);
     close(connection);
-    if (delivery == Delivery::Broken)
-        return std::nullopt;
-    if (delivery == Delivery::Taken)
+    switch (delivery) {
+    case Delivery::Taken:
         return InstanceClaim{InstanceState::Forwarded, nullptr, ""};
-    return InstanceClaim{InstanceState::Running, nullptr, "the other instance does not answer"};
+    case Delivery::NoAnswer:
+        return running("the other instance does not answer");
+    case Delivery::TooMuch:
+        return running("the arguments are too long to be handed over");
+    case Delivery::Broken:
+        break;
+    }
+    return std::nullopt;
 }
 
 /// A process that is killed closes its descriptors from the lowest on: the lock first, so that
@@ -116,14 +137,19 @@ public:
         : _places(places), _listener(std::move(listener)) {}
     ~Body();
 
-    InstanceLock& lock() { return _lock; }
-    /// Fails: false, with errno.
-    bool listen();
+    /// Nothing when an instance was met that ended just then.
+    static std::optional<InstanceClaim> attempt(const Places& places, const Arguments& arguments,
+                                                const Listener& listener);
+    bool isOfThisProcess() const { return _process == getpid(); }
 
 private:
+    /// Fails: false, with errno.
+    bool listen();
+    bool startThread();
     void serve();
     void serveOne(int connection);
 
+    const pid_t _process = getpid();
     const Places _places;
     const Listener _listener;
     InstanceLock _lock;
@@ -137,18 +163,25 @@ bool InstanceGuard::Body::listen() {
         return false;
     for (const int end : _wake)
         fcntl(end, F_SETFD, FD_CLOEXEC);
-    const int listener = listenAt(_places.socket);
-    _socket = listener < 0 ? -1 : above(_lock.descriptor(), listener);
-    if (_socket < 0)
-        return false;
-    closeInChildren(_socket);
+    _socket = openInThisProcess([this] {
+        const int listener = listenAt(_places.socket);
+        return listener < 0 ? -1 : above(_lock.descriptor(), listener);
+    });
+    return _socket >= 0 && startThread();
+}
+
+bool InstanceGuard::Body::startThread() {
     // Signals are the application's own threads'.
     sigset_t all, before;
     sigfillset(&all);
     pthread_sigmask(SIG_SETMASK, &all, &before);
-    _thread = std::thread([this] { serve(); });
+    try {
+        _thread = std::thread([this] { serve(); });
+    } catch (const std::system_error& error) {
+        errno = error.code().value();
+    }
     pthread_sigmask(SIG_SETMASK, &before, nullptr);
-    return true;
+    return _thread.joinable();
 }
 
 /// Nobody sees a half of it: whoever looks has the gate.
@@ -160,9 +193,10 @@ InstanceGuard::Body::~Body() {
         }
         _thread.join();
         gate.acquire(_places.gate, InstanceLock::Wait::Yes);
+    }
+    if (_socket >= 0) {
         unlink(_places.socket.c_str());
-        keepInChildren(_socket);
-        close(_socket);
+        closeInThisProcess(_socket);
     }
     for (const int end : _wake)
         if (end >= 0)
@@ -197,47 +231,55 @@ void InstanceGuard::Body::serveOne(int connection) {
     }
 }
 
+std::optional<InstanceClaim> InstanceGuard::Body::attempt(const Places& places,
+                                                          const Arguments& arguments,
+                                                          const Listener& listener) {
+    InstanceLock gate;
+    auto body = std::make_unique<Body>(places, listener);
+    if (places.canTalk && !gate.acquire(places.gate, InstanceLock::Wait::Yes))
+        return failed(places.gate);
+    const std::optional<bool> isFirst = body->_lock.acquire(places.lock, InstanceLock::Wait::No);
+    if (!isFirst)
+        return failed(places.lock);
+    if (*isFirst && places.canTalk && !body->listen())
+        return failed(places.socket);
+    if (*isFirst)
+        return InstanceClaim{InstanceState::First,
+                             std::unique_ptr<InstanceGuard>(new InstanceGuard(std::move(body))),
+                             ""};
+    if (!places.canTalk)
+        return running("there is no folder of the user's own to reach the other instance");
+    const int connection = connectTo(places.socket);
+    if (connection < 0)
+        return running("the other instance is out of reach: " + std::string(std::strerror(errno)));
+    // The answer may take its time; others need not wait for it.
+    gate.release();
+    return forward(connection, arguments);
+}
+
 InstanceGuard::InstanceGuard(std::unique_ptr<Body> body) : _body(std::move(body)) {
 }
 
-InstanceGuard::~InstanceGuard() = default;
+/// A forked child that ends has neither the thread nor the lock: what it would take down is its
+/// parent's.
+InstanceGuard::~InstanceGuard() {
+    if (!_body->isOfThisProcess())
+        static_cast<void>(_body.release());
+}
 
 InstanceClaim InstanceGuard::claim(const FastString& appID, const Arguments& arguments,
                                    Listener listener, const InstanceGuardOptions& options) {
     const std::string own = ownFolder(options);
+    const Places places = placesOf(appID, options, own);
     // Without it one instance for the machine is still one, but nobody can be told of it.
-    const bool canTalk = isPrivateFolder(own);
-    if (!canTalk && options.scope == InstanceScope::User)
+    if (!places.canTalk && options.scope == InstanceScope::User)
         return failed(own);
-    const std::string name = "/" + fileName(appID);
-    const std::string locks = lockFolder(options, own);
-    const Places places = {locks + name + ".lock", locks + name + ".gate", own + name + ".socket"};
     // Once more only after an instance was met that ended just then.
     constexpr int kMostAttempts = 16;
-    for (int i = 0; i < kMostAttempts; ++i) {
-        auto body = std::make_unique<Body>(places, listener);
-        InstanceLock gate;
-        if (!gate.acquire(places.gate, InstanceLock::Wait::Yes))
-            return failed(places.gate);
-        const std::optional<bool> isFirst =
-            body->lock().acquire(places.lock, InstanceLock::Wait::No);
-        if (!isFirst)
-            return failed(places.lock);
-        if (*isFirst && canTalk && !body->listen())
-            return failed(places.socket);
-        if (*isFirst)
-            return {InstanceState::First,
-                    std::unique_ptr<InstanceGuard>(new InstanceGuard(std::move(body))), ""};
-        const int connection = canTalk ? connectTo(places.socket) : -1;
-        if (connection < 0)
-            return {InstanceState::Running, nullptr,
-                    "the other instance is out of reach: " + std::string(std::strerror(errno))};
-        // The answer may take its time; others need not wait for it.
-        gate.release();
-        if (auto result = forward(connection, arguments))
+    for (int i = 0; i < kMostAttempts; ++i)
+        if (auto result = Body::attempt(places, arguments, listener))
             return std::move(*result);
-    }
-    return {InstanceState::Running, nullptr, "the other instance ends while it is asked"};
+    return running("the other instance ends while it is asked");
 }
 
 }  // namespace tav::ula

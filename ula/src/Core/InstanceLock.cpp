@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdlib>
 #include <fcntl.h>
 #include <mutex>
 #include <pthread.h>
@@ -25,13 +26,17 @@ public:
         return *descriptors;
     }
 
-    void add(int descriptor) {
+    int open(const std::function<int()>& opener) {
         const std::lock_guard lock(_mutex);
-        _descriptors.push_back(descriptor);
+        const int descriptor = opener();
+        if (descriptor >= 0)
+            _descriptors.push_back(descriptor);
+        return descriptor;
     }
-    void remove(int descriptor) {
+    void close(int descriptor) {
         const std::lock_guard lock(_mutex);
         std::erase(_descriptors, descriptor);
+        ::close(descriptor);
     }
 
 private:
@@ -41,7 +46,7 @@ private:
     }
     void closeAll() {
         for (const int descriptor : _descriptors)
-            close(descriptor);
+            ::close(descriptor);
         _descriptors.clear();
         _mutex.unlock();
     }
@@ -50,17 +55,33 @@ private:
     std::vector<int> _descriptors;
 };
 
-/// Files of other users in shared folders may be opened, but not with the wish to make them.
+/// There at once with the rights that it keeps, whatever the umask: another user's instance may be
+/// looking for it.
+bool makeFile(const std::string& path) {
+    std::string name = path + ".XXXXXX";
+    const int file = mkstemp(name.data());
+    if (file < 0)
+        return false;
+    const bool isMade = fchmod(file, 0644) == 0 && link(name.c_str(), path.c_str()) == 0;
+    const int error = errno;
+    unlink(name.c_str());
+    close(file);
+    errno = error;
+    return isMade || error == EEXIST;
+}
+
+/// Network file systems lock for writing only what is open for it. Another user's file in a shared
+/// folder is not, and must not be opened with the wish to make it. What is no file could keep the
+/// opening waiting.
 int openFile(const std::string& path) {
-    constexpr int kFlags = O_RDONLY | O_CLOEXEC | O_NOFOLLOW;
-    while (true) {
-        int file = open(path.c_str(), kFlags);
-        if (file >= 0 || errno != ENOENT)
-            return file;
-        file = open(path.c_str(), kFlags | O_CREAT | O_EXCL, 0644);
-        if (file >= 0 || errno != EEXIST)
-            return file;
-    }
+    constexpr int kFlags = O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK;
+    int file = -1;
+    do {
+        file = open(path.c_str(), O_RDWR | kFlags);
+        if (file < 0 && (errno == EACCES || errno == EROFS))
+            file = open(path.c_str(), O_RDONLY | kFlags);
+    } while (file < 0 && errno == ENOENT && makeFile(path));
+    return file;
 }
 
 /// Somebody may have removed the file between its opening and its locking.
@@ -79,41 +100,43 @@ int lock(int file, InstanceLock::Wait wait) {
     return result;
 }
 
+bool isFile(int file) {
+    struct stat item {};
+    if (fstat(file, &item) != 0)
+        return false;
+    errno = EINVAL;
+    return S_ISREG(item.st_mode);
+}
+
 }  // namespace
 
 std::optional<bool> InstanceLock::acquire(const std::string& path, Wait wait) {
     while (true) {
-        const int file = openFile(path);
-        if (file < 0)
+        _file = openInThisProcess([&path] { return openFile(path); });
+        if (_file < 0)
             return std::nullopt;
-        closeInChildren(file);
-        _file = file;
-        if (lock(file, wait) == 0) {
-            if (isStill(path, file))
-                return true;
-            release();
-            continue;
-        }
+        const bool isLocked = isFile(_file) && lock(_file, wait) == 0;
+        if (isLocked && isStill(path, _file))
+            return true;
         const int error = errno;
         release();
         errno = error;
-        return error == EWOULDBLOCK ? std::optional(false) : std::nullopt;
+        if (!isLocked)
+            return error == EWOULDBLOCK ? std::optional(false) : std::nullopt;
     }
 }
 
 void InstanceLock::release() {
-    if (_file < 0)
-        return;
-    keepInChildren(_file);
-    close(std::exchange(_file, -1));
+    if (_file >= 0)
+        closeInThisProcess(std::exchange(_file, -1));
 }
 
-void closeInChildren(int descriptor) {
-    ParentsDescriptors::instance().add(descriptor);
+int openInThisProcess(const std::function<int()>& opener) {
+    return ParentsDescriptors::instance().open(opener);
 }
 
-void keepInChildren(int descriptor) {
-    ParentsDescriptors::instance().remove(descriptor);
+void closeInThisProcess(int descriptor) {
+    ParentsDescriptors::instance().close(descriptor);
 }
 
 }  // namespace tav::ula

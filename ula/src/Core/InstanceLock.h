@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -27,8 +28,9 @@ private:
     int _file = -1;
 };
 
-/// Closes the descriptor in children made by fork(2), and forgets it again.
-void closeInChildren(int descriptor);
-void keepInChildren(int descriptor);
+/// Gives what the function opens, which children made by fork(2) do not have: none is made between
+/// the opening and its being known. Fails: as the function does.
+int openInThisProcess(const std::function<int()>& opener);
+void closeInThisProcess(int descriptor);
 
 }  // namespace tav::ula

@@ -52,6 +52,9 @@ void ApplicationTaskProgressMac::showProgress(void*, const double& fraction,
     const ScopedARPool pool;
     showPlainIcon();
     NSImage* const icon = [NSApp applicationIconImage];
+    // Without an application's object there is nothing to draw on.
+    if (icon == nil)
+        return;
     [icon lockFocus];
     const CGFloat width = ([icon size].width - 2 * kMargin) * fraction;
     setColour(state);

@@ -4,6 +4,7 @@
 #import <AppKit/NSRunningApplication.h>
 
 #include "tests/support/ApplicationBundle.h"
+#include "tests/support/RunningProgram.h"
 
 #include <gtest/gtest.h>
 
