@@ -12,7 +12,7 @@ namespace security {
 
 // Owner: the caller.
 SecKeychainRef makeKeychain(StoreKind kind);
-SecKeychainItemRef makeItem(StoreKind kind, const ItemName& name);
+SecKeychainItemRef makeItem(StoreKind kind, const ItemKey& name);
 
 // Nothing for what is no such reference, null included.
 std::optional<StoreKind> kindOf(CFTypeRef keychain);

@@ -3,7 +3,6 @@
 
 #import <Foundation/Foundation.h>
 
-using security::ItemName;
 using security::ItemPlace;
 using security::StoreKind;
 
@@ -48,9 +47,9 @@ SecKeychainRef makeKeychain(StoreKind kind) {
     return reinterpret_cast<SecKeychainRef>(keychain);
 }
 
-SecKeychainItemRef makeItem(StoreKind kind, const ItemName& name) {
+SecKeychainItemRef makeItem(StoreKind kind, const ItemKey& name) {
     auto* const item = [[ULAKeychainItem alloc] init];
-    item->_place = {kind, name};
+    item->_place = {kind, {std::string(name.service), std::string(name.account)}};
     return reinterpret_cast<SecKeychainItemRef>(item);
 }
 

@@ -7,7 +7,7 @@
 #include <cstring>
 
 using security::guarded;
-using security::ItemName;
+using security::ItemKey;
 using security::SearchList;
 using security::SecretBytes;
 using security::StoreKind;
@@ -18,8 +18,8 @@ bool isText(UInt32 length, const void* bytes) {
     return length == 0 || bytes != nullptr;
 }
 
-std::string textOf(UInt32 length, const char* bytes) {
-    return length == 0 ? std::string() : std::string(bytes, length);
+std::string_view viewOf(UInt32 length, const char* bytes) {
+    return length == 0 ? std::string_view() : std::string_view(bytes, length);
 }
 
 // Empty data is a pointer all the same.
@@ -41,8 +41,8 @@ OSStatus SecKeychainFindGenericPassword(CFTypeRef keychainOrArray, UInt32 servic
         if (kinds.empty() || !isText(serviceNameLength, serviceName) ||
             !isText(accountNameLength, accountName))
             return errSecParam;
-        const ItemName name{textOf(serviceNameLength, serviceName),
-                            textOf(accountNameLength, accountName)};
+        const ItemKey name(viewOf(serviceNameLength, serviceName),
+                           viewOf(accountNameLength, accountName));
         SecretBytes secret;
         const bool wantsData = passwordLength != nullptr || passwordData != nullptr;
         StoreKind where = kinds.front();
@@ -66,8 +66,8 @@ OSStatus SecKeychainAddGenericPassword(SecKeychainRef keychain, UInt32 serviceNa
         if ((keychain != nullptr && !kind) || !isText(serviceNameLength, serviceName) ||
             !isText(accountNameLength, accountName) || !isText(passwordLength, passwordData))
             return errSecParam;
-        const ItemName name{textOf(serviceNameLength, serviceName),
-                            textOf(accountNameLength, accountName)};
+        const ItemKey name(viewOf(serviceNameLength, serviceName),
+                           viewOf(accountNameLength, accountName));
         const std::string_view secret(static_cast<const char*>(passwordData), passwordLength);
         SearchList& list = SearchList::ofProcess();
         StoreKind where = kind.value_or(StoreKind::SecretService);
@@ -90,7 +90,7 @@ OSStatus SecKeychainItemDelete(SecKeychainItemRef itemRef) {
 }
 
 OSStatus SecKeychainItemFreeContent(SecKeychainAttributeList*, void* data) {
-    SecretBytes::free(data);
+    security::SecretMemory::free(data);
     return errSecSuccess;
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <Security/Authorization.h>
 #include <Security/SecBase.h>
 #include <Security/SecItem.h>
 #include <Security/SecKeychain.h>

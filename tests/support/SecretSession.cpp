@@ -2,11 +2,14 @@
 #include "tests/support/SecretSession.h"
 
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
+#include <filesystem>
 #include <stdexcept>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <utility>
 
 namespace tav::test {
 
@@ -52,14 +55,29 @@ SessionBus::SessionBus(const std::string& configuration) {
 }
 
 SessionBus::~SessionBus() {
-    kill(_process, SIGTERM);
-    waitpid(_process, nullptr, 0);
+    end(SIGTERM);
     unsetenv("DBUS_SESSION_BUS_ADDRESS");
 }
 
-void SecretSession::startKeyring(const std::string& option) {
-    run("printf pw | gnome-keyring-daemon --unlock --components=secrets --daemonize " + option +
+void SessionBus::kill() {
+    end(SIGKILL);
+}
+
+void SessionBus::end(int signal) {
+    if (_process < 0)
+        return;
+    ::kill(_process, signal);
+    waitpid(std::exchange(_process, -1), nullptr, 0);
+}
+
+void SecretSession::startKeyring(const std::string& options) {
+    run("printf pw | gnome-keyring-daemon --components=secrets --daemonize " + options +
         " >/dev/null 2>&1");
+}
+
+void SecretSession::beginWithoutKeyring() const {
+    std::filesystem::remove_all(std::string(std::getenv("XDG_DATA_HOME")) + "/keyrings");
+    startKeyring("--replace");
 }
 
 void SecretSession::lock() const {
@@ -67,6 +85,20 @@ void SecretSession::lock() const {
         "/org/freedesktop/secrets "
         "--method org.freedesktop.Secret.Service.Lock "
         "\"['/org/freedesktop/secrets/aliases/default']\" >/dev/null");
+}
+
+int SecretSession::connectionsOf(pid_t process) {
+    const std::string call = "gdbus call --session --dest org.freedesktop.DBus --object-path / "
+                             "--method org.freedesktop.DBus.";
+    const std::string command = "for name in $(" + call + "ListNames | grep -o ':[0-9.]*'); do " +
+                                call + "GetConnectionUnixProcessID $name 2>/dev/null; done | " +
+                                "grep -c 'uint32 " + std::to_string(process) + ",'";
+    std::FILE* const output = popen(command.c_str(), "r");
+    int count = -1;
+    if (output == nullptr || std::fscanf(output, "%d", &count) != 1)
+        throw std::runtime_error("this fails: " + command);
+    pclose(output);
+    return count;
 }
 
 }  // namespace tav::test

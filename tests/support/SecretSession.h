@@ -15,7 +15,12 @@ public:
     SessionBus(const SessionBus&) = delete;
     SessionBus& operator=(const SessionBus&) = delete;
 
+    /// At once, in the middle of whatever it does.
+    void kill();
+
 private:
+    void end(int signal);
+
     pid_t _process = -1;
 };
 
@@ -26,12 +31,18 @@ public:
     SecretSession() { startKeyring(); }
 
     /// Ends the one that runs, and starts another.
-    void restartKeyring() const { startKeyring("--replace"); }
+    void restartKeyring() const { startKeyring("--replace --unlock"); }
     /// Locks the collection that new items go to.
     void lock() const;
+    /// Ends the one that runs, and starts another for a user who has no keyring yet.
+    void beginWithoutKeyring() const;
+    /// The session's bus, at once.
+    void killBus() { _bus.kill(); }
+    /// How many connections to the bus a process has.
+    static int connectionsOf(pid_t process);
 
 private:
-    static void startKeyring(const std::string& option = {});
+    static void startKeyring(const std::string& options = "--unlock");
 
     SessionBus _bus;
 };

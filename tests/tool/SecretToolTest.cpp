@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
+#include "tests/tool/TerminalTool.h"
 #include "tests/tool/ToolProcess.h"
 
+#include <csignal>
 #include <cstdlib>
 #include <gmock/gmock.h>
 
@@ -8,7 +10,9 @@ namespace tav::test {
 
 namespace {
 
+using testing::ContainsRegex;
 using testing::HasSubstr;
+using testing::Not;
 
 /// Of a user without a session bus.
 class SecretTool : public ToolTest {
@@ -92,6 +96,33 @@ TEST_F(SecretTool, TakesNoSecretAsAnArgument) {
     EXPECT_EQ(secret({"add", "Mail"}, "").code, 2);
     EXPECT_EQ(secret({"add", ""}, "x").code, 2);
     EXPECT_EQ(secret({}).code, 2);
+}
+
+TEST_F(SecretTool, ThePromptDoesNotShowWhatIsTyped) {
+    TerminalTool tool(home, {"secret", "add", "Mail", "--account", "ann"});
+    ASSERT_TRUE(tool.waitFor("Secret: "));
+    tool.type("s3cret\n");
+    EXPECT_EQ(tool.wait(), 0);
+    EXPECT_THAT(tool.shown(), Not(HasSubstr("s3cret")));
+    EXPECT_TRUE(tool.showsTyping());
+    EXPECT_EQ(secret({"get", "Mail", "--account", "ann"}).output, "s3cret\n");
+}
+
+TEST_F(SecretTool, AnInterruptedPromptLeavesTheTerminalAsItWas) {
+    TerminalTool tool(home, {"secret", "add", "Code"});
+    ASSERT_TRUE(tool.waitFor("Secret: "));
+    EXPECT_FALSE(tool.showsTyping());
+    tool.signal(SIGINT);
+    EXPECT_EQ(tool.wait(), -SIGINT);
+    EXPECT_TRUE(tool.showsTyping());
+    EXPECT_EQ(secret({"get", "Code"}).code, 1);
+}
+
+TEST_F(SecretTool, LeavesNoCoreFile) {
+    TerminalTool tool(home, {"secret", "add", "Code"});
+    ASSERT_TRUE(tool.waitFor("Secret: "));
+    EXPECT_THAT(readFile("/proc/" + std::to_string(tool.id()) + "/limits"),
+                ContainsRegex("Max core file size +0 "));
 }
 
 TEST_F(SecretTool, TellsOfADamagedKeychain) {

@@ -224,7 +224,10 @@ using Run = ExitCode (*)(const Options&);
 CLI::App* addAction(CLI::App* secret, const char* name, const char* text, Run run,
                     const std::shared_ptr<Options>& options, ExitCode& result) {
     CLI::App* const action = secret->add_subcommand(name, text);
-    action->callback([run, options, &result] { result = run(*options); });
+    action->callback([run, options, &result] {
+        leaveNoCoreFile();
+        result = run(*options);
+    });
     return action;
 }
 

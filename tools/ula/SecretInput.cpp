@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
+#include <sys/resource.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -64,15 +65,23 @@ std::string readInput(bool isLine) {
 }
 
 std::string readHidden() {
+    // First: what is typed as soon as the prompt shows is neither shown nor lost.
+    const HiddenTyping hidden;
     std::fputs("Secret: ", stderr);
     std::fflush(stderr);
-    const HiddenTyping hidden;
     std::string text = readInput(true);
     std::fputs("\n", stderr);
     return text;
 }
 
 }  // namespace
+
+void leaveNoCoreFile() {
+    rlimit limit{};
+    getrlimit(RLIMIT_CORE, &limit);
+    limit.rlim_cur = 0;
+    setrlimit(RLIMIT_CORE, &limit);
+}
 
 Secret::~Secret() {
     for (volatile char* byte = _text.data(); byte != _text.data() + _text.size(); ++byte)

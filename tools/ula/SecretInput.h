@@ -19,6 +19,9 @@ private:
     std::string _text;
 };
 
+/// A program that dies with a secret leaves none behind.
+void leaveNoCoreFile();
+
 /// From a terminal one line, which is not shown as it is typed; else all of standard input, without
 /// the end of its last line. Fails: throws `CommandError` when there is none.
 std::string readSecret();

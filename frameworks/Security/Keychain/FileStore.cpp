@@ -94,7 +94,7 @@ OSStatus FileStore::save(const ItemTable& table, const SecretBytes& key) const {
     return replaceFile(path(), seal(table.bytes(), key));
 }
 
-OSStatus FileStore::find(const ItemName& name) {
+OSStatus FileStore::find(const ItemKey& name) {
     ItemTable table;
     const OSStatus status = load(table);
     if (status != errSecSuccess)
@@ -102,7 +102,7 @@ OSStatus FileStore::find(const ItemName& name) {
     return table.find(name) ? errSecSuccess : errSecItemNotFound;
 }
 
-OSStatus FileStore::read(const ItemName& name, SecretBytes& secret) {
+OSStatus FileStore::read(const ItemKey& name, SecretBytes& secret) {
     ItemTable table;
     const OSStatus status = load(table);
     if (status != errSecSuccess)
@@ -114,7 +114,7 @@ OSStatus FileStore::read(const ItemName& name, SecretBytes& secret) {
     return errSecSuccess;
 }
 
-OSStatus FileStore::add(const ItemName& name, std::string_view secret) {
+OSStatus FileStore::add(const ItemKey& name, std::string_view secret) {
     const std::size_t size = name.service.size() + name.account.size() + secret.size();
     if (size > kMostBytes)
         return errSecDataTooLarge;
@@ -134,7 +134,7 @@ OSStatus FileStore::add(const ItemName& name, std::string_view secret) {
     return save(table, key);
 }
 
-OSStatus FileStore::remove(const ItemName& name) {
+OSStatus FileStore::remove(const ItemKey& name) {
     const FolderLock lock(_folder, kLock);
     if (lock.status() != errSecSuccess)
         return lock.status();

@@ -16,10 +16,10 @@ class FileStore : public Store {
 public:
     explicit FileStore(std::string folder) : _folder(std::move(folder)) {}
 
-    OSStatus find(const ItemName& name) override;
-    OSStatus read(const ItemName& name, SecretBytes& secret) override;
-    OSStatus add(const ItemName& name, std::string_view secret) override;
-    OSStatus remove(const ItemName& name) override;
+    OSStatus find(const ItemKey& name) override;
+    OSStatus read(const ItemKey& name, SecretBytes& secret) override;
+    OSStatus add(const ItemKey& name, std::string_view secret) override;
+    OSStatus remove(const ItemKey& name) override;
     OSStatus list(std::vector<ItemName>& names) override;
     OSStatus examine(bool& isLocked) override;
     std::string path() const override { return _folder + "/items"; }

@@ -77,6 +77,27 @@ OSStatus refuse(const std::string& path, const char* reason) {
     return errSecAuthFailed;
 }
 
+// Why it cannot be opened. A file of another user's, left by sudo for instance, is not missing.
+OSStatus openFailure(const std::string& path, int errorNumber) {
+    switch (errorNumber) {
+    case ELOOP:
+        return refuse(path, "it is a symbolic link");
+    case EACCES:
+    case EPERM:
+        return refuse(path, "this user may not read it");
+    default:
+        return statusOf(errorNumber);
+    }
+}
+
+// Does not wait for who might write to a pipe of that name. Fails: what is no file is refused.
+OSStatus openToRead(const std::string& path, int flags, FileDescriptor& file, struct stat& facts) {
+    file = openFile(path, O_RDONLY | O_NONBLOCK | flags);
+    if (!file.isValid() || fstat(file.get(), &facts) != 0)
+        return openFailure(path, errno);
+    return S_ISREG(facts.st_mode) ? OSStatus(errSecSuccess) : refuse(path, "it is no file");
+}
+
 }  // namespace
 
 OSStatus statusOf(int errorNumber) {
@@ -126,22 +147,22 @@ FolderLock::FolderLock(const std::string& folder, const char* name) {
 }
 
 OSStatus readFile(const std::string& path, std::string& content) {
-    const FileDescriptor file = openFile(path, O_RDONLY);
+    FileDescriptor file;
     struct stat facts {};
-    if (!file.isValid() || fstat(file.get(), &facts) != 0)
-        return statusOf(errno);
+    const OSStatus status = openToRead(path, 0, file, facts);
+    if (status != errSecSuccess)
+        return status;
     content.resize(static_cast<std::size_t>(facts.st_size));
     auto* const bytes = reinterpret_cast<std::uint8_t*>(content.data());
     return readAll(file.get(), bytes, content.size()) ? errSecSuccess : statusOf(errno);
 }
 
 OSStatus readPrivateFile(const std::string& path, SecretBytes& content) {
-    const FileDescriptor file = openFile(path, O_RDONLY | O_NOFOLLOW | O_NONBLOCK);
+    FileDescriptor file;
     struct stat facts {};
-    if (!file.isValid() || fstat(file.get(), &facts) != 0)
-        return errno == ELOOP ? refuse(path, "it is a symbolic link") : statusOf(errno);
-    if (!S_ISREG(facts.st_mode))
-        return refuse(path, "it is no file");
+    const OSStatus status = openToRead(path, O_NOFOLLOW, file, facts);
+    if (status != errSecSuccess)
+        return status;
     if (facts.st_uid != geteuid())
         return refuse(path, "it belongs to another user");
     if ((facts.st_mode & kOthers) != 0)

@@ -52,7 +52,8 @@ private:
     OSStatus _status;
 };
 
-// Fails: errSecItemNotFound when there is no such file.
+// Fails: errSecItemNotFound when there is no such file; errSecAuthFailed when it may not be read;
+// logged then.
 OSStatus readFile(const std::string& path, std::string& content);
 // The same for a file that no one but its user may touch. Fails: errSecAuthFailed when others may;
 // logged.

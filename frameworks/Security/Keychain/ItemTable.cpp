@@ -45,7 +45,7 @@ bool ItemTable::isWhole() const {
     return true;
 }
 
-std::optional<ItemTable::Record> ItemTable::find(const ItemName& name) const {
+std::optional<ItemTable::Record> ItemTable::find(const ItemKey& name) const {
     std::optional<Record> record = recordAt(0);
     while (record && (record->service != name.service || record->account != name.account))
         record = recordAt(record->end);
@@ -59,7 +59,7 @@ std::vector<ItemName> ItemTable::names() const {
     return names;
 }
 
-void ItemTable::add(const ItemName& name, std::string_view secret) {
+void ItemTable::add(const ItemKey& name, std::string_view secret) {
     const std::size_t size = kLengths + name.service.size() + name.account.size() + secret.size();
     SecretBytes grown(_records.size() + size);
     std::uint8_t* to = append(grown.data(), _records.view());

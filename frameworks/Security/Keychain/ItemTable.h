@@ -28,10 +28,10 @@ public:
 
     // Fails: false when the records do not fill the bytes exactly.
     bool isWhole() const;
-    std::optional<Record> find(const ItemName& name) const;
+    std::optional<Record> find(const ItemKey& name) const;
     std::vector<ItemName> names() const;
 
-    void add(const ItemName& name, std::string_view secret);
+    void add(const ItemKey& name, std::string_view secret);
     void remove(const Record& record);
 
     const SecretBytes& bytes() const { return _records; }

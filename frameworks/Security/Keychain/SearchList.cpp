@@ -20,8 +20,10 @@ StoreKind other(StoreKind kind) {
 
 // Where the service never had an item, none is missing without it.
 bool isNoMatter(StoreKind kind, OSStatus status) {
-    return kind == StoreKind::SecretService && status == errSecNotAvailable &&
-           !readChoice(keychainFolder()).isServiceUsed;
+    if (kind != StoreKind::SecretService || status != errSecNotAvailable)
+        return false;
+    StoreChoice choice;
+    return readChoice(keychainFolder(), choice) == errSecSuccess && !choice.isServiceUsed;
 }
 
 }  // namespace
@@ -41,11 +43,13 @@ OSStatus SearchList::with(StoreKind kind, Work work) {
 }
 
 std::vector<StoreKind> SearchList::kinds() const {
-    const StoreKind first = readChoice(keychainFolder()).newItems;
-    return {first, other(first)};
+    StoreChoice choice;
+    // In any order if it cannot be read: that is told where it matters.
+    readChoice(keychainFolder(), choice);
+    return {choice.newItems, other(choice.newItems)};
 }
 
-OSStatus SearchList::find(const std::vector<StoreKind>& kinds, const ItemName& name,
+OSStatus SearchList::find(const std::vector<StoreKind>& kinds, const ItemKey& name,
                           SecretBytes* secret, StoreKind& where) {
     OSStatus result = errSecItemNotFound;
     for (const StoreKind kind : kinds) {
@@ -82,7 +86,9 @@ OSStatus SearchList::decide(const StoreChoice& choice, StoreKind& kind) {
 }
 
 OSStatus SearchList::defaultKind(StoreKind& kind) {
-    return decide(readChoice(keychainFolder()), kind);
+    StoreChoice choice;
+    const OSStatus status = readChoice(keychainFolder(), choice);
+    return status == errSecSuccess ? decide(choice, kind) : status;
 }
 
 OSStatus SearchList::setDefault(StoreKind kind) {
@@ -90,7 +96,10 @@ OSStatus SearchList::setDefault(StoreKind kind) {
     const FolderLock lock(folder, kAddLock);
     if (lock.status() != errSecSuccess)
         return lock.status();
-    StoreChoice choice = readChoice(folder);
+    StoreChoice choice;
+    const OSStatus status = readChoice(folder, choice);
+    if (status != errSecSuccess)
+        return status;
     std::vector<ItemName> names;
     if (_service.list(names) == errSecSuccess)
         choice.isServiceUsed = !names.empty();
@@ -101,7 +110,7 @@ OSStatus SearchList::setDefault(StoreKind kind) {
 
 // One of two items of the same name would hide the other. The store itself refuses a second one;
 // what is in a service that cannot be reached comes after the file that was chosen.
-OSStatus SearchList::findElsewhere(StoreKind kind, const ItemName& name) {
+OSStatus SearchList::findElsewhere(StoreKind kind, const ItemKey& name) {
     const OSStatus status = with(other(kind), [&](Store& store) { return store.find(name); });
     return status == errSecNotAvailable ? OSStatus(errSecItemNotFound) : status;
 }
@@ -113,26 +122,29 @@ OSStatus SearchList::remember(StoreKind kind, const StoreChoice& choice) {
     return status == errSecSuccess ? writeChoice(keychainFolder(), choice) : status;
 }
 
-OSStatus SearchList::addAndRemember(StoreKind kind, const ItemName& name, std::string_view secret) {
+OSStatus SearchList::addAndRemember(StoreKind kind, const ItemKey& name, std::string_view secret) {
     const std::string folder = keychainFolder();
-    const StoreChoice choice = readChoice(folder);
+    StoreChoice choice;
+    OSStatus status = readChoice(folder, choice);
+    if (status != errSecSuccess)
+        return status;
     StoreChoice decided = choice;
     decided.isDecided = true;
     if (!choice.isDecided)
         decided.newItems = kind;
     decided.isServiceUsed = choice.isServiceUsed || kind == StoreKind::SecretService;
-    const OSStatus status = decided == choice ? OSStatus(errSecSuccess) : remember(kind, decided);
+    if (decided != choice)
+        status = remember(kind, decided);
     if (status != errSecSuccess)
         return status;
     return with(kind, [&](Store& store) { return store.add(name, secret); });
 }
 
-OSStatus SearchList::add(const ItemName& name, std::string_view secret, StoreKind& where) {
-    const std::string folder = keychainFolder();
-    const FolderLock lock(folder, kAddLock);
+OSStatus SearchList::add(const ItemKey& name, std::string_view secret, StoreKind& where) {
+    const FolderLock lock(keychainFolder(), kAddLock);
     if (lock.status() != errSecSuccess)
         return lock.status();
-    OSStatus status = decide(readChoice(folder), where);
+    OSStatus status = defaultKind(where);
     if (status != errSecSuccess)
         return status;
     status = findElsewhere(where, name);
@@ -141,12 +153,12 @@ OSStatus SearchList::add(const ItemName& name, std::string_view secret, StoreKin
     return addAndRemember(where, name, secret);
 }
 
-OSStatus SearchList::addTo(StoreKind kind, const ItemName& name, std::string_view secret) {
+OSStatus SearchList::addTo(StoreKind kind, const ItemKey& name, std::string_view secret) {
     const FolderLock lock(keychainFolder(), kAddLock);
     return lock.status() == errSecSuccess ? addAndRemember(kind, name, secret) : lock.status();
 }
 
-OSStatus SearchList::remove(StoreKind kind, const ItemName& name) {
+OSStatus SearchList::remove(StoreKind kind, const ItemKey& name) {
     return with(kind, [&](Store& store) { return store.remove(name); });
 }
 

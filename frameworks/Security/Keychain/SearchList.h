@@ -24,12 +24,12 @@ public:
     OSStatus setDefault(StoreKind kind);
 
     // In all of these stores. `where` receives the one that has it.
-    OSStatus find(const std::vector<StoreKind>& kinds, const ItemName& name, SecretBytes* secret,
+    OSStatus find(const std::vector<StoreKind>& kinds, const ItemKey& name, SecretBytes* secret,
                   StoreKind& where);
     // To the default store, unless any has it. `where` receives it.
-    OSStatus add(const ItemName& name, std::string_view secret, StoreKind& where);
-    OSStatus addTo(StoreKind kind, const ItemName& name, std::string_view secret);
-    OSStatus remove(StoreKind kind, const ItemName& name);
+    OSStatus add(const ItemKey& name, std::string_view secret, StoreKind& where);
+    OSStatus addTo(StoreKind kind, const ItemKey& name, std::string_view secret);
+    OSStatus remove(StoreKind kind, const ItemKey& name);
     OSStatus list(const std::vector<StoreKind>& kinds, std::vector<ItemName>& names);
     OSStatus examine(StoreKind kind, bool& isLocked);
     std::string path(StoreKind kind);
@@ -38,9 +38,9 @@ private:
     template <class Work>
     OSStatus with(StoreKind kind, Work work);
     OSStatus decide(const StoreChoice& choice, StoreKind& kind);
-    OSStatus findElsewhere(StoreKind kind, const ItemName& name);
+    OSStatus findElsewhere(StoreKind kind, const ItemKey& name);
     OSStatus remember(StoreKind kind, const StoreChoice& choice);
-    OSStatus addAndRemember(StoreKind kind, const ItemName& name, std::string_view secret);
+    OSStatus addAndRemember(StoreKind kind, const ItemKey& name, std::string_view secret);
     void tellOnce(StoreKind kind, const char* reason);
 
     ServiceStore _service;

@@ -4,6 +4,7 @@
 // Addresses of items rather than objects: an object asks the service for all its properties.
 #define SECRET_API_SUBJECT_TO_CHANGE
 #include <CoreServices/MacTypes.h>
+#include <atomic>
 #include <libsecret/secret.h>
 #include <memory>
 
@@ -11,6 +12,7 @@ namespace security {
 
 struct ReleaseGObject {
     void operator()(void* object) const { g_object_unref(object); }
+    void operator()(GMainContext* context) const { g_main_context_unref(context); }
     void operator()(GError* error) const { g_error_free(error); }
     void operator()(GHashTable* table) const { g_hash_table_unref(table); }
     void operator()(SecretValue* value) const { secret_value_unref(value); }
@@ -31,15 +33,21 @@ class SecretServiceConnection {
 public:
     // Borrowed until the next call. Fails: errSecNotAvailable.
     OSStatus connect(SecretService*& service);
-    // Gives up what no longer answers.
+    // Gives up what no longer answers: the service, and the bus if that has gone.
     void disconnect();
+    // Whether this process was forked from the one that has connected. Thread: any.
+    bool isOfParent() const;
 
 private:
     bool openBus();
+    void openService();
+    void giveUpClosedBus();
 
+    // Where what comes for the connection waits, rather than in the program's loop.
+    Owned<GMainContext> _context;
     Owned<GDBusConnection> _bus;
     Owned<SecretService> _service;
-    int _process = 0;
+    std::atomic<int> _process = 0;
 };
 
 }  // namespace security

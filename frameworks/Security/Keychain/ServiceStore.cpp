@@ -2,14 +2,19 @@
 #include "Security/Keychain/ServiceStore.h"
 
 #include "Security/Keychain/AttributeText.h"
+#include "Security/Keychain/ItemDigest.h"
+#include "Security/Keychain/PromptedCall.h"
 #include "Security/Keychain/ServiceStatus.h"
 #include "Security/SecBase.h"
 
-#include <cstring>
+#include <utility>
 
 namespace security {
 
 namespace {
+
+using Clock = std::chrono::steady_clock;
+constexpr std::chrono::milliseconds kFreshness(5);
 
 constexpr char kDefaultAlias[] = "default";
 constexpr char kDefaultCollection[] = "/org/freedesktop/secrets/aliases/default";
@@ -17,12 +22,14 @@ constexpr char kCollectionLabel[] = "org.freedesktop.Secret.Collection.Label";
 constexpr char kItemLabel[] = "org.freedesktop.Secret.Item.Label";
 constexpr char kItemAttributes[] = "org.freedesktop.Secret.Item.Attributes";
 constexpr char kSchemaAttribute[] = "xdg:schema";
+constexpr char kDigest[] = "item";
 constexpr char kService[] = "service";
 constexpr char kAccount[] = "account";
 
 const SecretSchema kSchema = {"ula.GenericPassword",
                               SECRET_SCHEMA_NONE,
-                              {{kService, SECRET_SCHEMA_ATTRIBUTE_STRING},
+                              {{kDigest, SECRET_SCHEMA_ATTRIBUTE_STRING},
+                               {kService, SECRET_SCHEMA_ATTRIBUTE_STRING},
                                {kAccount, SECRET_SCHEMA_ATTRIBUTE_STRING},
                                {nullptr, SECRET_SCHEMA_ATTRIBUTE_STRING}},
                               0,
@@ -49,19 +56,19 @@ private:
     GError* _error = nullptr;
 };
 
-Owned<GHashTable> attributesOf(const ItemName& name) {
+// What is looked for may have a secret for an account: it does not go over the bus.
+Owned<GHashTable> searchedAttributes(const ItemKey& name) {
     Owned<GHashTable> attributes(g_hash_table_new_full(g_str_hash, g_str_equal, nullptr, g_free));
-    g_hash_table_insert(attributes.get(), const_cast<char*>(kService),
-                        g_strdup(attributeText(name.service).c_str()));
-    g_hash_table_insert(attributes.get(), const_cast<char*>(kAccount),
-                        g_strdup(attributeText(name.account).c_str()));
+    g_hash_table_insert(attributes.get(), const_cast<char*>(kDigest),
+                        g_strdup(itemDigest(name).c_str()));
     return attributes;
 }
 
-GVariant* attributesVariant(const ItemName& name) {
+GVariant* storedAttributes(const ItemKey& name) {
     GVariantBuilder builder;
     g_variant_builder_init(&builder, G_VARIANT_TYPE("a{ss}"));
     g_variant_builder_add(&builder, "{ss}", kSchemaAttribute, kSchema.name);
+    g_variant_builder_add(&builder, "{ss}", kDigest, itemDigest(name).c_str());
     g_variant_builder_add(&builder, "{ss}", kService, attributeText(name.service).c_str());
     g_variant_builder_add(&builder, "{ss}", kAccount, attributeText(name.account).c_str());
     return g_variant_builder_end(&builder);
@@ -77,56 +84,75 @@ void setProperty(GHashTable* table, const char* key, GVariant* value) {
 }
 
 // What programs that manage passwords show.
-std::string labelOf(const ItemName& name) {
-    const std::string account = name.account.empty() ? "" : " (" + name.account + ")";
-    return attributeText(name.service + account);
+std::string labelOf(const ItemKey& name) {
+    std::string label(name.service);
+    if (!name.account.empty())
+        label.append(" (").append(name.account).append(")");
+    return attributeText(label);
+}
+
+// Of a call that asks the user and came back without what was wanted.
+OSStatus refusal(const PromptedCall& call, const Failure& failure) {
+    if (call.isAbandoned())
+        return errSecNotAvailable;
+    return failure.get() != nullptr ? failure.status() : errSecUserCanceled;
 }
 
 // Prompts. Fails: errSecUserCanceled when the user has dismissed it.
 OSStatus unlock(SecretService* service, const char* path) {
     Failure failure;
+    PromptedCall call(service);
     const gchar* paths[] = {path, nullptr};
+    secret_service_unlock_dbus_paths(service, paths, call.cancellable(), &PromptedCall::receive,
+                                     &call);
     const gint count =
-        secret_service_unlock_dbus_paths_sync(service, paths, nullptr, nullptr, failure.receive());
-    if (count > 0)
-        return errSecSuccess;
-    return failure.get() != nullptr ? failure.status() : errSecUserCanceled;
+        secret_service_unlock_dbus_paths_finish(service, call.wait(), nullptr, failure.receive());
+    return count > 0 ? OSStatus(errSecSuccess) : refusal(call, failure);
 }
 
 // Prompts for the password of the new collection.
 OSStatus makeDefaultCollection(SecretService* service) {
     Failure failure;
+    PromptedCall call(service);
     const Owned<GHashTable> properties = propertyTable();
     setProperty(properties.get(), kCollectionLabel, g_variant_new_string("Login"));
-    const Owned<gchar> path(secret_service_create_collection_dbus_path_sync(
-        service, properties.get(), kDefaultAlias, SECRET_COLLECTION_CREATE_NONE, nullptr,
-        failure.receive()));
-    if (path != nullptr)
-        return errSecSuccess;
-    return failure.get() != nullptr ? failure.status() : errSecUserCanceled;
+    secret_service_create_collection_dbus_path(service, properties.get(), kDefaultAlias,
+                                               SECRET_COLLECTION_CREATE_NONE, call.cancellable(),
+                                               &PromptedCall::receive, &call);
+    const Owned<gchar> path(
+        secret_service_create_collection_dbus_path_finish(service, call.wait(), failure.receive()));
+    // A dismissed prompt makes the root.
+    const bool isMade = path != nullptr && std::string_view(path.get()) != "/";
+    return isMade ? OSStatus(errSecSuccess) : refusal(call, failure);
 }
 
-OSStatus prepareDefaultCollection(SecretService* service) {
+// Prompts where the service wants to.
+OSStatus deleteItem(SecretService* service, const char* path) {
     Failure failure;
-    const Owned<gchar> path(secret_service_read_alias_dbus_path_sync(service, kDefaultAlias,
-                                                                     nullptr, failure.receive()));
-    if (failure.get() != nullptr)
-        return failure.status();
-    return path != nullptr ? unlock(service, path.get()) : makeDefaultCollection(service);
+    PromptedCall call(service);
+    secret_service_delete_item_dbus_path(service, path, call.cancellable(), &PromptedCall::receive,
+                                         &call);
+    const bool isDone = secret_service_delete_item_dbus_path_finish(service, call.wait(),
+                                                                    failure.receive()) != FALSE;
+    return isDone ? OSStatus(errSecSuccess) : refusal(call, failure);
 }
 
-bool isMissingOrLocked(const GError* error) {
-    return g_error_matches(error, SECRET_ERROR, SECRET_ERROR_IS_LOCKED) ||
-           g_error_matches(error, SECRET_ERROR, SECRET_ERROR_NO_SUCH_OBJECT) ||
+bool isLocked(const GError* error) {
+    return g_error_matches(error, SECRET_ERROR, SECRET_ERROR_IS_LOCKED) != FALSE;
+}
+
+// There may be a name for a collection that nobody has made.
+bool isMissing(const GError* error) {
+    return g_error_matches(error, SECRET_ERROR, SECRET_ERROR_NO_SUCH_OBJECT) ||
            g_error_matches(error, G_DBUS_ERROR, G_DBUS_ERROR_UNKNOWN_METHOD) ||
            g_error_matches(error, G_DBUS_ERROR, G_DBUS_ERROR_UNKNOWN_OBJECT);
 }
 
-void createItem(SecretService* service, const ItemName& name, std::string_view secret,
+void createItem(SecretService* service, const ItemKey& name, std::string_view secret,
                 Failure& failure) {
     const Owned<GHashTable> properties = propertyTable();
     setProperty(properties.get(), kItemLabel, g_variant_new_string(labelOf(name).c_str()));
-    setProperty(properties.get(), kItemAttributes, attributesVariant(name));
+    setProperty(properties.get(), kItemAttributes, storedAttributes(name));
     const Owned<SecretValue> value(secret_value_new(
         secret.data(), static_cast<gssize>(secret.size()), "application/octet-stream"));
     const Owned<gchar> path(secret_service_create_item_dbus_path_sync(
@@ -134,12 +160,13 @@ void createItem(SecretService* service, const ItemName& name, std::string_view s
         nullptr, failure.receive()));
 }
 
-OSStatus addItem(SecretService* service, const ItemName& name, std::string_view secret) {
+OSStatus addItem(SecretService* service, const ItemKey& name, std::string_view secret) {
     Failure failure;
     createItem(service, name, secret, failure);
-    if (!isMissingOrLocked(failure.get()))
+    if (!isLocked(failure.get()) && !isMissing(failure.get()))
         return failure.status();
-    const OSStatus status = prepareDefaultCollection(service);
+    const OSStatus status = isMissing(failure.get()) ? makeDefaultCollection(service)
+                                                     : unlock(service, kDefaultCollection);
     if (status != errSecSuccess)
         return status;
     createItem(service, name, secret, failure);
@@ -154,6 +181,9 @@ std::string valueOf(GHashTable* attributes, const char* key) {
 }  // namespace
 
 OSStatus ServiceStore::attempt(const std::function<OSStatus(SecretService*)>& work) {
+    // Before the lock, which a thread of the parent may have held.
+    if (_connection.isOfParent())
+        return errSecNotAvailable;
     const std::lock_guard lock(_mutex);
     SecretService* service = nullptr;
     OSStatus status = _connection.connect(service);
@@ -167,12 +197,12 @@ OSStatus ServiceStore::attempt(const std::function<OSStatus(SecretService*)>& wo
     return status == errSecSuccess ? work(service) : status;
 }
 
-OSStatus ServiceStore::search(SecretService* service, const ItemName& name, Found& found) {
+OSStatus ServiceStore::search(SecretService* service, const ItemKey& name, Found& found) {
     Failure failure;
     gchar** unlocked = nullptr;
     gchar** locked = nullptr;
-    secret_service_search_for_dbus_paths_sync(service, &kSchema, attributesOf(name).get(), nullptr,
-                                              &unlocked, &locked, failure.receive());
+    secret_service_search_for_dbus_paths_sync(service, &kSchema, searchedAttributes(name).get(),
+                                              nullptr, &unlocked, &locked, failure.receive());
     const Owned<gchar*> ownedUnlocked(unlocked);
     const Owned<gchar*> ownedLocked(locked);
     if (failure.get() != nullptr)
@@ -184,29 +214,35 @@ OSStatus ServiceStore::search(SecretService* service, const ItemName& name, Foun
     return errSecSuccess;
 }
 
-OSStatus ServiceStore::searchUnlocked(SecretService* service, const ItemName& name, Found& found) {
+OSStatus ServiceStore::searchUnlocked(SecretService* service, const ItemKey& name, Found& found) {
     const OSStatus status = search(service, name, found);
     if (status != errSecSuccess || !found.isLocked)
         return status;
     return unlock(service, found.path.c_str());
 }
 
-OSStatus ServiceStore::find(const ItemName& name) {
+OSStatus ServiceStore::find(const ItemKey& name) {
     return attempt([&](SecretService* service) {
         Found found;
-        return search(service, name, found);
+        const OSStatus status = search(service, name, found);
+        if (status == errSecSuccess && !found.isLocked)
+            _justFound = {itemDigest(name), found.path, std::this_thread::get_id(), Clock::now()};
+        return status;
     });
 }
 
-OSStatus ServiceStore::readFound(SecretService* service, const ItemName& name,
-                                 SecretBytes& secret) {
-    Found found;
-    const OSStatus status = searchUnlocked(service, name, found);
-    if (status != errSecSuccess)
-        return status;
+std::string ServiceStore::takeJustFound(const ItemKey& name) {
+    const JustFound found = std::exchange(_justFound, {});
+    const bool isFresh = found.thread == std::this_thread::get_id() &&
+                         Clock::now() - found.time < kFreshness && found.digest == itemDigest(name);
+    return isFresh ? found.path : "";
+}
+
+OSStatus ServiceStore::readAt(SecretService* service, const std::string& path,
+                              SecretBytes& secret) {
     Failure failure;
     const Owned<SecretValue> value(secret_service_get_secret_for_dbus_path_sync(
-        service, found.path.c_str(), nullptr, failure.receive()));
+        service, path.c_str(), nullptr, failure.receive()));
     if (value == nullptr)
         return failure.get() != nullptr ? failure.status() : errSecItemNotFound;
     gsize length = 0;
@@ -215,12 +251,22 @@ OSStatus ServiceStore::readFound(SecretService* service, const ItemName& name,
     return errSecSuccess;
 }
 
-OSStatus ServiceStore::read(const ItemName& name, SecretBytes& secret) {
+OSStatus ServiceStore::readFound(SecretService* service, const ItemKey& name, SecretBytes& secret) {
+    const std::string path = takeJustFound(name);
+    if (!path.empty() && readAt(service, path, secret) == errSecSuccess)
+        return errSecSuccess;
+    Found found;
+    const OSStatus status = searchUnlocked(service, name, found);
+    return status == errSecSuccess ? readAt(service, found.path, secret) : status;
+}
+
+OSStatus ServiceStore::read(const ItemKey& name, SecretBytes& secret) {
     return attempt([&](SecretService* service) { return readFound(service, name, secret); });
 }
 
-OSStatus ServiceStore::add(const ItemName& name, std::string_view secret) {
+OSStatus ServiceStore::add(const ItemKey& name, std::string_view secret) {
     return attempt([&](SecretService* service) {
+        _justFound = {};
         Found found;
         const OSStatus status = search(service, name, found);
         if (status != errSecItemNotFound)
@@ -229,16 +275,12 @@ OSStatus ServiceStore::add(const ItemName& name, std::string_view secret) {
     });
 }
 
-OSStatus ServiceStore::remove(const ItemName& name) {
+OSStatus ServiceStore::remove(const ItemKey& name) {
     return attempt([&](SecretService* service) {
+        _justFound = {};
         Found found;
         const OSStatus status = searchUnlocked(service, name, found);
-        if (status != errSecSuccess)
-            return status;
-        Failure failure;
-        const bool isDone = secret_service_delete_item_dbus_path_sync(service, found.path.c_str(),
-                                                                      nullptr, failure.receive());
-        return isDone || failure.get() != nullptr ? failure.status() : OSStatus(errSecUserCanceled);
+        return status == errSecSuccess ? deleteItem(service, found.path.c_str()) : status;
     });
 }
 

@@ -4,25 +4,28 @@
 #include "Security/Keychain/SecretServiceConnection.h"
 #include "Security/Keychain/Store.h"
 
+#include <chrono>
 #include <functional>
 #include <mutex>
-#include <optional>
+#include <string>
+#include <thread>
 
 namespace security {
 
 // The desktop's Secret Service: items of the schema "ula.GenericPassword" with the attributes
-// "service" and "account", added to the user's default collection. Reading, adding and removing
+// "service", "account" and "item", their digest, by which they are looked up; added to the user's
+// default collection. Reading, adding and removing
 // prompt the user where something is locked, and wait for the answer.
 //
 // Fails: errSecNotAvailable without a service, errSecUserCanceled for a prompt that was dismissed,
 // errSecInteractionNotAllowed for what stays locked.
 class ServiceStore : public Store {
 public:
-    OSStatus find(const ItemName& name) override;
-    OSStatus read(const ItemName& name, SecretBytes& secret) override;
+    OSStatus find(const ItemKey& name) override;
+    OSStatus read(const ItemKey& name, SecretBytes& secret) override;
     // The service itself refuses no duplicates: to be called under a lock that every adder holds.
-    OSStatus add(const ItemName& name, std::string_view secret) override;
-    OSStatus remove(const ItemName& name) override;
+    OSStatus add(const ItemKey& name, std::string_view secret) override;
+    OSStatus remove(const ItemKey& name) override;
     OSStatus list(std::vector<ItemName>& names) override;
     OSStatus examine(bool& isLocked) override;
     std::string path() const override;
@@ -35,11 +38,23 @@ private:
 
     // With the connection, and once more with a new one when the service has been restarted.
     OSStatus attempt(const std::function<OSStatus(SecretService*)>& work);
-    static OSStatus search(SecretService* service, const ItemName& name, Found& found);
-    static OSStatus searchUnlocked(SecretService* service, const ItemName& name, Found& found);
-    OSStatus readFound(SecretService* service, const ItemName& name, SecretBytes& secret);
+    static OSStatus search(SecretService* service, const ItemKey& name, Found& found);
+    static OSStatus searchUnlocked(SecretService* service, const ItemKey& name, Found& found);
+    static OSStatus readAt(SecretService* service, const std::string& path, SecretBytes& secret);
+    OSStatus readFound(SecretService* service, const ItemKey& name, SecretBytes& secret);
+    // Whoever looks for an item reads it next: the path that this thread has just found, once.
+    std::string takeJustFound(const ItemKey& name);
+
+    // As good as the one that each read looks for shortly before, and no longer.
+    struct JustFound {
+        std::string digest;
+        std::string path;
+        std::thread::id thread;
+        std::chrono::steady_clock::time_point time;
+    };
 
     std::mutex _mutex;
+    JustFound _justFound;
     SecretServiceConnection _connection;
 };
 

@@ -5,6 +5,7 @@
 
 #include <CoreServices/MacTypes.h>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace security {
@@ -17,6 +18,17 @@ struct ItemName {
     bool operator==(const ItemName&) const = default;
 };
 
+// The same for looking an item up, borrowed. It is not copied anywhere: an account may be a secret
+// that someone takes for one.
+struct ItemKey {
+    ItemKey(std::string_view itemService, std::string_view itemAccount)
+        : service(itemService), account(itemAccount) {}
+    ItemKey(const ItemName& name) : service(name.service), account(name.account) {}
+
+    std::string_view service;
+    std::string_view account;
+};
+
 // A place that keeps secrets. All results are statuses of SecBase.h.
 // Thread: any.
 class Store {
@@ -24,10 +36,10 @@ public:
     virtual ~Store() = default;
 
     // Whether there is such an item; asks nobody to unlock anything.
-    virtual OSStatus find(const ItemName& name) = 0;
-    virtual OSStatus read(const ItemName& name, SecretBytes& secret) = 0;
-    virtual OSStatus add(const ItemName& name, std::string_view secret) = 0;
-    virtual OSStatus remove(const ItemName& name) = 0;
+    virtual OSStatus find(const ItemKey& name) = 0;
+    virtual OSStatus read(const ItemKey& name, SecretBytes& secret) = 0;
+    virtual OSStatus add(const ItemKey& name, std::string_view secret) = 0;
+    virtual OSStatus remove(const ItemKey& name) = 0;
     // Appends.
     virtual OSStatus list(std::vector<ItemName>& names) = 0;
     // Whether it can be used at all, and whether it is locked.

@@ -15,16 +15,17 @@ constexpr const char* kUsed = "secret service has items\n";
 
 }  // namespace
 
-StoreChoice readChoice(const std::string& folder) {
+OSStatus readChoice(const std::string& folder, StoreChoice& choice) {
     std::string text;
-    StoreChoice choice;
-    if (readFile(folder + kName, text) != errSecSuccess)
-        return choice;
+    choice = {};
+    const OSStatus status = readFile(folder + kName, text);
+    if (status != errSecSuccess)
+        return status == errSecItemNotFound ? OSStatus(errSecSuccess) : status;
     const bool isFile = text.find(kFile) != std::string::npos;
     choice.isDecided = isFile || text.find(kService) != std::string::npos;
     choice.newItems = isFile ? StoreKind::EncryptedFile : StoreKind::SecretService;
-    choice.isServiceUsed = text.find(kUsed) != std::string::npos;
-    return choice;
+    choice.isServiceUsed = !choice.isDecided || text.find(kUsed) != std::string::npos;
+    return errSecSuccess;
 }
 
 OSStatus writeChoice(const std::string& folder, const StoreChoice& choice) {

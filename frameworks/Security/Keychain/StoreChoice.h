@@ -19,8 +19,9 @@ struct StoreChoice {
     bool operator==(const StoreChoice&) const = default;
 };
 
-// Without a file, or with one that says nothing: undecided.
-StoreChoice readChoice(const std::string& folder);
+// Without a file: undecided. With one that says nothing: undecided, and the Secret Service may have
+// items. Fails: when there is one and it cannot be read.
+OSStatus readChoice(const std::string& folder, StoreChoice& choice);
 // Under the lock of adding.
 OSStatus writeChoice(const std::string& folder, const StoreChoice& choice);
 

@@ -2,6 +2,7 @@
 #include "tests/frameworks/Security/CoreMemory.h"
 
 #include <algorithm>
+#include <cstring>
 #include <fcntl.h>
 #include <fstream>
 #include <sstream>
@@ -84,6 +85,21 @@ bool HiddenText::isAt(const char* bytes) const {
                       [](char masked, char plain) { return masked == (plain ^ kMask); });
 }
 
+bool HiddenText::isIn(const char* bytes, std::size_t count) const {
+    const char* const end = bytes + count;
+    while (count >= size()) {
+        const auto* const begin =
+            static_cast<const char*>(std::memchr(bytes, _masked[0] ^ kMask, count - size() + 1));
+        if (begin == nullptr)
+            return false;
+        if (isAt(begin))
+            return true;
+        bytes = begin + 1;
+        count = static_cast<std::size_t>(end - bytes);
+    }
+    return false;
+}
+
 bool isInCoreMemory(const HiddenText& text) {
     const std::vector<Range> ranges = dumpedRanges();
     const int memory = open("/proc/self/mem", O_RDONLY | O_CLOEXEC);
@@ -93,8 +109,7 @@ bool isInCoreMemory(const HiddenText& text) {
         for (unsigned long at = range.begin; at < range.end && !isFound; at += kPiece) {
             const std::size_t wanted = std::min<std::size_t>(kPiece + text.size(), range.end - at);
             const ssize_t count = pread(memory, window.bytes(), wanted, static_cast<off_t>(at));
-            for (ssize_t i = 0; i + static_cast<ssize_t>(text.size()) <= count; ++i)
-                isFound = isFound || text.isAt(window.bytes() + i);
+            isFound = count > 0 && text.isIn(window.bytes(), static_cast<std::size_t>(count));
         }
     }
     close(memory);

@@ -12,6 +12,7 @@ public:
     /// Owner: the caller, who wipes it.
     std::string reveal() const;
     bool isAt(const char* bytes) const;
+    bool isIn(const char* bytes, std::size_t count) const;
     std::size_t size() const { return _masked.size(); }
 
 private:

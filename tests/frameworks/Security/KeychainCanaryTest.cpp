@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
 // A secret that would be recognised is nowhere: not in memory that a core file has, in no file, in
 // no log.
-#include "tests/frameworks/Security/CoreMemory.h"
-#include "tests/frameworks/Security/KeychainFixture.h"
+#include "tests/frameworks/Security/CanaryFixture.h"
 
 #include <gmock/gmock.h>
 
@@ -11,56 +10,7 @@ namespace {
 
 using testing::HasSubstr;
 
-class KeychainCanaryTest : public KeychainFixture {
-protected:
-    // Longer than any buffer on a stack that the names would overwrite.
-    KeychainCanaryTest() : canary(masked()) {}
-
-    static HiddenText masked() {
-        std::string text;
-        for (int i = 0; i < 64; ++i)
-            text += static_cast<char>('a' + (i * 7 + 3) % 26);
-        HiddenText hidden(text);
-        wipe(text);
-        return hidden;
-    }
-
-    OSStatus add(const std::string& account) const {
-        std::string secret = canary.reveal();
-        const OSStatus status = addPassword(account, secret);
-        wipe(secret);
-        return status;
-    }
-
-    void readAndForget(const std::string& account) const {
-        UInt32 length = 0;
-        void* data = nullptr;
-        ASSERT_EQ(SecKeychainFindGenericPassword(nullptr, lengthOf(kService), kService,
-                                                 lengthOf(account), account.data(), &length, &data,
-                                                 nullptr),
-                  errSecSuccess);
-        EXPECT_TRUE(canary.isAt(static_cast<const char*>(data)));
-        EXPECT_FALSE(isInCoreMemory(canary)) << "while it is held";
-        SecKeychainItemFreeContent(nullptr, data);
-    }
-
-    bool isIn(const std::string& bytes) const {
-        for (std::size_t at = 0; at + canary.size() <= bytes.size(); ++at) {
-            if (canary.isAt(bytes.data() + at))
-                return true;
-        }
-        return false;
-    }
-
-    void expectNoTraceOnDisk() const {
-        for (const auto& entry : std::filesystem::recursive_directory_iterator(home.path())) {
-            if (entry.is_regular_file())
-                EXPECT_FALSE(isIn(readFile(entry.path()))) << entry.path();
-        }
-    }
-
-    const HiddenText canary;
-};
+using KeychainCanaryTest = CanaryFixture;
 
 TEST_F(KeychainCanaryTest, IsFoundWhereItIs) {
     EXPECT_FALSE(isInCoreMemory(canary));
@@ -78,6 +28,15 @@ TEST_F(KeychainCanaryTest, LeavesNoTraceInMemory) {
     EXPECT_EQ(addPassword("bob", "other"), errSecSuccess);
     EXPECT_EQ(removePassword("ann"), errSecSuccess);
     EXPECT_FALSE(isInCoreMemory(canary)) << "at the end";
+}
+
+// Of a note that is added the existence is asked for with itself as the account.
+TEST_F(KeychainCanaryTest, LeavesNoTraceOfAnAccountThatIsLookedFor) {
+    ASSERT_EQ(addPassword("ann", "secret"), errSecSuccess);
+    std::string account = canary.reveal();
+    EXPECT_EQ(findPassword(account), errSecItemNotFound);
+    wipe(account);
+    EXPECT_FALSE(isInCoreMemory(canary));
 }
 
 TEST_F(KeychainCanaryTest, LeavesNoTraceOnDiskOrInTheLog) {

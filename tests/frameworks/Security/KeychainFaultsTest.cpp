@@ -108,6 +108,8 @@ TEST_F(KeychainFaultsTest, AKilledProcessLeavesTheOldOrTheNew) {
         }
     }
     EXPECT_EQ(progress->failed.load(), 0);
+    for (const std::string& name : names())
+        EXPECT_EQ(readFile(file(name)).find("secret"), std::string::npos) << name;
 }
 
 /// A small disk in memory for the keychain's folder.

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 // The encrypted file: what it keeps, and what becomes of one that is not as it was written.
 #include "tests/frameworks/Security/KeychainFixture.h"
+#include "tests/support/ChildProcess.h"
 
+#include <functional>
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -27,6 +29,18 @@ protected:
         return status;
     }
 };
+
+constexpr uid_t kNobody = 65534;
+
+/// In a process of a user who is not root.
+std::string asNobody(const std::function<std::string()>& work) {
+    return runInChild([&] {
+        return setresgid(kNobody, kNobody, kNobody) == 0 &&
+                       setresuid(kNobody, kNobody, kNobody) == 0
+                   ? work()
+                   : "not another user";
+    });
+}
 
 const std::string kInvalid = "status " + std::to_string(errSecInvalidKeychain);
 const std::string kRefused = "status " + std::to_string(errSecAuthFailed);
@@ -155,6 +169,57 @@ TEST_F(KeychainFileTest, IsRefusedWhenOthersMayWriteInItsFolder) {
     makeItems();
     std::filesystem::permissions(file(""), std::filesystem::perms(0720));
     EXPECT_EQ(addPassword("bob", "new"), errSecAuthFailed);
+}
+
+TEST_F(KeychainFileTest, IsRefusedWhenItsUserMayNotReadIt) {
+    makeItems();
+    std::filesystem::permissions(home.path(), std::filesystem::perms(0711));
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(home.path()))
+        ASSERT_EQ(chown(entry.path().c_str(), kNobody, kNobody), 0);
+    EXPECT_EQ(asNobody([] { return readPassword("ann"); }), "secret");
+    for (const char* name : {"items", "key"}) {
+        ASSERT_EQ(chown(file(name).c_str(), 0, 0), 0);
+        EXPECT_EQ(asNobody([] { return readPassword("ann"); }), kRefused) << name;
+        ASSERT_EQ(chown(file(name).c_str(), kNobody, kNobody), 0);
+    }
+    // Where new items go is not decided anew then.
+    ASSERT_EQ(chown(file("store").c_str(), 0, 0), 0);
+    EXPECT_EQ(asNobody([] { return "status " + std::to_string(addPassword("bob", "new")); }),
+              kRefused);
+    EXPECT_EQ(asNobody([] { return readPassword("ann"); }), "secret");
+}
+
+TEST_F(KeychainFileTest, IsRefusedWhenItIsNoFile) {
+    makeItems();
+    for (const char* name : {"items", "key"}) {
+        std::filesystem::rename(file(name), file("elsewhere"));
+        ASSERT_EQ(mkfifo(file(name).c_str(), 0600), 0);
+        EXPECT_EQ(readPassword("ann"), kRefused) << name;
+        std::filesystem::rename(file("elsewhere"), file(name));
+    }
+    EXPECT_EQ(readPassword("ann"), "secret");
+}
+
+TEST_F(KeychainFileTest, TheServiceIsMissedWhenTheChoiceIsUnreadable) {
+    makeItems();
+    EXPECT_EQ(findPassword("bob"), errSecItemNotFound);
+    writeFile(file("store"), "x");
+    EXPECT_EQ(findPassword("bob"), errSecNotAvailable);
+    EXPECT_EQ(readPassword("ann"), "secret");
+}
+
+// GLib would start a bus where there is a display, or the address says so.
+TEST_F(KeychainFileTest, NoBusIsStarted) {
+    std::filesystem::create_directory(home / "bin");
+    writeFile(home / "bin/dbus-launch", "#!/bin/sh\ntouch " + (home / "started") + "\n");
+    std::filesystem::permissions(home / "bin/dbus-launch", std::filesystem::perms(0755));
+    setenv("PATH", ((home / "bin") + ":" + std::getenv("PATH")).c_str(), 1);
+    setenv("DISPLAY", ":987", 1);
+    EXPECT_EQ(findPassword("ann"), errSecItemNotFound);
+    setenv("DBUS_SESSION_BUS_ADDRESS", "autolaunch:", 1);
+    EXPECT_EQ(addPassword("ann", "secret"), errSecSuccess);
+    EXPECT_FALSE(std::filesystem::exists(home / "started"));
+    EXPECT_TRUE(std::filesystem::exists(file("items")));
 }
 
 TEST_F(KeychainFileTest, FollowsNoLinkToItsKey) {

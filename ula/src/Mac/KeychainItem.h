@@ -32,7 +32,7 @@ public:
 
     OSStatus find(CFTypeRef keychain, SecKeychainItemRef* item) const;
     OSStatus add(SecKeychainRef keychain, const FastString& secret) const;
-    /// `take` gets the bytes, which are wiped thereafter.
+    /// `take` gets the bytes, which are wiped thereafter; it is not called for none.
     OSStatus readFrom(CFTypeRef keychain,
                       const std::function<void(const char*, UInt32)>& take) const;
     OSStatus removeFrom(CFTypeRef keychain) const;

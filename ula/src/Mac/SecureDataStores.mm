@@ -97,7 +97,7 @@ OSStatus addWhereMissing(const KeychainItem& item, const FastString& secret,
     const OSStatus status = item.add(keychain, secret);
     if (status != errSecDuplicateItem)
         return status;
-    bool isSame = false;
+    bool isSame = secret.empty();
     const OSStatus read = item.readFrom(keychain, [&](const char* bytes, UInt32 length) {
         isSame = secret.view() == std::string_view(bytes, length);
     });
@@ -106,12 +106,21 @@ OSStatus addWhereMissing(const KeychainItem& item, const FastString& secret,
     return isSame ? errSecSuccess : errSecDuplicateItem;
 }
 
+/// The secret is not copied: copies would not be wiped.
+OSStatus copyItem(const KeychainItem& item, SecKeychainRef from, SecKeychainRef to) {
+    bool isEmpty = true;
+    OSStatus added = errSecSuccess;
+    const OSStatus read = item.readFrom(from, [&](const char* bytes, UInt32 length) {
+        isEmpty = false;
+        added = addWhereMissing(item, FastString::borrow(bytes, length), to);
+    });
+    if (read != errSecSuccess)
+        return read;
+    return isEmpty ? addWhereMissing(item, FastString(), to) : added;
+}
+
 OSStatus moveItem(const KeychainItem& item, SecKeychainRef from, SecKeychainRef to) {
-    FastString secret;
-    OSStatus status = item.readFrom(
-        from, [&](const char* bytes, UInt32 length) { secret = FastString(bytes, length); });
-    if (status == errSecSuccess)
-        status = addWhereMissing(item, secret, to);
+    const OSStatus status = copyItem(item, from, to);
     return status == errSecSuccess ? item.removeFrom(from) : status;
 }
 
