@@ -12,8 +12,8 @@ class Server {
 public:
     enum class News {
         None,
-        Desktop,  // what is usable of the displays, or the scale, may have changed
-        Displays,
+        UsableAreas,  // those of the displays, or the scale, may have changed
+        Arrangement,
         Lost,  // it has gone, and answers nothing from now on
     };
 

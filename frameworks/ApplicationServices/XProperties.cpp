@@ -24,7 +24,7 @@ xcb_atom_t XProperties::atom(const std::string& name) const {
     const auto cookie =
         xcb_intern_atom(_connection, false, static_cast<std::uint16_t>(name.size()), name.c_str());
     const auto reply = adopt(xcb_intern_atom_reply(_connection, cookie, nullptr));
-    return reply ? reply->atom : XCB_ATOM_NONE;
+    return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
 }
 
 std::string XProperties::atomName(xcb_atom_t atom) const {

@@ -98,12 +98,12 @@ Server::News XServer::newsOf(const xcb_generic_event_t& event) const {
     const auto type = static_cast<std::uint8_t>(event.response_type & ~0x80);
     if (type == XCB_PROPERTY_NOTIFY) {
         const auto& notice = reinterpret_cast<const xcb_property_notify_event_t&>(event);
-        return isOfDesktop(notice.atom) ? News::Desktop : News::None;
+        return isOfDesktop(notice.atom) ? News::UsableAreas : News::None;
     }
     const bool isRandR =
         _firstEvent != 0 && (type == _firstEvent + XCB_RANDR_SCREEN_CHANGE_NOTIFY ||
                              type == _firstEvent + XCB_RANDR_NOTIFY);
-    return isRandR || type == XCB_CONFIGURE_NOTIFY ? News::Displays : News::None;
+    return isRandR || type == XCB_CONFIGURE_NOTIFY ? News::Arrangement : News::None;
 }
 
 Server::News XServer::takeNews() {

@@ -7,6 +7,8 @@
 #ifdef __OBJC__
 #import "Foundation/HomeDirectory.h"
 #import "Foundation/NSFileManager+Folders.h"
+#import "Foundation/NSFileManager+Links.h"
+#import "Foundation/SearchPaths.h"
 #import "Foundation/TemporaryDirectory.h"
 #import "Foundation/UserName.h"
 #endif

@@ -3,6 +3,7 @@
 // bundle for one with the path FOLDER/Resources/PROGRAM.
 #import <Foundation/Foundation.h>
 
+#include "CoreServices/VolumeLinks.h"
 #include "Foundation/BundleLayout.h"
 #include "Foundation/ReplaceMethod.h"
 
@@ -26,10 +27,20 @@ NSString* text(const std::string& path) {
     return path.empty() ? nil : [NSString stringWithUTF8String:path.c_str()];
 }
 
+/// This process's program, on a volume named by that, as GNUstep names it.
+const std::string& namedProgram() {
+    static const auto* const path = [] {
+        const std::string& program = foundation::runningProgram();
+        const std::string named = coreservices::resolvedPath(program);
+        return new std::string(named.empty() ? program : named);
+    }();
+    return *path;
+}
+
 /// What GNUstep takes for the path of a program that lies in no bundle it knows.
 const std::string& pathOfPlainProgram() {
     static const auto* const path = [] {
-        const std::string& program = foundation::runningProgram();
+        const std::string& program = namedProgram();
         const size_t name = program.rfind('/') + 1;
         return new std::string(program.substr(0, name) + "Resources/" + program.substr(name));
     }();
@@ -43,7 +54,7 @@ std::optional<BundleLayout> layoutOf(NSBundle* bundle) {
     if (path == nullptr)
         return std::nullopt;
     if (path == pathOfPlainProgram())
-        return foundation::programLayout(foundation::runningProgram());
+        return foundation::programLayout(namedProgram());
     return foundation::contentsLayout(path);
 }
 

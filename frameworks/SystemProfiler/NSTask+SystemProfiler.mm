@@ -12,7 +12,7 @@
 
 namespace {
 
-using Launch = void (*)(NSTask*, SEL);
+using Launch = void (*)(id, SEL);
 
 NSString* const kReportProgram = @"/usr/sbin/system_profiler";
 Launch launchOfGNUstep = nullptr;
@@ -76,7 +76,7 @@ void writeAll(int descriptor, std::string_view text) {
 
 namespace {
 
-void launch(NSTask* task, SEL selector) {
+void launch(id task, SEL selector) {
     if (isReport(task))
         [task ula_writeReport];
     else

@@ -47,7 +47,7 @@ bool writeAll(int file, std::string_view text) {
 /// so slow that writing takes as long as building the text. Thus many kills fall into the writing.
 bool saveInPlace(SettingsXML&, const std::string& path, int mark) {
     const auto begin = std::chrono::steady_clock::now();
-    const std::string text = textWithMark(mark);
+    const std::string text = textWithMark(mark, path + ".text");
     const auto buildTime = std::chrono::steady_clock::now() - begin;
 
     const std::string_view half = std::string_view(text).substr(0, text.size() / 2);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <csignal>
 #include <functional>
 #include <new>
 #include <string>
@@ -19,6 +20,8 @@ public:
 
     /// SIGKILL, and waits until the process is gone.
     void kill();
+    pid_t id() const { return _id; }
+    void signal(int number) const { ::kill(_id, number); }
     /// Waits for the end. The exit code, or minus the number of the signal.
     int wait();
 

@@ -26,6 +26,8 @@ public:
     const std::string& point() const { return _point; }
     /// Before the end of the object.
     void unmount();
+    /// Another program has unmounted it.
+    void forget() { _isMounted = false; }
 
 protected:
     explicit Mounted(const std::string& point);

@@ -4,7 +4,9 @@
 #include "tools/ula/DisplayText.h"
 #include "tools/ula/DrivesCommand.h"
 #include "tools/ula/FoldersCommand.h"
+#include "tools/ula/RunningCommand.h"
 #include "tools/ula/ScreensCommand.h"
+#include "tools/ula/SecretCommand.h"
 #include "tools/ula/SettingsCommand.h"
 #include "tools/ula/StandardOutput.h"
 #include "tools/ula/SystemCommand.h"
@@ -29,9 +31,11 @@ constexpr const char* kHelp = R"(Examples:
   ula dir --sort Pictures  a folder as a folder browser sees it
   ula drives               mounted volumes: their kinds, how large and how full
   ula folders              where documents, pictures and the rest lie
+  ula running              which applications run, their names and identifiers
   ula screens --draw d.png a picture of how the displays stand to each other
-  ula volumes              the start-up disk and mounted volumes by their names
+  ula secret list          passwords and notes in the keychain, by their names
   ula system               language, release, processors, graphics and memory
+  ula volumes              the start-up disk and mounted volumes by their names
   ula time *.jpg           when pictures were taken, and their files made and changed
   ula trash old.jpg        moves a file to the trash, and says where it is now
   ula watch -r Pictures    what changes in a tree, live
@@ -80,7 +84,9 @@ int main(int argc, char** argv) {
     addDirCommand(program, result);
     addDrivesCommand(program, result);
     addFoldersCommand(program, result);
+    addRunningCommand(program, result);
     addScreensCommand(program, result);
+    addSecretCommand(program, result);
     addSettingsCommand(program, result);
     addSystemCommand(program, result);
     addTimeCommand(program, result);

@@ -83,7 +83,7 @@ protected:
 
     void plugIn(std::uint32_t id) {
         machine.displays.push_back(display(id, static_cast<int>(id) * 100));
-        machine.tell(Server::News::Displays);
+        machine.tell(Server::News::Arrangement);
     }
     /// Serves what is ready now.
     void runOnce() { CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0, false); }
@@ -110,7 +110,7 @@ TEST_F(DisplayListTest, ServerIsAskedOnceUntilItHasNews) {
 
 TEST_F(DisplayListTest, NewsThatChangesNothingKeepsTheSnapshot) {
     const DisplayList::Snapshot first = list.current();
-    machine.tell(Server::News::Desktop);
+    machine.tell(Server::News::UsableAreas);
     EXPECT_EQ(list.current(), first);
     EXPECT_EQ(machine.reads, 2);
 }
@@ -205,7 +205,7 @@ TEST_F(DisplayListTest, ChangeIsToldAlsoAfterOneWhoseListenerThrew) {
         throw std::runtime_error("no");
     };
     machine.displays = {display(1, 0), display(2, 100), display(3, 200)};
-    machine.tell(Server::News::Displays);
+    machine.tell(Server::News::Arrangement);
     list.current();
     EXPECT_THROW(runOnce(), std::runtime_error);
     runOnce();

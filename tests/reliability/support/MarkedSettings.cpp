@@ -83,10 +83,14 @@ std::optional<int> markOfFile(const std::string& path) {
 
 std::string textWithMark(int mark) {
     const TemporaryFolder folder("/dev/shm");
-    ula::SettingsXML settings("Reliability", "Tests", FastString(folder / "text.xml"), false);
+    return textWithMark(mark, folder / "text.xml");
+}
+
+std::string textWithMark(int mark, const std::string& path) {
+    ula::SettingsXML settings("Reliability", "Tests", FastString(path), false);
     fillWithMark(settings, mark);
     settings.write();
-    return readFile(folder / "text.xml");
+    return readFile(path);
 }
 
 }  // namespace tav::test

@@ -19,5 +19,7 @@ std::optional<int> markOfFile(const std::string& path);
 
 /// The bytes of the file of a store that is filled with a mark.
 std::string textWithMark(int mark);
+/// By way of a file, for processes that are killed and clear nothing away.
+std::string textWithMark(int mark, const std::string& path);
 
 }  // namespace tav::test

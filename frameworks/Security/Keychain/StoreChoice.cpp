@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: MIT
+#include "Security/Keychain/StoreChoice.h"
+
+#include "Security/Keychain/Files.h"
+#include "Security/SecBase.h"
+
+namespace security {
+
+namespace {
+
+constexpr const char* kName = "/store";
+constexpr const char* kService = "new items: secret service\n";
+constexpr const char* kFile = "new items: encrypted file\n";
+constexpr const char* kUsed = "secret service has items\n";
+
+}  // namespace
+
+OSStatus readChoice(const std::string& folder, StoreChoice& choice) {
+    std::string text;
+    choice = {};
+    const OSStatus status = readFile(folder + kName, text);
+    if (status != errSecSuccess)
+        return status == errSecItemNotFound ? OSStatus(errSecSuccess) : status;
+    const bool isFile = text.find(kFile) != std::string::npos;
+    choice.isDecided = isFile || text.find(kService) != std::string::npos;
+    choice.newItems = isFile ? StoreKind::EncryptedFile : StoreKind::SecretService;
+    choice.isServiceUsed = !choice.isDecided || text.find(kUsed) != std::string::npos;
+    return errSecSuccess;
+}
+
+OSStatus writeChoice(const std::string& folder, const StoreChoice& choice) {
+    std::string text;
+    if (choice.isDecided)
+        text += choice.newItems == StoreKind::EncryptedFile ? kFile : kService;
+    if (choice.isServiceUsed)
+        text += kUsed;
+    return replaceFile(folder + kName, text);
+}
+
+}  // namespace security

@@ -1,0 +1,283 @@
+// SPDX-License-Identifier: MIT
+#include "tools/ula/SecretCommand.h"
+
+#include "tools/ula/DisplayText.h"
+#include "tools/ula/SecretInput.h"
+#include "tools/ula/SettingsCommand.h"
+#include "tools/ula/StandardOutput.h"
+#include "tools/ula/Warnings.h"
+#include "ula/SecureData.h"
+#include "ula/foundation/debug/Log.h"
+
+#include <CLI/CLI.hpp>
+#include <memory>
+#include <nlohmann/json.hpp>
+
+namespace tav::tool {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+using ula::FastString;
+using ula::KeychainItemKind;
+using ula::KeychainItemName;
+using ula::KeychainStore;
+
+constexpr const char* kHelp = R"(Examples:
+  ula secret add Mail --account ann     asks for the password, or reads standard input
+  ula secret get Mail --account ann     prints it
+  ula secret add "Safe code"            without an account: a note
+  ula secret edit "Safe code"           replaces a note, which add does not
+  ula secret list                       names, never secrets
+  ula secret where                      which keychain has them
+  ula secret move file                  moves all to the encrypted file; service: back
+
+A secret is never an argument. Names belong to a qualifier (--qualifier), which applications use to
+keep theirs apart.
+Exit codes: 0 done; 1 there is no such item; 2 wrong usage; 3 the keychain cannot be read;
+4 nothing was stored.)";
+
+struct Options {
+    std::string name;
+    std::string account;
+    std::string qualifier;
+    std::string place;
+    bool hasQualifier = false;
+    bool asJson = false;
+
+    bool isNote() const { return account.empty(); }
+    std::string shown() const {
+        return displayText(name) + (isNote() ? "" : " (" + displayText(account) + ")");
+    }
+};
+
+/// What the keychain says of calls that fail, while it lives.
+class KeychainLog {
+public:
+    KeychainLog() {
+        debug::setLogSink([this](const debug::LogRecord& record) {
+            constexpr std::string_view kMessage = "Error message: ";
+            if (std::string_view(record.text).starts_with(kMessage))
+                _message = record.text.substr(kMessage.size());
+        });
+    }
+    ~KeychainLog() { silenceLog(); }
+    KeychainLog(const KeychainLog&) = delete;
+    KeychainLog& operator=(const KeychainLog&) = delete;
+
+    /// For a call that has failed: without a reason there was no such item.
+    [[noreturn]] void fail(const Options& options, ExitCode code) const {
+        if (_message.empty())
+            throw CommandError{ExitDiffers, options.shown() + ": there is no such item",
+                               "'ula secret list' shows those there are"};
+        throw CommandError{code, options.shown() + ": " + _message};
+    }
+    const std::string& message() const { return _message; }
+
+private:
+    std::string _message;
+};
+
+ExitCode add(const Options& options) {
+    const Secret secret(readSecret());
+    const FastString text = FastString::borrow(secret.text());
+    const KeychainLog log;
+    const bool isDone =
+        options.isNote()
+            ? ula::addToKeychain(FastString(options.name), text, FastString(options.qualifier))
+            : ula::addToKeychain(FastString(options.name), FastString(options.account), text,
+                                 FastString(options.qualifier));
+    if (!isDone)
+        log.fail(options, ExitCannotWrite);
+    return ExitOk;
+}
+
+ExitCode edit(const Options& options) {
+    const Secret secret(readSecret());
+    const FastString text = FastString::borrow(secret.text());
+    const KeychainLog log;
+    const bool isDone =
+        options.isNote()
+            ? ula::editKeychain(FastString(options.name), text, FastString(options.qualifier))
+            : ula::editKeychain(FastString(options.name), FastString(options.account), text,
+                                FastString(options.qualifier));
+    if (!isDone)
+        log.fail(options, ExitCannotWrite);
+    return ExitOk;
+}
+
+ExitCode get(const Options& options) {
+    FastString secret;
+    const KeychainLog log;
+    const FastString name(options.name);
+    const FastString qualifier(options.qualifier);
+    const bool isDone =
+        options.isNote()
+            ? ula::getWholeFromKeychain(name, secret, qualifier)
+            : ula::getWholeFromKeychain(name, FastString(options.account), secret, qualifier);
+    if (!isDone)
+        log.fail(options, ExitCannotRead);
+    if (!options.asJson) {
+        print(secret.toStdString() + "\n");
+        return ExitOk;
+    }
+    const Json json{
+        {"name", options.name}, {"account", options.account}, {"secret", secret.toStdString()}};
+    print(json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n");
+    return ExitOk;
+}
+
+ExitCode remove(const Options& options) {
+    const KeychainLog log;
+    const FastString name(options.name);
+    const FastString qualifier(options.qualifier);
+    const bool isDone = options.isNote()
+                            ? ula::deleteKeychain(name, qualifier)
+                            : ula::deleteKeychain(name, FastString(options.account), qualifier);
+    if (!isDone)
+        log.fail(options, ExitCannotWrite);
+    return ExitOk;
+}
+
+void printNames(const std::vector<KeychainItemName>& names) {
+    for (const KeychainItemName& name : names) {
+        const bool isNote = name.kind == KeychainItemKind::Note;
+        print(padded(isNote ? "note" : "password", 10) + displayText(name.name.view()) +
+              (isNote ? "" : " (" + displayText(name.account.view()) + ")") + "\n");
+    }
+}
+
+void printNamesAsJson(const std::vector<KeychainItemName>& names) {
+    Json list = Json::array();
+    for (const KeychainItemName& name : names)
+        list.push_back({{"kind", name.kind == KeychainItemKind::Note ? "note" : "password"},
+                        {"name", name.name.toStdString()},
+                        {"account", name.account.toStdString()}});
+    print(list.dump(2, ' ', false, Json::error_handler_t::replace) + "\n");
+}
+
+ExitCode list(const Options& options) {
+    std::vector<KeychainItemName> names;
+    const KeychainLog log;
+    const bool isDone = options.hasQualifier
+                            ? ula::listKeychain(FastString(options.qualifier), names)
+                            : ula::listKeychain(names);
+    if (!isDone)
+        throw CommandError{ExitCannotRead, "the keychain cannot be read: " + log.message()};
+    if (options.asJson)
+        printNamesAsJson(names);
+    else
+        printNames(names);
+    return ExitOk;
+}
+
+bool isService(const KeychainStore& store) {
+    return store.path.view().starts_with("/org/");
+}
+
+std::string stateOf(const KeychainStore& store) {
+    if (!store.isAvailable)
+        return "not available: " + store.error.toStdString();
+    return store.isLocked ? "locked" : "available";
+}
+
+ExitCode where(const Options& options) {
+    Json list = Json::array();
+    for (const KeychainStore& store : ula::keychainStores()) {
+        const char* const kind = isService(store) ? "secret service" : "encrypted file";
+        list.push_back({{"kind", kind},
+                        {"path", displayText(store.path.view())},
+                        {"newItems", store.isDefault},
+                        {"state", stateOf(store)}});
+        if (!options.asJson)
+            print(padded(kind, 16) + displayText(store.path.view()) + "\n" + padded("", 16) +
+                  stateOf(store) + (store.isDefault ? "; new items go here" : "") + "\n");
+    }
+    if (options.asJson)
+        print(list.dump(2) + "\n");
+    return ExitOk;
+}
+
+FastString pathOfPlace(const std::string& place) {
+    for (const KeychainStore& store : ula::keychainStores()) {
+        if ((place == "service") == isService(store))
+            return store.path;
+    }
+    return {};
+}
+
+ExitCode move(const Options& options) {
+    const ula::KeychainMove move = ula::moveKeychain(pathOfPlace(options.place));
+    if (!move.error.empty())
+        throw CommandError{ExitCannotWrite,
+                           std::to_string(move.moved) + " moved, then: " + move.error.toStdString(),
+                           "nothing is lost; it can be repeated"};
+    print(std::to_string(move.moved) + " moved\n");
+    if (move.left != 0)
+        throw CommandError{ExitDiffers, std::to_string(move.left) +
+                                            " stay: another secret of that name is there already"};
+    return ExitOk;
+}
+
+using Run = ExitCode (*)(const Options&);
+
+CLI::App* addAction(CLI::App* secret, const char* name, const char* text, Run run,
+                    const std::shared_ptr<Options>& options, ExitCode& result) {
+    CLI::App* const action = secret->add_subcommand(name, text);
+    action->callback([run, options, &result] {
+        leaveNoCoreFile();
+        result = run(*options);
+    });
+    return action;
+}
+
+void addItemOptions(CLI::App* action, const std::shared_ptr<Options>& options) {
+    action->add_option("NAME", options->name, "What the secret is for")
+        ->required()
+        ->transform(&unprotectArgument)
+        ->check([](const std::string& name) { return name.empty() ? "NAME is empty" : ""; });
+    action->add_option("--account", options->account, "Whose password; a note without")
+        ->transform(&unprotectArgument);
+    action->add_option("--qualifier", options->qualifier, "The application's own")
+        ->transform(&unprotectArgument);
+}
+
+void addItemActions(CLI::App* secret, const std::shared_ptr<Options>& options, ExitCode& result) {
+    addItemOptions(addAction(secret, "add", "Store a password or a note", add, options, result),
+                   options);
+    CLI::App* const getter = addAction(secret, "get", "Print a secret", get, options, result);
+    addItemOptions(getter, options);
+    getter->add_flag("--json", options->asJson, "As JSON");
+    addItemOptions(addAction(secret, "edit", "Replace a secret", edit, options, result), options);
+    addItemOptions(addAction(secret, "delete", "Delete an item", remove, options, result), options);
+}
+
+}  // namespace
+
+void addSecretCommand(CLI::App& program, ExitCode& result) {
+    const auto options = std::make_shared<Options>();
+    CLI::App* const secret =
+        program.add_subcommand("secret", "Passwords and notes in the keychain");
+    secret->require_subcommand(1);
+    secret->footer(kHelp);
+    addItemActions(secret, options, result);
+    CLI::App* const lister = addAction(secret, "list", "List names", list, options, result);
+    lister->add_flag("--json", options->asJson, "As JSON");
+    lister
+        ->add_option_function<std::string>(
+            "--qualifier",
+            [options](const std::string& qualifier) {
+                options->qualifier = qualifier;
+                options->hasQualifier = true;
+            },
+            "Only names with it")
+        ->transform(&unprotectArgument);
+    addAction(secret, "where", "Show where secrets are kept", where, options, result)
+        ->add_flag("--json", options->asJson, "As JSON");
+    addAction(secret, "move", "Move every item to one keychain", move, options, result)
+        ->add_option("TO", options->place, "service or file")
+        ->required()
+        ->check(CLI::IsMember({"service", "file"}));
+}
+
+}  // namespace tav::tool

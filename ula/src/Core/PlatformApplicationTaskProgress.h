@@ -1,0 +1,11 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+namespace tav::ula {
+
+class ApplicationTaskProgress;
+
+/// The platform's. Owner: the caller.
+ApplicationTaskProgress* makePlatformApplicationTaskProgress();
+
+}  // namespace tav::ula
