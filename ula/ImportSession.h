@@ -43,7 +43,7 @@ struct ImportOptions {
 struct ImportProgress {
     const ImportObject* object = nullptr;  ///< the one that is being brought over
     std::uint64_t bytes = 0;               ///< of it so far; 0 when it is done
-    std::size_t files = 0;                 ///< done, or left out
+    std::size_t files = 0;  ///< done or left out; the last ones may not be on the disk yet
     std::size_t totalFiles = 0;
     std::uint64_t doneBytes = 0;  ///< those of the files that are done
     std::uint64_t totalBytes = 0;

@@ -191,5 +191,52 @@ TEST_F(DurableFileTest, OpenReadersKeepTheOldFile) {
     close(reader);
 }
 
+TEST_F(DurableFileTest, NewFileReplacesNothing) {
+    writeFile(path, "old");
+    EXPECT_FALSE(replace(path, "new", {.onlyNew = true}));
+    EXPECT_EQ(error, "cannot write \"" + path + "\": File exists");
+    EXPECT_EQ(readFile(path), "old");
+    EXPECT_TRUE(replace(folder / "other", "new", {.onlyNew = true}));
+    EXPECT_THAT(folder.names(), ElementsAre("file", "other"));
+}
+
+TEST_F(DurableFileTest, NewFileIsNotWrittenThroughALink) {
+    fs::create_symlink(folder / "elsewhere", path);
+    EXPECT_FALSE(replace(path, "new", {.onlyNew = true}));
+    EXPECT_THAT(folder.names(), ElementsAre("file"));
+}
+
+TEST_F(DurableFileTest, NewFileLeavesOneThatCameInTheMeantime) {
+    DurableFile file(String(path), {.onlyNew = true});
+    ASSERT_TRUE(file.write("new"));
+    writeFile(path, "faster");
+    EXPECT_FALSE(file.commit());
+    EXPECT_TRUE(file.exists());
+    EXPECT_EQ(readFile(path), "faster");
+}
+
+TEST_F(DurableFileTest, FileKeepsTheTimeItIsGiven) {
+    ASSERT_TRUE(replace(path, "new", {.modificationTime = 1'000'000'000}));
+    struct stat facts {};
+    ASSERT_EQ(stat(path.c_str(), &facts), 0);
+    EXPECT_EQ(facts.st_mtime, 1'000'000'000);
+}
+
+TEST_F(DurableFileTest, SeveralNewFilesAreCommittedTogether) {
+    fs::create_directory(folder / "sub");
+    writeFile(folder / "taken", "old");
+    DurableFile first(String(path), {.onlyNew = true});
+    DurableFile second(String(folder / "sub/file"), {.onlyNew = true});
+    DurableFile taken(String(folder / "taken"), {.onlyNew = true});
+    ASSERT_TRUE(first.write("1") && second.write("2"));
+    EXPECT_FALSE(taken.write("3"));
+    EXPECT_THAT(folder.names(), ElementsAre("sub", "taken"));
+    DurableFile::commitTogether({&first, &taken, &second});
+    EXPECT_TRUE(first.isCommitted() && second.isCommitted());
+    EXPECT_FALSE(taken.isCommitted());
+    EXPECT_TRUE(taken.exists());
+    EXPECT_EQ(readFile(path) + readFile(folder / "sub/file") + readFile(folder / "taken"), "12old");
+}
+
 }  // namespace
 }  // namespace tav::filesystem

@@ -12,6 +12,7 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <functional>
+#include <map>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
@@ -72,6 +73,15 @@ public:
     bool commit();
     const std::string& error() const { return _error; }
     bool exists() const { return _exists; }
+    bool isCommitted() const { return _isCommitted; }
+    bool isOnlyNew() const { return _options.onlyNew; }
+
+    /// What `commit` does with a new file, step by step. After a failure the later ones fail, too.
+    bool syncNew();
+    bool nameSyncedFile();
+    bool syncFolder();
+    void giveUp(int reason);
+    const std::string& folderPath() const { return _folderPath; }
 
 private:
     bool open();
@@ -82,7 +92,6 @@ private:
     bool copyAccessList();
 
     bool replace();
-    bool placeNew();
     bool linkNew();
     bool setTime();
     bool sync(const Descriptor& descriptor);
@@ -131,6 +140,7 @@ private:
     bool _isUnnamed = false;
     bool _failed = false;
     bool _exists = false;
+    bool _isCommitted = false;
     std::string _error;
 };
 
@@ -243,6 +253,9 @@ bool DurableFile::Replacement::write(std::string_view bytes) {
         else
             bytes.remove_prefix(static_cast<std::size_t>(written));
     }
+    // Large files are on their way to the disk before they are waited for.
+    if (_options.onlyNew && !_failed)
+        sync_file_range(_file.get(), 0, 0, SYNC_FILE_RANGE_WRITE);
     return !_failed;
 }
 
@@ -250,7 +263,8 @@ bool DurableFile::Replacement::commit() {
     if (_failed)
         return false;
     _failed = true;  // whatever comes, this was the one try
-    return replace() || fail("cannot replace", errno);
+    _isCommitted = replace();
+    return _isCommitted || fail("cannot replace", errno);
 }
 
 bool DurableFile::Replacement::setTime() {
@@ -280,27 +294,36 @@ bool DurableFile::Replacement::linkNew() {
     return true;
 }
 
-bool DurableFile::Replacement::placeNew() {
-    if (!sync(_file) || !linkNew())
+bool DurableFile::Replacement::syncNew() {
+    if (_failed)
         return false;
-    if (!sync(_folder)) {
-        const int reason = errno;
-        putBack();
-        errno = reason;
+    _failed = true;  // whatever comes, this was the one try
+    return (setTime() && sync(_file)) || fail("cannot replace", errno);
+}
+
+bool DurableFile::Replacement::nameSyncedFile() {
+    _isCommitted = linkNew();
+    return _isCommitted || fail("cannot replace", errno);
+}
+
+/// For all files that have just been named in this folder, by one of them.
+bool DurableFile::Replacement::syncFolder() {
+    if (!sync(_folder))
         return false;
-    }
     // Where files have no names before, nobody leaves any behind.
     if (!_isUnnamed)
         removeLeftovers();
     return true;
 }
 
+void DurableFile::Replacement::giveUp(int reason) {
+    _isCommitted = false;
+    putBack();
+    fail("cannot replace", reason);
+}
+
 bool DurableFile::Replacement::replace() {
-    if (!setTime())
-        return false;
-    if (_options.onlyNew)
-        return placeNew();
-    if (!sync(_file) || !nameNewFile() || !keepOldFile() || !putInPlace())
+    if (!setTime() || !sync(_file) || !nameNewFile() || !keepOldFile() || !putInPlace())
         return false;
     if (!sync(_folder)) {
         const int reason = errno;
@@ -453,7 +476,33 @@ bool DurableFile::write(std::string_view bytes) {
 }
 
 bool DurableFile::commit() {
-    return _replacement->commit();
+    if (!_replacement->isOnlyNew())
+        return _replacement->commit();
+    commitTogether({this});
+    return isCommitted();
+}
+
+/// The first file's sync takes what is known of the others along, where the system keeps a journal.
+void DurableFile::commitTogether(const std::vector<DurableFile*>& files) {
+    std::vector<Replacement*> synced;
+    for (const DurableFile* file : files)
+        if (file->_replacement->syncNew())
+            synced.push_back(file->_replacement.get());
+    std::map<std::string, std::vector<Replacement*>> folders;
+    for (Replacement* file : synced)
+        if (file->nameSyncedFile())
+            folders[file->folderPath()].push_back(file);
+    for (const auto& [folder, named] : folders) {
+        if (named.front()->syncFolder())
+            continue;
+        const int reason = errno;
+        for (Replacement* file : named)
+            file->giveUp(reason);
+    }
+}
+
+bool DurableFile::isCommitted() const {
+    return _replacement->isCommitted();
 }
 
 bool DurableFile::exists() const {

@@ -2,12 +2,14 @@
 #include "ula/src/Core/ImportRun.h"
 
 #include "ula/FastString.h"
+#include "ula/foundation/filesystem/DurableFile.h"
 #include "ula/src/Core/FileChecksum.h"
 #include "ula/src/Core/ImportSource.h"
 #include "ula/src/Core/PictureDate.h"
 
 #include <algorithm>
 #include <unistd.h>
+#include <utility>
 
 namespace tav::ula {
 
@@ -15,17 +17,24 @@ namespace {
 
 /// As much as one question asks for: often enough for progress, seldom enough for speed.
 constexpr std::size_t kPiece = 1 << 20;
+/// How much is written before it is waited for: a fraction of a second's work, and few descriptors.
+constexpr std::size_t kMostWritten = 32;
+constexpr std::uint64_t kMostWrittenBytes = 256 << 20;
 
 }  // namespace
 
 struct ImportRun::Transfer {
-    explicit Transfer(const ImportObject& chosen) : object(chosen) { file.object = chosen; }
+    Transfer(const ImportObject& chosen, std::size_t place) : object(chosen), index(place) {
+        file.object = chosen;
+    }
 
     const ImportObject& object;
+    std::size_t index;
     ImportedFile file;
     std::string folder;
     std::string piece;  ///< what was read last
     FileChecksum checksum;
+    std::unique_ptr<filesystem::DurableFile> target;
 };
 
 ImportRun::ImportRun(ImportSource& source, std::string folder, const ImportOptions& options,
@@ -37,19 +46,23 @@ ImportRun::ImportRun(ImportSource& source, std::string folder, const ImportOptio
       _isCancelled(isCancelled) {
 }
 
+ImportRun::~ImportRun() = default;
+
 std::vector<ImportedFile> ImportRun::import(const std::vector<ImportObject>& objects) {
     _progress.totalFiles = objects.size();
     for (const ImportObject& object : objects)
         _progress.totalBytes += object.size;
-    std::vector<ImportedFile> files;
-    files.reserve(objects.size());
-    for (const ImportObject& object : objects) {
-        files.push_back(importOne(object));
+    _files.resize(objects.size());
+    for (std::size_t i = 0; i < objects.size(); ++i) {
+        importOne(std::make_unique<Transfer>(objects[i], i));
+        if (isFull())
+            settle();
         ++_progress.files;
-        _progress.doneBytes += object.size;
-        tell(object, 0);
+        _progress.doneBytes += objects[i].size;
+        tell(objects[i], 0);
     }
-    return files;
+    settle();
+    return std::move(_files);
 }
 
 void ImportRun::tell(const ImportObject& object, std::uint64_t bytes) {
@@ -59,15 +72,53 @@ void ImportRun::tell(const ImportObject& object, std::uint64_t bytes) {
         _tellProgress(_progress);
 }
 
-ImportedFile ImportRun::importOne(const ImportObject& object) {
-    Transfer transfer(object);
+void ImportRun::importOne(std::unique_ptr<Transfer> transfer) {
     if (_isCancelled)
-        transfer.file.result = ImportResult::Cancelled;
+        transfer->file.result = ImportResult::Cancelled;
     else if (!_problem.empty())
-        fail(transfer, _problem);
-    else if (begin(transfer))
-        bringOver(transfer);
-    return std::move(transfer.file);
+        fail(*transfer, _problem);
+    else if (begin(*transfer) && write(*transfer)) {
+        _writtenBytes += transfer->object.size;
+        _written.push_back(std::move(transfer));
+        return;
+    }
+    _files[transfer->index] = std::move(transfer->file);
+}
+
+bool ImportRun::isFull() const {
+    return _written.size() >= kMostWritten || _writtenBytes >= kMostWrittenBytes;
+}
+
+/// Another process may have given its file the name that was free: then another one is chosen.
+void ImportRun::settle() {
+    while (!_written.empty()) {
+        const auto written = std::exchange(_written, {});
+        _writtenBytes = 0;
+        std::vector<filesystem::DurableFile*> targets;
+        for (const auto& transfer : written)
+            targets.push_back(transfer->target.get());
+        filesystem::DurableFile::commitTogether(targets);
+        for (const auto& transfer : written)
+            finish(*transfer);
+    }
+}
+
+void ImportRun::finish(Transfer& transfer) {
+    const bool isCommitted = transfer.target->isCommitted();
+    if (!isCommitted && transfer.target->exists()) {
+        auto again = std::make_unique<Transfer>(transfer.object, transfer.index);
+        again->folder = transfer.folder;
+        if (choosePlace(*again) && write(*again))
+            _written.push_back(std::move(again));
+        else
+            _files[again->index] = std::move(again->file);
+        return;
+    }
+    if (!isCommitted)
+        fail(transfer, transfer.target->error());
+    else if (!_options.verify || isIntact(transfer))
+        transfer.file.result = ImportResult::Imported;
+    _files[transfer.index] = std::move(transfer.file);
 }
 
 void ImportRun::fail(Transfer& transfer, std::string error) {
@@ -116,29 +167,18 @@ bool ImportRun::choosePlace(Transfer& transfer) {
     return !place.isThere;
 }
 
-/// Another process may give its file the name that was free: then another one is chosen.
-void ImportRun::bringOver(Transfer& transfer) {
-    for (bool isTaken = true; isTaken;) {
-        filesystem::DurableFileOptions options{.onlyNew = true};
-        if (transfer.object.modified != 0)
-            options.modificationTime = transfer.object.modified;
-        filesystem::DurableFile target(FastString(transfer.file.path), options);
-        if (!copyBytes(transfer, target))
-            return;
-        if (target.commit())
-            break;
-        isTaken = target.exists();
-        if (!isTaken)
-            return fail(transfer, target.error());
-        if (!choosePlace(transfer))
-            return;
-    }
-    if (!_options.verify || isIntact(transfer))
-        transfer.file.result = ImportResult::Imported;
+bool ImportRun::write(Transfer& transfer) {
+    filesystem::DurableFileOptions options{.onlyNew = true};
+    if (transfer.object.modified != 0)
+        options.modificationTime = transfer.object.modified;
+    transfer.target =
+        std::make_unique<filesystem::DurableFile>(FastString(transfer.file.path), options);
+    const bool isWritten = copyBytes(transfer);
+    transfer.piece = {};
+    return isWritten;
 }
 
-bool ImportRun::copyBytes(Transfer& transfer, filesystem::DurableFile& target) {
-    transfer.checksum = {};
+bool ImportRun::copyBytes(Transfer& transfer) {
     std::uint64_t offset = 0;
     do {
         if (_isCancelled) {
@@ -152,16 +192,16 @@ bool ImportRun::copyBytes(Transfer& transfer, filesystem::DurableFile& target) {
             return false;
         if (_options.verify)
             transfer.checksum.add(transfer.piece);
-        if (!target.write(transfer.piece)) {
+        if (!transfer.target->write(transfer.piece)) {
             // A name that is taken shows at the end, once more.
-            if (target.exists())
+            if (transfer.target->exists())
                 return true;
-            fail(transfer, target.error());
+            fail(transfer, transfer.target->error());
             return false;
         }
         offset += transfer.piece.size();
-        transfer.piece.clear();
         tell(transfer.object, offset);
+        transfer.piece.clear();
     } while (offset < transfer.object.size);
     return true;
 }

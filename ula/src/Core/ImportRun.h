@@ -2,10 +2,9 @@
 #pragma once
 
 #include "ula/ImportSession.h"
-#include "ula/foundation/filesystem/DurableFile.h"
 #include "ula/src/Core/ImportPlaces.h"
 
-#include <optional>
+#include <memory>
 
 namespace tav::ula {
 
@@ -14,6 +13,9 @@ class ImportRun {
 public:
     ImportRun(ImportSource& source, std::string folder, const ImportOptions& options,
               const ImportSession::Progress& progress, const std::atomic<bool>& isCancelled);
+    ~ImportRun();
+    ImportRun(const ImportRun&) = delete;
+    ImportRun& operator=(const ImportRun&) = delete;
 
     std::vector<ImportedFile> import(const std::vector<ImportObject>& objects);
 
@@ -21,14 +23,19 @@ private:
     /// What is known of a file while it is brought over.
     struct Transfer;
 
-    ImportedFile importOne(const ImportObject& object);
+    void importOne(std::unique_ptr<Transfer> transfer);
     bool begin(Transfer& transfer);
     std::string folderFor(const Transfer& transfer);
     /// Decides what it is called. False: it is there already, or has failed.
     bool choosePlace(Transfer& transfer);
-    void bringOver(Transfer& transfer);
-    bool copyBytes(Transfer& transfer, filesystem::DurableFile& target);
+    /// False: it was cancelled, or has failed.
+    bool write(Transfer& transfer);
+    bool copyBytes(Transfer& transfer);
     bool readPiece(Transfer& transfer, std::uint64_t offset);
+    bool isFull() const;
+    /// Has all that was written put in place.
+    void settle();
+    void finish(Transfer& transfer);
     bool isIntact(Transfer& transfer);
     void fail(Transfer& transfer, std::string error);
     void tell(const ImportObject& object, std::uint64_t bytes);
@@ -40,6 +47,9 @@ private:
     const std::atomic<bool>& _isCancelled;
     ImportProgress _progress;
     std::string _problem;  ///< of the device that has gone
+    std::vector<ImportedFile> _files;
+    std::vector<std::unique_ptr<Transfer>> _written;  ///< but not in place yet
+    std::uint64_t _writtenBytes = 0;
 };
 
 }  // namespace tav::ula
