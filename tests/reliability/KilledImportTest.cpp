@@ -27,8 +27,8 @@ namespace fs = std::filesystem;
 using namespace ula;
 
 constexpr int kKills = 200 / ULA_ROUNDS_DIVISOR;
-constexpr std::size_t kPictures = 24;
-constexpr std::size_t kSize = 60'000;
+constexpr std::size_t kPictures = 80;
+constexpr std::size_t kSize = 20'000;
 
 struct Progress {
     std::atomic<int> imported{0};
