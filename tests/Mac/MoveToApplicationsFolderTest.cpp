@@ -328,7 +328,8 @@ TEST_F(Moving, HostileNamesRunNothing) {
     const std::string name = "a'; touch one; '$(touch two)`touch three`\"; touch four #&";
     const std::string bundle = install("desk'$(touch five)", name);
     const std::string destination = applications + "/" + name + ".app";
-    EXPECT_EQ(run(bundle, "0").exitCode, 0);
+    // The address sanitizer waits for ever for names of functions in a program of such a name.
+    EXPECT_EQ(run(bundle, "0", {{"ASAN_OPTIONS", "detect_leaks=0"}}).exitCode, 0);
     expectOpened(destination);
     EXPECT_FALSE(fs::exists(bundle));
     for (const char* made : {"one", "two", "three", "four", "five"}) {
