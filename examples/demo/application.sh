@@ -7,6 +7,7 @@
 #
 # PROGRAM is demo-application. The icons are left in the folder as pictures.
 set -euo pipefail
+. "$(dirname "$0")/functions.sh"
 ula=$1
 program=$2
 folder=$(cd "$3" && pwd -P)
@@ -18,22 +19,6 @@ told=$folder/told.txt
 export TMP=$folder/tmp
 mkdir -p "$TMP"
 
-failed=0
-wrong() {
-    printf '    FAIL %s\n' "$*"
-    failed=1
-}
-# until_told PATTERN COUNT: waits until so many lines of what is told match; half a minute at most.
-until_told() {
-    local end=$((SECONDS + 30))
-    until [ "$(grep -Ec -- "$1" "$told")" -ge "$2" ]; do
-        if [ $SECONDS -ge $end ]; then
-            wrong "\"$1\" was not told $2 times"
-            return
-        fi
-        sleep 0.05
-    done
-}
 # until_alone: waits until no instance runs.
 until_alone() {
     local end=$((SECONDS + 30))

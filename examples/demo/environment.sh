@@ -8,17 +8,13 @@
 #
 # Two displays need the X server with its dummy driver; without them Xvfb has one.
 set -euo pipefail
+. "$(dirname "$0")/functions.sh"
 ula=$1
 folder=$(cd "$2" && pwd -P)
 export HOME=$folder
 unset XDG_CONFIG_HOME XDG_DATA_HOME LC_ALL LC_MESSAGES LC_MONETARY LANGUAGE
 
-failed=0
 server=0
-wrong() {
-    printf '    FAIL %s\n' "$*"
-    failed=1
-}
 show() {
     printf '  $ ula %s\n' "$*"
     "$ula" "$@" | sed "s|^|    |; s|$folder|~|g"

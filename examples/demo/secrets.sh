@@ -5,17 +5,13 @@
 #
 #   examples/demo/secrets.sh ULA FOLDER file|service      FOLDER is empty and stays to be looked at
 set -euo pipefail
+. "$(dirname "$0")/functions.sh"
 ula=$(realpath "$1")
 folder=$(cd "$2" && pwd -P)
 place=$3
 password='correct horse battery staple'
 keychain=$folder/data/ula/keychain
 
-failed=0
-wrong() {
-    printf '    FAIL %s\n' "$*"
-    failed=1
-}
 # secret ARGUMENT...: the tool with its command shown; standard input is the secret, if any.
 secret() {
     printf '  $ ula secret %s\n' "$*"

@@ -5,27 +5,11 @@
 #
 #   [unshare --mount] examples/demo/watch.sh ULA FOLDER      as root, where mounts are to be shown
 set -euo pipefail
+. "$(dirname "$0")/functions.sh"
 ula=$1
 folder=$(cd "$2" && pwd -P)
 tree=$folder/pictures
 told=$folder/told.txt
-
-failed=0
-wrong() {
-    printf '    FAIL %s\n' "$*"
-    failed=1
-}
-# until_told PATTERN COUNT: waits until so many lines of what is told match; a minute at most.
-until_told() {
-    local end=$((SECONDS + 60))
-    until [ "$(grep -Ec -- "$1" "$told")" -ge "$2" ]; do
-        if [ $SECONDS -ge $end ]; then
-            wrong "\"$1\" was not told $2 times"
-            return
-        fi
-        sleep 0.05
-    done
-}
 
 mkdir "$tree"
 printf 'first' >"$tree/notes.txt"

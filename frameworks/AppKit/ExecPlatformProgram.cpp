@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "AppKit/ExecPlatformProgram.h"
 
+#include "AppKit/PlatformPrograms.h"
+
 #include <charconv>
 #include <climits>
 #include <cstdlib>
 #include <cstring>
-#include <dlfcn.h>
 #include <string>
 #include <unistd.h>
 
@@ -15,20 +16,9 @@ namespace {
 
 constexpr char kOpen[] = "/usr/bin/open";
 
-// In the folder "ula" beside this library. Empty where it is not installed.
-std::string locateOpen() {
-    Dl_info library{};
-    char path[PATH_MAX];
-    if (dladdr(kOpen, &library) == 0 || realpath(library.dli_fname, path) == nullptr)
-        return {};
-    const std::string file = path;
-    const std::string program = file.substr(0, file.rfind('/')) + "/ula/open";
-    return access(program.c_str(), X_OK) == 0 ? program : "";
-}
-
 // Found when the library is loaded: between fork and exec it is too late. Never destroyed, as
 // programs are run at the very end.
-const std::string& openProgram = *new std::string(locateOpen());
+const std::string& openProgram = *new std::string(platformProgram(kOpen));
 
 // The child is still a copy of the program that wants to be opened anew, and says which one it is
 // while that can be known for sure.

@@ -8,7 +8,7 @@
 
 namespace {
 
-using Launch = void (*)(NSTask*, SEL);
+using Launch = void (*)(id, SEL);
 
 Launch launchBefore = nullptr;
 
@@ -36,7 +36,7 @@ void useOurPrograms(NSTask* task) {
     }
 }
 
-void launch(NSTask* task, SEL selector) {
+void launch(id task, SEL selector) {
     useOurPrograms(task);
     launchBefore(task, selector);
 }

@@ -141,7 +141,7 @@ MoveFixture::Run MoveFixture::run(const std::string& bundle, const std::string& 
             line.replace(at + 6, own.size(), "SELF");
         result.lines.push_back(line.substr(own.size() + 1));
     }
-    if (result.exitCode < 0 || result.exitCode > 90)
+    if (result.exitCode < 0 || result.exitCode == 1 || result.exitCode > 90)
         throw std::runtime_error("it ends with " + std::to_string(result.exitCode) + " after " +
                                  testing::PrintToString(result.lines) +
                                  readFile(folder / "errors"));

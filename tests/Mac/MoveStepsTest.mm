@@ -8,6 +8,7 @@
 
 #import <AppKit/AppKit.h>
 
+#include "tests/Mac/ReplacedLookup.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <Security/Security.h>
@@ -35,7 +36,6 @@ struct System {
     OSStatus made = errAuthorizationSuccess;
     OSStatus rights = errAuthorizationSuccess;
     OSStatus executed = errAuthorizationSuccess;
-    bool hasEntry = true;
     std::vector<std::string> ends = {"0", "0"};  // exit codes, "signal" or "gone"
     std::vector<std::string> calls;
 };
@@ -94,12 +94,6 @@ OSStatus AuthorizationCopyRights(AuthorizationRef, const AuthorizationRights* ri
     platform.calls.push_back(std::string(item.name) + " " + std::to_string(flags));
     return platform.rights;
 }
-
-// The lookup of the sources that are compiled into this test.
-void* __wrap_dlsym(void*, const char* name) {
-    const bool isEntry = std::string(name) == "AuthorizationExecuteWithPrivileges";
-    return isEntry && platform.hasEntry ? reinterpret_cast<void*>(execute) : nullptr;
-}
 }
 
 namespace {
@@ -109,6 +103,7 @@ protected:
     Steps() : _pool([[NSAutoreleasePool alloc] init]) {
         version = 1038;
         platform = {};
+        privilegedExecution = reinterpret_cast<void*>(execute);
         logged.clear();
         _NSLog_printf_handler = [](NSString* message) {
             const std::string text = [message UTF8String];
@@ -310,7 +305,7 @@ TEST_F(Steps, WhereTheSystemNoLongerOffersItTheCopyFails) {
         ASSERT_EQ(status, 0);
         return;
     }
-    platform.hasEntry = false;
+    privilegedExecution = nullptr;
     EXPECT_EQ(copy(), PrivilegedCopy::Failed);
     EXPECT_THAT(platform.calls, ElementsAre("create", kRights, "free"));
 }

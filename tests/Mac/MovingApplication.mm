@@ -33,7 +33,7 @@ extern "C" NSLog_printf_handler* _NSLog_printf_handler;
 namespace {
 
 using RunModal = NSInteger (*)(id, SEL, NSWindow*);
-using Launch = void (*)(NSTask*, SEL);
+using Launch = void (*)(id, SEL);
 
 RunModal runModalBefore = nullptr;
 Launch launchBefore = nullptr;
@@ -218,7 +218,7 @@ NSInteger runModal(id self, SEL selector, NSWindow* window) {
     return runModalBefore(self, selector, window);
 }
 
-void launch(NSTask* task, SEL selector) {
+void launch(id task, SEL selector) {
     std::string line = "task: " + textOf([task launchPath]);
     for (NSString* word in [task arguments])
         line += " | " + textOf(word);

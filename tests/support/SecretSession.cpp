@@ -37,6 +37,15 @@ void run(const std::string& command) {
         throw std::runtime_error("this fails: " + command);
 }
 
+int numberFrom(const std::string& command) {
+    std::FILE* const output = popen(command.c_str(), "r");
+    int number = -1;
+    if (output == nullptr || std::fscanf(output, "%d", &number) != 1)
+        throw std::runtime_error("this fails: " + command);
+    pclose(output);
+    return number;
+}
+
 }  // namespace
 
 SessionBus::SessionBus(const std::string& configuration) {
@@ -73,9 +82,19 @@ void SessionBus::end(int signal) {
 void SecretSession::startKeyring(const std::string& options) {
     run("printf pw | gnome-keyring-daemon --components=secrets --daemonize " + options +
         " >/dev/null 2>&1");
+    run("gdbus wait --session --timeout 20 org.freedesktop.secrets");
+    _keyring = numberFrom("gdbus call --session --dest org.freedesktop.DBus --object-path / "
+                          "--method org.freedesktop.DBus.GetConnectionUnixProcessID "
+                          "org.freedesktop.secrets | tr -dc '0-9 ' | cut -d ' ' -f 2");
 }
 
-void SecretSession::beginWithoutKeyring() const {
+// It does not always see that its bus has ended, and holds what it has inherited.
+SecretSession::~SecretSession() {
+    if (_keyring > 0)
+        ::kill(_keyring, SIGTERM);
+}
+
+void SecretSession::beginWithoutKeyring() {
     std::filesystem::remove_all(std::string(std::getenv("XDG_DATA_HOME")) + "/keyrings");
     startKeyring("--replace");
 }
@@ -93,12 +112,7 @@ int SecretSession::connectionsOf(pid_t process) {
     const std::string command = "for name in $(" + call + "ListNames | grep -o ':[0-9.]*'); do " +
                                 call + "GetConnectionUnixProcessID $name 2>/dev/null; done | " +
                                 "grep -c 'uint32 " + std::to_string(process) + ",'";
-    std::FILE* const output = popen(command.c_str(), "r");
-    int count = -1;
-    if (output == nullptr || std::fscanf(output, "%d", &count) != 1)
-        throw std::runtime_error("this fails: " + command);
-    pclose(output);
-    return count;
+    return numberFrom(command);
 }
 
 }  // namespace tav::test

@@ -28,23 +28,27 @@ private:
 /// $XDG_RUNTIME_DIR must be a folder of the test's own. Fails: throws.
 class SecretSession {
 public:
-    SecretSession() { startKeyring(); }
+    SecretSession() { startKeyring("--unlock"); }
+    ~SecretSession();
+    SecretSession(const SecretSession&) = delete;
+    SecretSession& operator=(const SecretSession&) = delete;
 
     /// Ends the one that runs, and starts another.
-    void restartKeyring() const { startKeyring("--replace --unlock"); }
+    void restartKeyring() { startKeyring("--replace --unlock"); }
     /// Locks the collection that new items go to.
     void lock() const;
     /// Ends the one that runs, and starts another for a user who has no keyring yet.
-    void beginWithoutKeyring() const;
+    void beginWithoutKeyring();
     /// The session's bus, at once.
     void killBus() { _bus.kill(); }
     /// How many connections to the bus a process has.
     static int connectionsOf(pid_t process);
 
 private:
-    static void startKeyring(const std::string& options = "--unlock");
+    void startKeyring(const std::string& options);
 
     SessionBus _bus;
+    pid_t _keyring = -1;
 };
 
 }  // namespace tav::test

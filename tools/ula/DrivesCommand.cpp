@@ -3,15 +3,13 @@
 
 #include "tools/ula/DisplayText.h"
 #include "tools/ula/StandardOutput.h"
-#include "tools/ula/Terminal.h"
+#include "tools/ula/TextTable.h"
 
 #include <ula/Drive.h>
 
 #include <CLI/CLI.hpp>
 #include <CoreServices/MountLookup.h>
 #include <CoreServices/Volumes.h>
-#include <algorithm>
-#include <array>
 #include <cstdio>
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -30,9 +28,6 @@ constexpr const char* kHelp = R"(Examples:
   ula drives --json      the same for programs, sizes in bytes, with label, UUID and device
 
 A share whose server does not answer is listed all the same, without its sizes.)";
-
-constexpr std::size_t kColumns = 6;
-using Row = std::array<std::string, kColumns>;
 
 const char* kindText(ula::DriveType type) {
     switch (type) {
@@ -67,7 +62,7 @@ std::string nameOf(const Drive& drive) {
     return displayText(title.empty() ? path : title);
 }
 
-Row rowOf(const Drive& drive) {
+TableRow rowOf(const Drive& drive) {
     const std::optional<DriveSpace> space = drive.space();
     const DriveDetails details = drive.details();
     std::string where = displayText(details.location);
@@ -79,26 +74,6 @@ Row rowOf(const Drive& drive) {
             space ? sizeText(space->free) : "",
             displayText(details.fileSystemType),
             where};
-}
-
-void printTable(const std::vector<Row>& rows) {
-    std::array<std::size_t, kColumns> widths{};
-    for (const Row& row : rows)
-        for (std::size_t i = 0; i < kColumns; ++i)
-            widths[i] = std::max(widths[i], displayWidth(row[i]));
-    const Colours colours = outputColours();
-    for (const Row& row : rows) {
-        std::string line;
-        for (std::size_t i = 0; i + 1 < kColumns; ++i) {
-            const bool isNumber = i == 2 || i == 3;
-            const std::size_t blanks = widths[i] - displayWidth(row[i]);
-            line +=
-                isNumber ? std::string(blanks, ' ') + row[i] + "  " : padded(row[i], widths[i] + 2);
-        }
-        const bool isHead = &row == &rows.front();
-        print((isHead ? colours.bold : "") + line + row.back() + (isHead ? colours.plain : "") +
-              "\n");
-    }
 }
 
 /// Names come from disks and need not be UTF-8: what is not is shown as an escape.
@@ -143,10 +118,10 @@ ExitCode run(bool asJson) {
         print(list.dump(2) + "\n");
         return ExitOk;
     }
-    std::vector<Row> rows = {{"NAME", "KIND", "SIZE", "FREE", "FILE SYSTEM", "MOUNTED ON"}};
+    std::vector<TableRow> rows = {{"NAME", "KIND", "SIZE", "FREE", "FILE SYSTEM", "MOUNTED ON"}};
     for (const Drive& drive : drives)
         rows.push_back(rowOf(drive));
-    printTable(rows);
+    printTable(rows, {2, 3});
     tellOfNameless();
     return ExitOk;
 }

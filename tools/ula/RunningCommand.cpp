@@ -3,13 +3,11 @@
 
 #include "tools/ula/DisplayText.h"
 #include "tools/ula/StandardOutput.h"
-#include "tools/ula/Terminal.h"
+#include "tools/ula/TextTable.h"
 
 #include <ula/UniqueAppInstance.h>
 
 #include <CLI/CLI.hpp>
-#include <algorithm>
-#include <array>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <unistd.h>
@@ -33,27 +31,12 @@ struct Options {
     bool asJson = false;
 };
 
-constexpr std::size_t kColumns = 4;
-using Row = std::array<std::string, kColumns>;
-
-void printTable(const std::vector<RunningApplicationInfo>& applications) {
-    std::vector<Row> rows = {{"PROCESS", "NAME", "IDENTIFIER", "PATH"}};
+void printText(const std::vector<RunningApplicationInfo>& applications) {
+    std::vector<TableRow> rows = {{"PROCESS", "NAME", "IDENTIFIER", "PATH"}};
     for (const RunningApplicationInfo& each : applications)
         rows.push_back({std::to_string(each.processIdentifier), displayText(each.name),
                         displayText(each.bundleIdentifier), displayText(each.path)});
-    std::array<std::size_t, kColumns> widths{};
-    for (const Row& row : rows)
-        for (std::size_t i = 0; i < kColumns; ++i)
-            widths[i] = std::max(widths[i], displayWidth(row[i]));
-    const Colours colours = outputColours();
-    for (const Row& row : rows) {
-        std::string line;
-        for (std::size_t i = 0; i + 1 < kColumns; ++i)
-            line += padded(row[i], widths[i] + 2);
-        const bool isHead = &row == &rows.front();
-        print((isHead ? colours.bold : "") + line + row.back() + (isHead ? colours.plain : "") +
-              "\n");
-    }
+    printTable(rows);
 }
 
 void printJson(const std::vector<RunningApplicationInfo>& applications) {
@@ -74,7 +57,7 @@ ExitCode run(const Options& options) {
                (!options.wanted.empty() && each.name != options.wanted &&
                 each.bundleIdentifier != options.wanted);
     });
-    options.asJson ? printJson(applications) : printTable(applications);
+    options.asJson ? printJson(applications) : printText(applications);
     return options.wanted.empty() || !applications.empty() ? ExitOk : ExitDiffers;
 }
 

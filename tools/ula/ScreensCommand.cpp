@@ -4,14 +4,12 @@
 #include "tools/ula/DisplayText.h"
 #include "tools/ula/ScreenPicture.h"
 #include "tools/ula/StandardOutput.h"
-#include "tools/ula/Terminal.h"
+#include "tools/ula/TextTable.h"
 
 #include <ula/Screen.h>
 #include <ula/foundation/filesystem/DurableFile.h>
 
 #include <CLI/CLI.hpp>
-#include <algorithm>
-#include <array>
 #include <cstdio>
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -38,9 +36,6 @@ struct Options {
     bool asJson = false;
 };
 
-constexpr std::size_t kColumns = 7;
-using Row = std::array<std::string, kColumns>;
-
 std::string numberText(double value, const char* unit) {
     char text[48];
     std::snprintf(text, sizeof text, "%.4g%s", value, unit);
@@ -55,7 +50,7 @@ std::string placeText(const Rectangle& area) {
     return std::to_string(area.left) + ", " + std::to_string(area.top);
 }
 
-Row rowOf(const Screen& screen) {
+TableRow rowOf(const Screen& screen) {
     const ScreenDetails details = screen.details();
     return {displayText(details.outputName) + (screen.isPrimary ? " (primary)" : ""),
             sizeText(screen.bounds),
@@ -64,22 +59,6 @@ Row rowOf(const Screen& screen) {
             std::to_string(screen.bitsPerPixel),
             details.refreshRate > 0 ? numberText(details.refreshRate, " Hz") : "unknown",
             numberText(details.scaleFactor, "")};
-}
-
-void printTable(const std::vector<Row>& rows) {
-    std::array<std::size_t, kColumns> widths{};
-    for (const Row& row : rows)
-        for (std::size_t i = 0; i < kColumns; ++i)
-            widths[i] = std::max(widths[i], displayWidth(row[i]));
-    const Colours colours = outputColours();
-    for (const Row& row : rows) {
-        std::string line;
-        for (std::size_t i = 0; i + 1 < kColumns; ++i)
-            line += padded(row[i], widths[i] + 2);
-        const bool isHead = &row == &rows.front();
-        print((isHead ? colours.bold : "") + line + row.back() + (isHead ? colours.plain : "") +
-              "\n");
-    }
 }
 
 Json jsonOf(const Rectangle& area) {
@@ -106,7 +85,7 @@ void printScreens(const std::vector<Screen>& screens, bool asJson) {
         print(list.dump(2) + "\n");
         return;
     }
-    std::vector<Row> rows = {{"NAME", "SIZE", "FROM", "USABLE", "BITS", "RATE", "SCALE"}};
+    std::vector<TableRow> rows = {{"NAME", "SIZE", "FROM", "USABLE", "BITS", "RATE", "SCALE"}};
     for (const Screen& screen : screens)
         rows.push_back(rowOf(screen));
     printTable(rows);

@@ -13,10 +13,6 @@ namespace security {
 
 namespace {
 
-constexpr char kName[] = "org.freedesktop.secrets";
-constexpr char kPath[] = "/org/freedesktop/secrets";
-constexpr char kInterface[] = "org.freedesktop.Secret.Service";
-
 // Asked beforehand: GLib would start a bus where there is a display and none runs, and wait for it.
 bool hasSessionBus() {
     if (const char* const address = std::getenv("DBUS_SESSION_BUS_ADDRESS"))
@@ -27,13 +23,13 @@ bool hasSessionBus() {
     return stat(path.c_str(), &facts) == 0 && S_ISSOCK(facts.st_mode) && facts.st_uid == geteuid();
 }
 
+// The names are libsecret's own: it sets them itself, and loses what was set before.
 SecretService* makeService() {
     const auto flags = static_cast<GDBusProxyFlags>(G_DBUS_PROXY_FLAGS_DO_NOT_CONNECT_SIGNALS |
                                                     G_DBUS_PROXY_FLAGS_DO_NOT_LOAD_PROPERTIES);
     return SECRET_SERVICE(g_initable_new(SECRET_TYPE_SERVICE, nullptr, nullptr, "g-bus-type",
-                                         G_BUS_TYPE_SESSION, "g-flags", flags, "g-name", kName,
-                                         "g-object-path", kPath, "g-interface-name", kInterface,
-                                         "flags", SECRET_SERVICE_OPEN_SESSION, nullptr));
+                                         G_BUS_TYPE_SESSION, "g-flags", flags, "flags",
+                                         SECRET_SERVICE_OPEN_SESSION, nullptr));
 }
 
 }  // namespace

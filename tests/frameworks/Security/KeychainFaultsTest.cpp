@@ -148,13 +148,3 @@ TEST_F(KeychainFaultsTest, AReadOnlyDiskIsReadAndNotChanged) {
 
 }  // namespace
 }  // namespace tav::test
-
-int main(int argc, char** argv) {
-    testing::InitGoogleTest(&argc, argv);
-    const std::string reason = tav::test::isolateMounts();
-    if (!reason.empty()) {
-        std::fprintf(stderr, "mounts are not to be had: %s\n", reason.c_str());
-        return 1;
-    }
-    return RUN_ALL_TESTS();
-}
