@@ -5,16 +5,11 @@
 #
 #   unshare --mount examples/demo/cameras.sh ULA FOLDER      as root: the card is a disk image
 set -euo pipefail
+. "$(dirname "$0")/functions.sh"
 ula=$1
 folder=$(cd "$2" && pwd -P)
 pictures=$folder/Pictures
 card=$folder/Card
-
-failed=0
-wrong() {
-    printf '    FAIL %s\n' "$*"
-    failed=1
-}
 
 mkdir -p "$card"
 truncate -s 96M "$folder/camera-card.img"
