@@ -6,7 +6,9 @@
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
-#include <memory>
+#include <new>
+#define XXH_INLINE_ALL
+#include <xxhash.h>
 
 namespace tav::ula {
 
@@ -14,45 +16,24 @@ namespace {
 
 constexpr std::size_t kPiece = 1 << 20;
 
-std::uint64_t mixed(std::uint64_t word) {
-    word ^= word >> 32;
-    word *= 0xD6E8FEB86659FD93;
-    word ^= word >> 29;
-    return word;
-}
-
 }  // namespace
 
-void FileChecksum::addWord(std::uint64_t word) {
-    _state = (_state ^ mixed(word)) * 0x9FB21C651E98DF25;
-    _state ^= _state >> 35;
+FileChecksum::FileChecksum() : _state(XXH3_createState()) {
+    if (!_state)
+        throw std::bad_alloc();
+    XXH3_64bits_reset(_state.get());
+}
+
+void FileChecksum::Free::operator()(XXH3_state_s* state) const {
+    XXH3_freeState(state);
 }
 
 void FileChecksum::add(std::string_view bytes) {
-    _length += bytes.size();
-    while (!bytes.empty()) {
-        if (_restSize == 0 && bytes.size() >= sizeof _rest) {
-            std::uint64_t word = 0;
-            std::memcpy(&word, bytes.data(), sizeof word);
-            addWord(word);
-            bytes.remove_prefix(sizeof word);
-            continue;
-        }
-        _rest[_restSize++] = static_cast<unsigned char>(bytes.front());
-        bytes.remove_prefix(1);
-        if (_restSize < sizeof _rest)
-            continue;
-        std::uint64_t word = 0;
-        std::memcpy(&word, _rest, sizeof word);
-        addWord(word);
-        _restSize = 0;
-    }
+    XXH3_64bits_update(_state.get(), bytes.data(), bytes.size());
 }
 
 std::uint64_t FileChecksum::value() const {
-    std::uint64_t word = 0;
-    std::memcpy(&word, _rest, _restSize);
-    return mixed(_state ^ mixed(word + _length));
+    return XXH3_64bits_digest(_state.get());
 }
 
 std::optional<FileChecksum> checksumOfFile(const std::string& path, std::string& error) {

@@ -2,30 +2,30 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 
+struct XXH3_state_s;
+
 namespace tav::ula {
 
-/// Tells whether bytes are the same as they were: 64 bits and the length. Not against people who
-/// mean harm.
+/// Tells whether bytes are the same as they were (XXH3). Not against people who mean harm.
 class FileChecksum {
 public:
+    FileChecksum();
     void add(std::string_view bytes);
-    bool operator==(const FileChecksum& other) const {
-        return value() == other.value() && _length == other._length;
-    }
+    bool operator==(const FileChecksum& other) const { return value() == other.value(); }
 
 private:
-    /// Whole words of the stream; what is left of it is kept for the next call.
-    void addWord(std::uint64_t word);
+    struct Free {
+        void operator()(XXH3_state_s* state) const;
+    };
+
     std::uint64_t value() const;
 
-    std::uint64_t _state = 0x9E3779B97F4A7C15;
-    std::uint64_t _length = 0;
-    unsigned char _rest[8] = {};
-    std::size_t _restSize = 0;
+    std::unique_ptr<XXH3_state_s, Free> _state;
 };
 
 /// As the disk has it, not as the system remembers it. Fails: nothing, `error` says why.
