@@ -3,9 +3,14 @@
 # compiler flags.
 
 option(ULA_BUILD_TESTS "Build the tests" ON)
-option(ULA_BUILD_PLATFORM_TESTS "Build the tests of the frameworks, the toolkits and Objective-C++" ON)
+set(ULA_TESTS all CACHE STRING "Tests to build: all; threads: without what has one thread only; \
+language: without the frameworks, the tool and Objective-C++")
+set_property(CACHE ULA_TESTS PROPERTY STRINGS all threads language)
+option(ULA_BUILD_TOOL "Build the command-line tool" ON)
+option(ULA_BUILD_EXAMPLES "Build the examples" ON)
 option(ULA_BUILD_BENCHMARKS "Build the benchmarks and their peers" OFF)
 option(ULA_BUILD_FUZZERS "Build the fuzz targets (clang only)" OFF)
+option(ULA_PRECOMPILE_HEADERS "Compile what most sources include once for all (clang only)" OFF)
 option(ULA_WARNINGS_AS_ERRORS "Treat warnings as errors" OFF)
 set(ULA_SANITIZE "" CACHE STRING "Sanitizers to build with, e.g. address,undefined or thread")
 
@@ -48,4 +53,13 @@ function(ula_target name)
   endif()
   target_link_libraries(${name} PRIVATE $<BUILD_INTERFACE:ula-flags>)
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
+endfunction()
+
+# ula_precompile_headers(NAME LANGUAGE HEADER...): what most sources of a target include, compiled
+# once where the build is asked to. It hides an include that a source lacks; other builds show it.
+function(ula_precompile_headers name language)
+  if(ULA_PRECOMPILE_HEADERS)
+    list(TRANSFORM ARGN REPLACE "<(.+)>" "$<$<COMPILE_LANGUAGE:${language}>:<\\1$<ANGLE-R>>")
+    target_precompile_headers(${name} PRIVATE ${ARGN})
+  endif()
 endfunction()

@@ -28,7 +28,7 @@ void waitUntilClosed(int pipeEnd) {
 }
 
 TEST_F(KeychainFaultsTest, NothingIsLostAmongEightProcesses) {
-    constexpr int kItems = 500;
+    constexpr int kItems = 500 / ULA_ROUNDS_DIVISOR;
     std::vector<std::unique_ptr<ChildProcess>> children;
     for (int child = 0; child < 8; ++child)
         children.push_back(std::make_unique<ChildProcess>([child] {
@@ -85,7 +85,7 @@ void changeForEver(Progress& progress, int ready) {
 TEST_F(KeychainFaultsTest, AKilledProcessLeavesTheOldOrTheNew) {
     Shared<Progress> progress;
     std::mt19937 random(7);
-    for (int round = 0; round < 1000; ++round) {
+    for (int round = 0; round < 1000 / ULA_ROUNDS_DIVISOR; ++round) {
         int ends[2];
         ASSERT_EQ(pipe2(ends, O_CLOEXEC), 0);
         ChildProcess child([&] {
