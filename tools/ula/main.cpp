@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "tools/ula/CamerasCommand.h"
+#include "tools/ula/CompletionCommand.h"
 #include "tools/ula/DirCommand.h"
 #include "tools/ula/DisplayText.h"
 #include "tools/ula/DrivesCommand.h"
@@ -93,6 +94,7 @@ int main(int argc, char** argv) {
     addTrashCommand(program, result);
     addVolumesCommand(program, result);
     addWatchCommand(program, result);
+    addCompletionCommand(program, result);
     std::vector<std::string> arguments;
     for (int i = 1; i < argc; ++i)
         arguments.push_back(protectArgument(argv[i]));
