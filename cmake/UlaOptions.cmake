@@ -4,13 +4,13 @@
 
 option(ULA_BUILD_TESTS "Build the tests" ON)
 set(ULA_TESTS all CACHE STRING "Tests to build: all; threads: without what has one thread only; \
-language: without the frameworks, the tool and Objective-C++")
-set_property(CACHE ULA_TESTS PROPERTY STRINGS all threads language)
+foundation: those of the foundation library")
+set_property(CACHE ULA_TESTS PROPERTY STRINGS all threads foundation)
 option(ULA_BUILD_TOOL "Build the command-line tool" ON)
 option(ULA_BUILD_EXAMPLES "Build the examples" ON)
 option(ULA_BUILD_BENCHMARKS "Build the benchmarks and their peers" OFF)
 option(ULA_BUILD_FUZZERS "Build the fuzz targets (clang only)" OFF)
-option(ULA_PRECOMPILE_HEADERS "Compile what most sources include once for all (clang only)" OFF)
+option(ULA_PRECOMPILE_HEADERS "Compile what most sources include once for all, with clang" OFF)
 option(ULA_WARNINGS_AS_ERRORS "Treat warnings as errors" OFF)
 set(ULA_SANITIZE "" CACHE STRING "Sanitizers to build with, e.g. address,undefined or thread")
 
@@ -57,8 +57,9 @@ endfunction()
 
 # ula_precompile_headers(NAME LANGUAGE HEADER...): what most sources of a target include, compiled
 # once where the build is asked to. It hides an include that a source lacks; other builds show it.
+# g++ does not know the pragma with which CMake begins such headers.
 function(ula_precompile_headers name language)
-  if(ULA_PRECOMPILE_HEADERS)
+  if(ULA_PRECOMPILE_HEADERS AND CMAKE_${language}_COMPILER_ID MATCHES Clang)
     list(TRANSFORM ARGN REPLACE "<(.+)>" "$<$<COMPILE_LANGUAGE:${language}>:<\\1$<ANGLE-R>>")
     target_precompile_headers(${name} PRIVATE ${ARGN})
   endif()

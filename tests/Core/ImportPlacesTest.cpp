@@ -2,7 +2,6 @@
 #include "ula/src/Core/ImportPlaces.h"
 
 #include "tests/support/TemporaryFolder.h"
-#include "ula/src/Core/FileChecksum.h"
 
 #include <gtest/gtest.h>
 
@@ -48,38 +47,6 @@ TEST(ImportNames, OfOneImportAreDifferent) {
     EXPECT_EQ(places.choose("", {1, "a", "", 1, 0}).path, folder / "a");
     EXPECT_EQ(places.choose("", {2, "a", "", 1, 0}).path, folder / "a-2");
     EXPECT_EQ(places.choose("b", {3, "a", "", 1, 0}).path, folder / "b/a");
-}
-
-TEST(FileChecksums, DoNotDependOnThePieces) {
-    FileChecksum whole, pieces;
-    whole.add("0123456789abcdefghij");
-    for (const char* piece : {"0", "12345678", "", "9abcdefghi", "j"})
-        pieces.add(piece);
-    EXPECT_TRUE(whole == pieces);
-}
-
-TEST(FileChecksums, TellWhatIsDifferent) {
-    const auto of = [](std::string_view text) {
-        FileChecksum checksum;
-        checksum.add(text);
-        return checksum;
-    };
-    EXPECT_FALSE(of("0123456789") == of("0123456788"));
-    EXPECT_FALSE(of("0123456789abcdef") == of("89abcdef01234567"));
-    EXPECT_FALSE(of(std::string_view("\0", 1)) == of(std::string_view("\0\0", 2)));
-    EXPECT_FALSE(of("") == of(std::string_view("\0\0\0\0\0\0\0\0", 8)));
-}
-
-TEST(FileChecksums, AreThoseOfFiles) {
-    const TemporaryFolder folder;
-    const std::string bytes(2'500'001, 'x');
-    writeFile(folder / "a", bytes);
-    FileChecksum checksum;
-    checksum.add(bytes);
-    std::string error;
-    EXPECT_TRUE(checksumOfFile(folder / "a", error) == checksum);
-    EXPECT_EQ(checksumOfFile(folder / "none", error), std::nullopt);
-    EXPECT_EQ(error, "cannot read \"" + (folder / "none") + "\": No such file or directory");
 }
 
 }  // namespace

@@ -165,7 +165,7 @@ private:
 };
 
 int rounds(int all) {
-    return std::max(all / ULA_ROUNDS_DIVISOR, 50);
+    return std::max(all / ULA_ROUNDS_DIVISOR, 20);
 }
 
 void expectWhole(const Outcome& outcome, int kills) {

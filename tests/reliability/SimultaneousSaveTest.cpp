@@ -75,7 +75,7 @@ void expectEachFileWhole(int savers, int times, const std::string& parent) {
 }
 
 int times(int all) {
-    return std::max(all / ULA_ROUNDS_DIVISOR, 100);
+    return std::max(all / ULA_ROUNDS_DIVISOR, 30);
 }
 
 TEST(SimultaneousSave, OfTwoProcessesGivesWholeFilesInMemory) {

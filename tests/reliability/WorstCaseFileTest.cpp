@@ -26,11 +26,11 @@ using ula::FastString;
 using ula::SettingsXML;
 
 /// Sanitizers multiply time and memory.
-constexpr std::size_t kSize = std::size_t{ULA_IS_SANITIZED ? 1 : 8} << 20;
+constexpr std::size_t kSize = ULA_IS_SANITIZED ? 1 << 18 : 8 << 20;
 constexpr rlim_t kMostSeconds = ULA_IS_SANITIZED ? 60 : 10;
 /// Peak memory over the file's size; a document tree of the shortest elements is the worst. Address
 /// sanitizer holds back another 256 MiB of freed memory.
-constexpr long kMostTimesFile = ULA_IS_SANITIZED ? 500 : 40;
+constexpr long kMostTimesFile = ULA_IS_SANITIZED ? 2000 : 40;
 
 struct Case {
     const char* name;

@@ -13,7 +13,7 @@ namespace {
 using namespace coreservices;
 using namespace texts;
 
-constexpr int kPairs = 20'000;
+constexpr int kPairs = 20'000 / ULA_ROUNDS_DIVISOR;
 
 std::string fastKey(const CollationTable& table, const std::u16string& text) {
     std::vector<uint8_t> key(fastSortKeyRoom(text.size()));

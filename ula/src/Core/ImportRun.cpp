@@ -3,7 +3,7 @@
 
 #include "ula/FastString.h"
 #include "ula/foundation/filesystem/DurableFile.h"
-#include "ula/src/Core/FileChecksum.h"
+#include "ula/foundation/filesystem/FileChecksum.h"
 #include "ula/src/Core/ImportSource.h"
 #include "ula/src/Core/PictureDate.h"
 
@@ -33,7 +33,7 @@ struct ImportRun::Transfer {
     ImportedFile file;
     std::string folder;
     std::string piece;  ///< what was read last
-    FileChecksum checksum;
+    filesystem::FileChecksum checksum;
     std::unique_ptr<filesystem::DurableFile> target;
 };
 
@@ -208,7 +208,7 @@ bool ImportRun::copyBytes(Transfer& transfer) {
 
 bool ImportRun::isIntact(Transfer& transfer) {
     std::string error;
-    const std::optional<FileChecksum> written = checksumOfFile(transfer.file.path, error);
+    const auto written = filesystem::checksumOfFile(transfer.file.path, error);
     if (written && *written == transfer.checksum)
         return true;
     // What is wrong must not look as if it were there the next time.

@@ -1,16 +1,15 @@
 // SPDX-License-Identifier: MIT
-#include "ula/src/Core/FileChecksum.h"
+#include "ula/foundation/filesystem/FileChecksum.h"
 
 #include "ula/foundation/filesystem/Descriptor.h"
 
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
-#include <new>
 #define XXH_INLINE_ALL
 #include <xxhash.h>
 
-namespace tav::ula {
+namespace tav::filesystem {
 
 namespace {
 
@@ -18,27 +17,28 @@ constexpr std::size_t kPiece = 1 << 20;
 
 }  // namespace
 
-FileChecksum::FileChecksum() : _state(XXH3_createState()) {
-    if (!_state)
-        throw std::bad_alloc();
-    XXH3_64bits_reset(_state.get());
+struct FileChecksum::State {
+    XXH3_state_t hash;
+};
+
+FileChecksum::FileChecksum() : _state(std::make_unique<State>()) {
+    XXH3_64bits_reset(&_state->hash);
 }
 
-void FileChecksum::Free::operator()(XXH3_state_s* state) const {
-    XXH3_freeState(state);
-}
+FileChecksum::FileChecksum(FileChecksum&&) noexcept = default;
+
+FileChecksum::~FileChecksum() = default;
 
 void FileChecksum::add(std::string_view bytes) {
-    XXH3_64bits_update(_state.get(), bytes.data(), bytes.size());
+    XXH3_64bits_update(&_state->hash, bytes.data(), bytes.size());
 }
 
 std::uint64_t FileChecksum::value() const {
-    return XXH3_64bits_digest(_state.get());
+    return XXH3_64bits_digest(&_state->hash);
 }
 
 std::optional<FileChecksum> checksumOfFile(const std::string& path, std::string& error) {
-    using filesystem::retryInterrupted;
-    const filesystem::Descriptor file(
+    const Descriptor file(
         retryInterrupted([&] { return open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC); }));
     // It is on the disk by now: what the system remembers can be forgotten.
     if (file)
@@ -57,4 +57,4 @@ std::optional<FileChecksum> checksumOfFile(const std::string& path, std::string&
     return std::nullopt;
 }
 
-}  // namespace tav::ula
+}  // namespace tav::filesystem
