@@ -180,8 +180,11 @@ using String = text::FastString<char>;
 
 }  // namespace tav
 
+namespace std {
+
 template <>
-struct std::hash<tav::text::FastString<char>> {
-    TAV_FOUNDATION_API std::size_t
-    operator()(const tav::text::FastString<char>& text) const noexcept;
+struct hash<tav::text::FastString<char>> {
+    TAV_FOUNDATION_API size_t operator()(const tav::text::FastString<char>& text) const noexcept;
 };
+
+}  // namespace std
