@@ -2,6 +2,7 @@
 #include "AppKit/ApplicationIdentity.h"
 
 #include "CoreFoundation/AutoreleasePool.h"
+#import "Foundation/PropertyListFile.h"
 
 #import <Foundation/Foundation.h>
 
@@ -44,14 +45,7 @@ std::string firstText(NSDictionary* list, std::initializer_list<NSString*> keys)
 
 Properties read(const std::string& path) {
     const cf::AutoreleasePool pool;
-    NSData* data = [NSData dataWithContentsOfFile:[NSString stringWithUTF8String:path.c_str()]];
-    id list = data == nil ? nil
-                          : [NSPropertyListSerialization propertyListWithData:data
-                                                                      options:0
-                                                                       format:nullptr
-                                                                        error:nullptr];
-    if (![list isKindOfClass:[NSDictionary class]])
-        return {};
+    NSDictionary* const list = foundation::propertyListAt(path);
     return {firstText(list, {@"CFBundleDisplayName", @"CFBundleName", @"ApplicationName"}),
             firstText(list, {@"CFBundleIdentifier"}),
             firstText(list, {@"CFBundleExecutable", @"NSExecutable"})};

@@ -5,6 +5,7 @@
 
 #include "CoreServices/VolumeLinks.h"
 #include "Foundation/BundleLayout.h"
+#import "Foundation/PropertyListFile.h"
 #include "Foundation/ReplaceMethod.h"
 
 #include <map>
@@ -59,13 +60,8 @@ std::optional<BundleLayout> layoutOf(NSBundle* bundle) {
 }
 
 NSDictionary* readInformation(const std::string& path) {
-    NSData* const data = path.empty() ? nil : [NSData dataWithContentsOfFile:text(path)];
-    id const list = data == nil ? nil
-                                : [NSPropertyListSerialization propertyListWithData:data
-                                                                            options:0
-                                                                             format:nullptr
-                                                                              error:nullptr];
-    return [list isKindOfClass:[NSDictionary class]] ? list : [NSDictionary dictionary];
+    NSDictionary* const list = foundation::propertyListAt(path);
+    return list == nil ? [NSDictionary dictionary] : list;
 }
 
 /// Read once, as GNUstep does. Owner: the process.

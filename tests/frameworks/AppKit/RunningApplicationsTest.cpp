@@ -194,6 +194,24 @@ TEST_F(Machine, AListOfPropertiesThatIsNoneGivesTheFoldersName) {
     EXPECT_THAT(applications(), ElementsAre("Photo Box  10"));
 }
 
+TEST_F(Machine, AListThatEndsGNUstepsReaderIsNoneAsWell) {
+    const std::string program = makeProgram("Photo Box.app/Contents/MacOS/Photo");
+    // An array that holds itself.
+    std::string list = "bplist00\xA1";
+    list += std::string(1, '\0') + "\x08" + std::string(6, '\0') + "\x01\x01" +
+            std::string(7, '\0') + "\x01" + std::string(15, '\0') + "\x0A";
+    writeFile(folder / "Photo Box.app/Contents/Info.plist", list);
+    run({10, program});
+    EXPECT_THAT(applications(), ElementsAre("Photo Box  10"));
+}
+
+TEST_F(Machine, APipeInTheListsPlaceIsNotWaitedFor) {
+    const std::string program = makeProgram("Photo Box.app/Contents/MacOS/Photo");
+    ASSERT_EQ(mkfifo((folder / "Photo Box.app/Contents/Info.plist").c_str(), 0600), 0);
+    run({10, program});
+    EXPECT_THAT(applications(), ElementsAre("Photo Box  10"));
+}
+
 TEST_F(Machine, ProcessesThatEndMeanwhileAreLeftOut) {
     makeEntry("photo.desktop", "Name=Photo\nExec=photo\n");
     run({10, makeProgram("bin/photo")});
