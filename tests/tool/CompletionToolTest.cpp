@@ -62,9 +62,9 @@ protected:
     std::vector<std::string> inZsh(const std::string& words, int last, const std::string& prefix) {
         writeFile(folder / "try",
                   "_describe() { local -a list; [[ $1 == -o ]] && shift; list=(\"${(@P)2}\");"
-                  " print -l \"${(@)list}\" }\n"
+                  " print -l -- \"${(@)list}\" }\n"
                   "_files() { print FILES }\n"
-                  "compadd() { print -l \"${(@P)2}\" }\n"
+                  "compadd() { print -l -- \"${(@P)2}\" }\n"
                   "words=(" +
                       words + ")\nCURRENT=" + std::to_string(last) + "\nPREFIX='" + prefix +
                       "'\nsource " + file("zsh") + "\n");
@@ -95,8 +95,7 @@ TEST_F(CompletionTool, BashCompletesValues) {
 }
 
 TEST_F(CompletionTool, FishCompletesWithWhatIsDone) {
-    EXPECT_THAT(inFish("ula scr"),
-                ElementsAre(testing::StartsWith("screens\t")));
+    EXPECT_THAT(inFish("ula scr"), ElementsAre(testing::StartsWith("screens\t")));
     EXPECT_THAT(inFish("ula secret a"), Contains(testing::StartsWith("add\tStore a password")));
     EXPECT_THAT(inFish("ula screens --j"), ElementsAre("--json\tAs JSON"));
     EXPECT_THAT(inFish("ula secret move s"), Contains("service"));

@@ -67,8 +67,8 @@ std::string CommandDescription::synopsis() const {
 }
 
 CommandDescription describe(const CLI::App& command) {
-    CommandDescription result{nameOf(command), command.get_description(), command.get_footer(),
-                              {}, {}};
+    CommandDescription result{
+        nameOf(command), command.get_description(), command.get_footer(), {}, {}};
     for (const CLI::Option* option : command.get_options())
         if (!option->get_group().empty())
             result.options.push_back(describe(*option));

@@ -76,31 +76,32 @@ Text bashBranch(const CommandDescription& command) {
     std::vector<Text> words = namesOfCommands(command);
     const std::vector<Text> choices = choicesOfArguments(command);
     words.insert(words.end(), choices.begin(), choices.end());
-    return "        \"" + command.name + "\")\n            words=" + quotedForShell(wordsOf(words)) +
+    return "        \"" + command.name +
+           "\")\n            words=" + quotedForShell(wordsOf(words)) +
            "\n            options=" + quotedForShell(wordsOf(namesOfOptions(command))) +
            "\n            ;;\n";
 }
 
 Text bashCompletion(const CommandDescription& tool) {
-    Text text = "# Completes ula in bash; from ula " ULA_VERSION ".\n_ula() {\n"
-                "    local current=${COMP_WORDS[COMP_CWORD]} command=ula words= options= values= i\n"
-                "    for ((i = 1; i < COMP_CWORD; ++i)); do\n"
-                "        case \"$command ${COMP_WORDS[i]}\" in\n        " +
-                patterns(tool) +
-                ") command=\"$command ${COMP_WORDS[i]}\" ;;\n        esac\n    done\n"
-                "    case \"$command\" in\n";
+    Text text =
+        "# Completes ula in bash; from ula " ULA_VERSION ".\n_ula() {\n"
+        "    local current=${COMP_WORDS[COMP_CWORD]} command=ula words= options= values= i\n"
+        "    for ((i = 1; i < COMP_CWORD; ++i)); do\n"
+        "        case \"$command ${COMP_WORDS[i]}\" in\n        " +
+        patterns(tool) +
+        ") command=\"$command ${COMP_WORDS[i]}\" ;;\n        esac\n    done\n"
+        "    case \"$command\" in\n";
     for (const CommandDescription* command : withAllBelow(tool))
         text += bashBranch(*command);
     text += "    esac\n    case \"$command ${COMP_WORDS[COMP_CWORD - 1]}\" in\n";
     text += valueBranches(tool, [](const Text& pattern, const std::vector<Text>& values) {
         return "        " + pattern + ") values=" + quotedForShell(wordsOf(values)) + " ;;\n";
     });
-    return text +
-           "    esac\n"
-           "    [[ $current != -* ]] || words=$options\n"
-           "    mapfile -t COMPREPLY < <(compgen -W \"${values:-$words}\" -- \"$current\")\n"
-           "}\n"
-           "complete -o default -F _ula ula\n";
+    return text + "    esac\n"
+                  "    [[ $current != -* ]] || words=$options\n"
+                  "    mapfile -t COMPREPLY < <(compgen -W \"${values:-$words}\" -- \"$current\")\n"
+                  "}\n"
+                  "complete -o default -F _ula ula\n";
 }
 
 /// "name:what it does", a colon in the name escaped.

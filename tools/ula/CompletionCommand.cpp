@@ -59,9 +59,8 @@ void addCompletionCommand(CLI::App& program, ExitCode& result) {
         program.add_subcommand("manuals", "Write the manual pages into a folder");
     manuals->group("");
     manuals->add_option("FOLDER", *folder, "Made if need be")->required();
-    manuals->callback([folder, &program, &result] {
-        result = writeManuals(describe(program), *folder);
-    });
+    manuals->callback(
+        [folder, &program, &result] { result = writeManuals(describe(program), *folder); });
 }
 
 }  // namespace tav::tool
