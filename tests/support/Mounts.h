@@ -19,7 +19,7 @@ inline std::string onStartupDisk(const std::string& path) {
 /// Something mounted on a folder, which is made if need be, and taken away again.
 class Mounted {
 public:
-    ~Mounted();
+    virtual ~Mounted();
     Mounted(const Mounted&) = delete;
     Mounted& operator=(const Mounted&) = delete;
 
