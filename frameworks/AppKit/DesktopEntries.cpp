@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "AppKit/DesktopEntries.h"
 
-#include "AppKit/FileDescriptor.h"
+#include "CoreFoundation/Descriptor.h"
 
 #include <algorithm>
 #include <climits>
@@ -44,10 +44,10 @@ std::vector<std::string> foldersOfProcess() {
 }
 
 std::string beginningOf(const std::string& path, size_t largest) {
-    const FileDescriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    const cf::Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     std::string text;
     char part[16384];
-    while (file.valid() && text.size() < largest) {
+    while (file && text.size() < largest) {
         const ssize_t size = read(file.get(), part, std::min(sizeof part, largest - text.size()));
         if (size <= 0)
             break;

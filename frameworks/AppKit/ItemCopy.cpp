@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "AppKit/ItemCopy.h"
 
-#include "AppKit/FileDescriptor.h"
+#include "CoreFoundation/Descriptor.h"
 
 #include <cerrno>
 #include <climits>
@@ -75,13 +75,13 @@ int copyContent(int from, int to) {
 }
 
 int copyFile(const Place& from, const Place& to, const struct stat& info) {
-    FileDescriptor source(
+    cf::Descriptor source(
         openat(from.folder, from.name.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC));
-    if (!source.valid())
+    if (!source)
         return errno;
-    FileDescriptor copy(openat(to.folder, to.name.c_str(),
+    cf::Descriptor copy(openat(to.folder, to.name.c_str(),
                                O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
-    if (!copy.valid())
+    if (!copy)
         return errno;
     if (int error = copyContent(source.get(), copy.get()))
         return error;
@@ -91,13 +91,13 @@ int copyFile(const Place& from, const Place& to, const struct stat& info) {
 }
 
 int copyFolder(const Place& from, const Place& to, const struct stat& info) {
-    FileDescriptor source(
+    cf::Descriptor source(
         openat(from.folder, from.name.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
-    if (!source.valid() || mkdirat(to.folder, to.name.c_str(), 0700) != 0)
+    if (!source || mkdirat(to.folder, to.name.c_str(), 0700) != 0)
         return errno;
-    FileDescriptor copy(
+    cf::Descriptor copy(
         openat(to.folder, to.name.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
-    if (!copy.valid())
+    if (!copy)
         return errno;
     int error = forEachEntry(source.get(), [&](const std::string& name) {
         return copyTree({source.get(), name}, {copy.get(), name});
@@ -152,9 +152,9 @@ int removeItem(const Place& place) {
         return 0;
     if (errno != EISDIR && errno != EPERM)
         return errno;
-    FileDescriptor folder(
+    cf::Descriptor folder(
         openat(place.folder, place.name.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
-    if (!folder.valid())
+    if (!folder)
         return errno;
     int error = forEachEntry(folder.get(), [&](const std::string& name) {
         return removeItem({folder.get(), name});

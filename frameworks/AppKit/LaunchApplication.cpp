@@ -2,9 +2,9 @@
 #include "AppKit/LaunchApplication.h"
 
 #include "AppKit/ActivateWindows.h"
-#include "AppKit/FileDescriptor.h"
 #include "AppKit/RunningApplications.h"
 #include "AppKit/SessionBus.h"
+#include "CoreFoundation/Descriptor.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -95,8 +95,8 @@ bool startProgram(const std::vector<std::string>& words) {
     int ends[2];
     if (pipe2(ends, O_CLOEXEC) != 0)
         return false;
-    const FileDescriptor reader(ends[0]);
-    FileDescriptor report(ends[1]);
+    const cf::Descriptor reader(ends[0]);
+    cf::Descriptor report(ends[1]);
     std::vector<char*> pointers;
     for (const std::string& word : words)
         pointers.push_back(const_cast<char*>(word.c_str()));
@@ -104,7 +104,7 @@ bool startProgram(const std::vector<std::string>& words) {
     const pid_t child = fork();
     if (child == 0)
         runAsGrandchild(pointers.data(), report.get());
-    report = FileDescriptor();
+    report = cf::Descriptor();
     while (child > 0 && waitpid(child, nullptr, 0) < 0 && errno == EINTR) {
     }
     int error = 0;

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "AppKit/LauncherProgress.h"
 
-#include "AppKit/FileDescriptor.h"
 #include "AppKit/ProcessTable.h"
 #include "AppKit/RunningApplications.h"
 #include "AppKit/SessionBus.h"
+#include "CoreFoundation/Descriptor.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -62,19 +62,19 @@ void mark() {
     const std::string path = markPath();
     if (path.empty())
         return;
-    const FileDescriptor file(
+    const cf::Descriptor file(
         open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOFOLLOW, 0600));
     const std::string text = std::to_string(getpid());
     // Without the mark a dock that does not notice the end of programs shows what was last.
-    if (file.valid() && write(file.get(), text.data(), text.size()) < 0)
+    if (file && write(file.get(), text.data(), text.size()) < 0)
         unlink(path.c_str());
 }
 
 // The one that shows progress still runs.
 bool isAlive(const std::string& path) {
-    const FileDescriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW));
+    const cf::Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW));
     char text[16] = {};
-    if (!file.valid() || read(file.get(), text, sizeof text - 1) <= 0)
+    if (!file || read(file.get(), text, sizeof text - 1) <= 0)
         return false;
     const ProcessTable processes;
     const pid_t process = atoi(text);

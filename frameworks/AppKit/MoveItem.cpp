@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "AppKit/MoveItem.h"
 
-#include "AppKit/FileDescriptor.h"
+#include "CoreFoundation/Descriptor.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -15,9 +15,9 @@ namespace {
 int makePlaceholder(const Place& place, bool folder) {
     if (folder)
         return mkdirat(place.folder, place.name.c_str(), 0700) == 0 ? 0 : errno;
-    FileDescriptor file(openat(place.folder, place.name.c_str(),
+    cf::Descriptor file(openat(place.folder, place.name.c_str(),
                                O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
-    return file.valid() ? 0 : errno;
+    return file ? 0 : errno;
 }
 
 }  // namespace

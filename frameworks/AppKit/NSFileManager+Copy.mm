@@ -4,9 +4,9 @@
 // of something that is there.
 #import <Foundation/Foundation.h>
 
-#include "AppKit/FileDescriptor.h"
 #include "AppKit/ItemCopy.h"
 #include "AppKit/MoveItem.h"
+#include "CoreFoundation/Descriptor.h"
 #import "Foundation/NSFileManager+Trash.h"
 
 #include <algorithm>
@@ -16,7 +16,7 @@
 #include <string>
 #include <unistd.h>
 
-using appkit::FileDescriptor;
+using cf::Descriptor;
 using appkit::Place;
 
 namespace {
@@ -43,8 +43,8 @@ int copyWhole(const std::string& from, const std::string& to) {
     const std::string folder =
         slash == std::string::npos ? "." : to.substr(0, std::max<size_t>(slash, 1));
     const std::string name = to.substr(slash == std::string::npos ? 0 : slash + 1);
-    const FileDescriptor parent(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (!parent.valid())
+    const cf::Descriptor parent(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!parent)
         return errno;
     if (faccessat(parent.get(), name.c_str(), F_OK, AT_SYMLINK_NOFOLLOW) == 0)
         return EEXIST;

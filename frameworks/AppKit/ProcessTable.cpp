@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "AppKit/ProcessTable.h"
 
-#include "AppKit/FileDescriptor.h"
+#include "CoreFoundation/Descriptor.h"
 
 #include <algorithm>
 #include <cctype>
@@ -21,10 +21,10 @@ namespace {
 
 // Empty when there is nothing to read, for whatever reason.
 std::string contentOf(const std::string& path) {
-    const FileDescriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    const cf::Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
     std::string text;
     char part[4096];
-    for (ssize_t size; file.valid() && (size = read(file.get(), part, sizeof part)) > 0;)
+    for (ssize_t size; file && (size = read(file.get(), part, sizeof part)) > 0;)
         text.append(part, static_cast<size_t>(size));
     return text;
 }

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "AppKit/Trash.h"
 
-#include "AppKit/FileDescriptor.h"
 #include "AppKit/MoveItem.h"
 #include "AppKit/TrashFolder.h"
+#include "CoreFoundation/Descriptor.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -44,7 +44,7 @@ TrashOutcome failure(TrashStatus status, int error = 0) {
 }
 
 struct ItemPlace {
-    FileDescriptor folder;
+    cf::Descriptor folder;
     TrashableItem item;
     struct statx folderInfo {};
     struct statx itemInfo {};
@@ -79,8 +79,8 @@ int findItem(const std::string& path, ItemPlace* place) {
     auto [folder, leaf] = splitPath(path);
     if (leaf.empty() || path.find('\0') != std::string::npos)
         return path.empty() ? ENOENT : EINVAL;
-    place->folder = FileDescriptor(open(folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
-    if (!place->folder.valid())
+    place->folder = cf::Descriptor(open(folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+    if (!place->folder)
         return errno;
     place->item = {place->folder.get(), leaf, pathOf(place->folder.get())};
     place->item.path += place->item.path == "/" ? leaf : "/" + leaf;

@@ -15,13 +15,13 @@ namespace {
 
 constexpr unsigned kMostAttempts = 1000;
 
-FileDescriptor openFolder(int parent, const std::string& name) {
-    return FileDescriptor(
+cf::Descriptor openFolder(int parent, const std::string& name) {
+    return cf::Descriptor(
         openat(parent, name.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
 }
 
 // Opens a folder, made if it is missing. Links are not followed.
-FileDescriptor openOrMake(int parent, const std::string& name) {
+cf::Descriptor openOrMake(int parent, const std::string& name) {
     if (mkdirat(parent, name.c_str(), 0700) != 0 && errno != EEXIST)
         return {};
     return openFolder(parent, name);
@@ -51,17 +51,17 @@ bool isSticky(int folder) {
 }
 
 // The user's folder within the one an administrator has set up for all.
-FileDescriptor openShared(int top, uid_t user) {
-    FileDescriptor shared = openFolder(top, ".Trash");
-    if (!shared.valid() || !isSticky(shared.get()))
+cf::Descriptor openShared(int top, uid_t user) {
+    cf::Descriptor shared = openFolder(top, ".Trash");
+    if (!shared || !isSticky(shared.get()))
         return {};
-    FileDescriptor own = openOrMake(shared.get(), std::to_string(user));
-    return own.valid() && belongsTo(own.get(), user) ? std::move(own) : FileDescriptor();
+    cf::Descriptor own = openOrMake(shared.get(), std::to_string(user));
+    return own && belongsTo(own.get(), user) ? std::move(own) : cf::Descriptor();
 }
 
-FileDescriptor openOwn(int top, uid_t user) {
-    FileDescriptor own = openOrMake(top, ".Trash-" + std::to_string(user));
-    return own.valid() && belongsTo(own.get(), user) ? std::move(own) : FileDescriptor();
+cf::Descriptor openOwn(int top, uid_t user) {
+    cf::Descriptor own = openOrMake(top, ".Trash-" + std::to_string(user));
+    return own && belongsTo(own.get(), user) ? std::move(own) : cf::Descriptor();
 }
 
 bool writeAll(int file, const std::string& text) {
@@ -88,7 +88,7 @@ std::string pathOf(int descriptor) {
     return length > 0 ? std::string(path, static_cast<size_t>(length)) : std::string();
 }
 
-TrashFolder::TrashFolder(FileDescriptor folder, std::string path, std::string top)
+TrashFolder::TrashFolder(cf::Descriptor folder, std::string path, std::string top)
     : _path(std::move(path)),
       _top(std::move(top)),
       _folder(std::move(folder)),
@@ -96,14 +96,14 @@ TrashFolder::TrashFolder(FileDescriptor folder, std::string path, std::string to
       _info(openOrMake(_folder.get(), "info")) {
 }
 
-std::optional<TrashFolder> TrashFolder::open(FileDescriptor folder, std::string top, int* error) {
+std::optional<TrashFolder> TrashFolder::open(cf::Descriptor folder, std::string top, int* error) {
     *error = errno;
-    if (!folder.valid())
+    if (!folder)
         return std::nullopt;
     std::string path = pathOf(folder.get());
     TrashFolder trash(std::move(folder), std::move(path), std::move(top));
     *error = errno;
-    if (!trash._files.valid() || !trash._info.valid())
+    if (!trash._files || !trash._info)
         return std::nullopt;
     return trash;
 }
@@ -112,18 +112,18 @@ std::optional<TrashFolder> TrashFolder::openHome(const TrashPlaces& places, int*
     *error = ENOENT;
     if (places.homeTrash.empty() || places.homeTrash[0] != '/')
         return std::nullopt;
-    FileDescriptor folder;
+    cf::Descriptor folder;
     if (makeFolders(places.homeTrash))
         folder =
-            FileDescriptor(::open(places.homeTrash.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+            cf::Descriptor(::open(places.homeTrash.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     return open(std::move(folder), {}, error);
 }
 
 std::optional<TrashFolder> TrashFolder::openTop(const coreservices::Mount& mount,
                                                 const TrashPlaces& places, int* error) {
-    FileDescriptor top(::open(mount.point.c_str(), O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+    cf::Descriptor top(::open(mount.point.c_str(), O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
     *error = errno;
-    if (!top.valid())
+    if (!top)
         return std::nullopt;
     if (auto trash = open(openShared(top.get(), places.user), mount.point, error))
         return trash;
@@ -151,9 +151,9 @@ std::string TrashFolder::pathToRecord(const std::string& path) const {
 }
 
 int TrashFolder::writeInfo(const std::string& name, const std::string& text) const {
-    FileDescriptor file(openat(_info.get(), name.c_str(),
+    cf::Descriptor file(openat(_info.get(), name.c_str(),
                                O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
-    if (!file.valid())
+    if (!file)
         return errno;
     // Some file systems tell of a full disk only when the file is closed.
     if (writeAll(file.get(), text) && ::close(file.release()) == 0)

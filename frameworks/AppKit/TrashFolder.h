@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "AppKit/FileDescriptor.h"
 #include "AppKit/Trash.h"
+#include "CoreFoundation/Descriptor.h"
 
 #include <optional>
 #include <string>
@@ -35,8 +35,8 @@ public:
     int put(const TrashableItem& item, std::time_t when, TrashReceipt* receipt) const;
 
 private:
-    TrashFolder(FileDescriptor folder, std::string path, std::string top);
-    static std::optional<TrashFolder> open(FileDescriptor folder, std::string top, int* error);
+    TrashFolder(cf::Descriptor folder, std::string path, std::string top);
+    static std::optional<TrashFolder> open(cf::Descriptor folder, std::string top, int* error);
 
     std::string pathToRecord(const std::string& path) const;
     int writeInfo(const std::string& name, const std::string& text) const;
@@ -46,9 +46,9 @@ private:
 
     std::string _path;
     std::string _top;  // where the file system is mounted; empty for the home trash
-    FileDescriptor _folder;
-    FileDescriptor _files;
-    FileDescriptor _info;
+    cf::Descriptor _folder;
+    cf::Descriptor _files;
+    cf::Descriptor _info;
 };
 
 // The path a descriptor stands for. Fails: empty.

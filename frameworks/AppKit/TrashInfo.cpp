@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "AppKit/TrashInfo.h"
 
+#include "CoreFoundation/PercentDecoded.h"
+
 #include <algorithm>
 #include <cstring>
 #include <random>
@@ -31,30 +33,6 @@ std::string percentEncoded(std::string_view path) {
         encoded += digits[byte & 15];
     }
     return encoded;
-}
-
-int digitValue(char c) {
-    if (c >= '0' && c <= '9')
-        return c - '0';
-    char lower = static_cast<char>(c | 0x20);
-    return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
-}
-
-// A sign that begins no escape stands for itself.
-std::string percentDecoded(std::string_view text) {
-    std::string decoded;
-    for (size_t i = 0; i < text.size(); ++i) {
-        bool whole = text[i] == '%' && i + 2 < text.size();
-        int high = whole ? digitValue(text[i + 1]) : -1;
-        int low = whole ? digitValue(text[i + 2]) : -1;
-        if (high < 0 || low < 0) {
-            decoded += text[i];
-            continue;
-        }
-        decoded += static_cast<char>(high * 16 + low);
-        i += 2;
-    }
-    return decoded;
 }
 
 // The dot of a dot file begins no extension.
@@ -107,7 +85,7 @@ std::optional<TrashInfo> parseTrashInfo(std::string_view text) {
             inSection = line == "[Trash Info]";
         // The first of each counts.
         else if (inSection && line.substr(0, 5) == "Path=" && info.path.empty())
-            info.path = percentDecoded(line.substr(5));
+            info.path = cf::percentDecoded(line.substr(5));
         else if (inSection && line.substr(0, 13) == "DeletionDate=" && info.date.empty())
             info.date = line.substr(13);
     }

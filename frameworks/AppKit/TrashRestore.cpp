@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "AppKit/Trash.h"
 
-#include "AppKit/FileDescriptor.h"
 #include "AppKit/ItemCopy.h"
 #include "AppKit/MoveItem.h"
+#include "CoreFoundation/Descriptor.h"
 
 #include <cerrno>
 #include <fcntl.h>
@@ -16,7 +16,7 @@ namespace {
 
 // An open folder and a name in it.
 struct OpenPlace {
-    FileDescriptor folder;
+    cf::Descriptor folder;
     Place place;
 };
 
@@ -25,9 +25,9 @@ int openPlace(const std::string& path, OpenPlace* opened) {
     if (slash == std::string::npos || slash + 1 == path.size() || path[0] != '/')
         return EINVAL;
     std::string folder = slash == 0 ? "/" : path.substr(0, slash);
-    opened->folder = FileDescriptor(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    opened->folder = cf::Descriptor(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     opened->place = {opened->folder.get(), path.substr(slash + 1)};
-    return opened->folder.valid() ? 0 : errno;
+    return opened->folder ? 0 : errno;
 }
 
 // Makes the folders above a path that are missing.

@@ -17,13 +17,13 @@ constexpr uint32_t kEdges = EPOLLIN | EPOLLET;
 constexpr uint32_t kNames = IN_CREATE | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO | IN_DELETE_SELF |
                             IN_MOVE_SELF | IN_ONLYDIR;
 
-bool control(const FileDescriptor& set, int operation, const FileDescriptor& member) {
+bool control(const cf::Descriptor& set, int operation, const cf::Descriptor& member) {
     epoll_event event{};
     event.events = kEdges;
     return epoll_ctl(set.get(), operation, member.get(), &event) == 0;
 }
 
-void drain(const FileDescriptor& events) {
+void drain(const cf::Descriptor& events) {
     char bytes[4096];
     while (read(events.get(), bytes, sizeof bytes) > 0) {
     }
@@ -37,7 +37,7 @@ VolumeWatch::VolumeWatch(std::string folder)
       _names(inotify_init1(IN_NONBLOCK | IN_CLOEXEC)),
       _changes(epoll_create1(EPOLL_CLOEXEC)) {
     if (!control(_changes, EPOLL_CTL_ADD, _mounts)) {
-        _changes = FileDescriptor();
+        _changes = cf::Descriptor();
         return;
     }
     control(_changes, EPOLL_CTL_ADD, _names);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "AppKit/FileDescriptor.h"
+#include "CoreFoundation/Descriptor.h"
 
 #include <string>
 
@@ -28,9 +28,9 @@ private:
     void watchFolder();
 
     std::string _folder;
-    FileDescriptor _mounts;
-    FileDescriptor _names;  // invalid where there are too many of the kind: names are not watched
-    FileDescriptor _changes;
+    cf::Descriptor _mounts;
+    cf::Descriptor _names;  // invalid where there are too many of the kind: names are not watched
+    cf::Descriptor _changes;
     int _watch = -1;
 };
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "CoreServices/DesktopLink.h"
 
+#include "CoreFoundation/PercentDecoded.h"
+
 #include <algorithm>
 #include <cctype>
 #include <cstdlib>
@@ -156,30 +158,7 @@ bool isThisHost(std::string_view host) {
     return gethostname(name, sizeof name - 1) == 0 && lowerCase(host) == lowerCase(name);
 }
 
-int digitValue(char c) {
-    if (c >= '0' && c <= '9')
-        return c - '0';
-    char lower = static_cast<char>(c | 0x20);
-    return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
-}
-
 }  // namespace
-
-std::string percentDecoded(std::string_view text) {
-    std::string decoded;
-    for (size_t i = 0; i < text.size(); ++i) {
-        bool whole = text[i] == '%' && i + 2 < text.size();
-        int high = whole ? digitValue(text[i + 1]) : -1;
-        int low = whole ? digitValue(text[i + 2]) : -1;
-        if (high < 0 || low < 0) {
-            decoded += text[i];
-            continue;
-        }
-        decoded += static_cast<char>(high * 16 + low);
-        i += 2;
-    }
-    return decoded;
-}
 
 std::string localPath(std::string_view url) {
     std::string path(url);
@@ -191,7 +170,7 @@ std::string localPath(std::string_view url) {
                 return {};
             rest.remove_prefix(slash);
         }
-        path = percentDecoded(rest);
+        path = cf::percentDecoded(rest);
     }
     bool usable = !path.empty() && path[0] == '/' && path.find('\0') == std::string::npos;
     return usable ? path : std::string();

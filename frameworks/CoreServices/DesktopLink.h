@@ -27,7 +27,4 @@ bool isOtherDesktopEntry(std::string_view beginning);
 // The path in "file:" URLs of this host and in absolute paths, else empty.
 std::string localPath(std::string_view url);
 
-// The escapes "%20" undone; a sign that begins no escape stands for itself.
-std::string percentDecoded(std::string_view text);
-
 }  // namespace coreservices

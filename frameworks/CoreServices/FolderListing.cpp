@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "CoreServices/FolderListing.h"
 
+#include "CoreFoundation/Descriptor.h"
 #include "CoreServices/AccessRights.h"
 #include "CoreServices/AliasFile.h"
 #include "CoreServices/HiddenNames.h"
@@ -31,22 +32,6 @@ constexpr std::size_t kLargestRead = 1 << 18;
 constexpr unsigned int kWanted = STATX_TYPE | STATX_MODE | STATX_UID | STATX_SIZE;
 // For a mount that a listing comes across.
 constexpr std::chrono::milliseconds kPatience(2000);
-
-class Descriptor {
-public:
-    explicit Descriptor(int number) : _number(number) {}
-    ~Descriptor() {
-        if (_number >= 0)
-            close(_number);
-    }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-
-    int number() const { return _number; }
-
-private:
-    int _number;
-};
 
 // Pipes and the like have names that are no paths, and what was removed has none any more.
 bool isPath(std::string_view name) {
@@ -216,10 +201,10 @@ void FolderListing::lookAtLink(const FolderEntry& entry, EntryFacts& facts) {
     const char* const name = entry.name.data();
     facts.isOrdinary = true;
     facts.type = ItemType::SymbolicLink;
-    const Descriptor target(openat(folder.descriptor, name, O_PATH | O_CLOEXEC));
+    const cf::Descriptor target(openat(folder.descriptor, name, O_PATH | O_CLOEXEC));
     struct statx item;
-    if (target.number() < 0 ||
-        statx(target.number(), "", AT_EMPTY_PATH, kWanted | STATX_MNT_ID, &item) != 0)
+    if (target.get() < 0 ||
+        statx(target.get(), "", AT_EMPTY_PATH, kWanted | STATX_MNT_ID, &item) != 0)
         return;
     const bool isElsewhere = item.stx_mnt_id != folder.mount;
     facts.isDirectory = S_ISDIR(item.stx_mode);
@@ -227,7 +212,7 @@ void FolderListing::lookAtLink(const FolderEntry& entry, EntryFacts& facts) {
                                    : folder.rights.isReadable(name, item);
     facts.isWritable = isElsewhere ? faccessat(folder.descriptor, name, W_OK, 0) == 0
                                    : folder.rights.isWritable(name, item);
-    const std::string path = pathOfDescriptor(target.number());
+    const std::string path = pathOfDescriptor(target.get());
     facts.isOrdinary = isPath(path);
     facts.target = folder.links.name(path);
 }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "CoreServices/NetworkPlace.h"
 
-#include "CoreServices/DesktopLink.h"
+#include "CoreFoundation/PercentDecoded.h"
 
 #include <algorithm>
 #include <cctype>
@@ -45,7 +45,7 @@ Place placeOf(std::string_view url) {
     std::string_view rest = url.substr(colon + 3);
     size_t slash = std::min(rest.find('/'), rest.size());
     return {lowerCase(url.substr(0, colon)), lowerCase(withoutUserAndPort(rest.substr(0, slash))),
-            withoutLastSlashes(percentDecoded(rest.substr(slash)))};
+            withoutLastSlashes(cf::percentDecoded(rest.substr(slash)))};
 }
 
 bool isOneOf(const std::string& word, std::initializer_list<const char*> words) {

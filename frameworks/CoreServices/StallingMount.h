@@ -15,6 +15,6 @@ std::optional<std::string> stallingMountOn(const std::string& path,
                                            const std::vector<Mount>& mounts);
 
 // Whether asking a file system of this type may take for ever.
-bool mayStall(const Mount& mount);
+__attribute__((visibility("default"))) bool mayStall(const Mount& mount);
 
 }  // namespace coreservices

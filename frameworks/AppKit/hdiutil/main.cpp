@@ -5,7 +5,7 @@
 //
 // The folder is the one on which it is mounted, or a link to that. What is in use stays. Users
 // without rights of their own have udisks do it, as their desktop had udisks mount it.
-#include "AppKit/FileDescriptor.h"
+#include "CoreFoundation/Descriptor.h"
 #include "CoreServices/MountInfo.h"
 
 #include <cerrno>
@@ -85,8 +85,8 @@ int unmount(const coreservices::Mount& mount) {
 void freeLoop(const std::string& device) {
     if (!device.starts_with(kLoop))
         return;
-    const appkit::FileDescriptor loop(open(device.c_str(), O_RDONLY | O_CLOEXEC));
-    if (loop.valid())
+    const cf::Descriptor loop(open(device.c_str(), O_RDONLY | O_CLOEXEC));
+    if (loop)
         ioctl(loop.get(), LOOP_CLR_FD, 0);
     else
         callUdisks(device, "org.freedesktop.UDisks2.Loop", "Delete");

@@ -6,9 +6,9 @@
 // The process of that number, if it runs that program, is waited for first. Where there is no such
 // bundle, the program itself is what is opened.
 #include "AppKit/ApplicationIdentity.h"
-#include "AppKit/FileDescriptor.h"
 #include "AppKit/LaunchApplication.h"
 #include "AppKit/ProcessTable.h"
+#include "CoreFoundation/Descriptor.h"
 
 #include <cerrno>
 #include <climits>
@@ -58,8 +58,8 @@ void leaveParent() {
 void waitForEnd(pid_t process, const std::string& program) {
     if (process <= 0)
         return;
-    const appkit::FileDescriptor held(static_cast<int>(syscall(SYS_pidfd_open, process, 0)));
-    if (!held.valid() || appkit::ProcessTable().program(process) != program)
+    const cf::Descriptor held(static_cast<int>(syscall(SYS_pidfd_open, process, 0)));
+    if (!held || appkit::ProcessTable().program(process) != program)
         return;
     pollfd end = {held.get(), POLLIN, 0};
     while (poll(&end, 1, -1) < 0 && errno == EINTR) {

@@ -13,21 +13,15 @@
 
 namespace security {
 
+using cf::retryInterrupted;
+
 namespace {
 
 constexpr mode_t kOthers = S_IRWXG | S_IRWXO;
 constexpr mode_t kOthersWrite = S_IWGRP | S_IWOTH;
 
-template <class Call>
-auto retryInterrupted(Call call) {
-    auto result = call();
-    while (result < 0 && errno == EINTR)
-        result = call();
-    return result;
-}
-
-FileDescriptor openFile(const std::string& path, int flags) {
-    return FileDescriptor(retryInterrupted(
+cf::Descriptor openFile(const std::string& path, int flags) {
+    return cf::Descriptor(retryInterrupted(
         [&] { return ::open(path.c_str(), flags | O_CLOEXEC, S_IRUSR | S_IWUSR); }));
 }
 
@@ -62,14 +56,14 @@ bool sync(int file) {
 }
 
 bool syncFolderOf(const std::string& path) {
-    const FileDescriptor folder =
+    const cf::Descriptor folder =
         openFile(path.substr(0, path.rfind('/') + 1), O_RDONLY | O_DIRECTORY);
-    return folder.isValid() && sync(folder.get());
+    return folder && sync(folder.get());
 }
 
 bool writeNewFile(const std::string& path, std::string_view content) {
-    const FileDescriptor file = openFile(path, O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW);
-    return file.isValid() && writeAll(file.get(), content) && sync(file.get());
+    const cf::Descriptor file = openFile(path, O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW);
+    return file && writeAll(file.get(), content) && sync(file.get());
 }
 
 OSStatus refuse(const std::string& path, const char* reason) {
@@ -91,9 +85,9 @@ OSStatus openFailure(const std::string& path, int errorNumber) {
 }
 
 // Does not wait for who might write to a pipe of that name. Fails: what is no file is refused.
-OSStatus openToRead(const std::string& path, int flags, FileDescriptor& file, struct stat& facts) {
+OSStatus openToRead(const std::string& path, int flags, cf::Descriptor& file, struct stat& facts) {
     file = openFile(path, O_RDONLY | O_NONBLOCK | flags);
-    if (!file.isValid() || fstat(file.get(), &facts) != 0)
+    if (!file || fstat(file.get(), &facts) != 0)
         return openFailure(path, errno);
     return S_ISREG(facts.st_mode) ? OSStatus(errSecSuccess) : refuse(path, "it is no file");
 }
@@ -142,12 +136,12 @@ FolderLock::FolderLock(const std::string& folder, const char* name) {
     if (_status != errSecSuccess)
         return;
     _file = openFile(folder + "/" + name, O_RDWR | O_CREAT | O_NOFOLLOW);
-    if (!_file.isValid() || retryInterrupted([&] { return flock(_file.get(), LOCK_EX); }) != 0)
+    if (!_file || retryInterrupted([&] { return flock(_file.get(), LOCK_EX); }) != 0)
         _status = statusOf(errno);
 }
 
 OSStatus readFile(const std::string& path, std::string& content) {
-    FileDescriptor file;
+    cf::Descriptor file;
     struct stat facts {};
     const OSStatus status = openToRead(path, 0, file, facts);
     if (status != errSecSuccess)
@@ -158,7 +152,7 @@ OSStatus readFile(const std::string& path, std::string& content) {
 }
 
 OSStatus readPrivateFile(const std::string& path, SecretBytes& content) {
-    FileDescriptor file;
+    cf::Descriptor file;
     struct stat facts {};
     const OSStatus status = openToRead(path, O_NOFOLLOW, file, facts);
     if (status != errSecSuccess)

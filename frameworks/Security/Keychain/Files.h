@@ -2,36 +2,14 @@
 // The few files of the keychain's folder. All results are statuses of SecBase.h.
 #pragma once
 
+#include "CoreFoundation/Descriptor.h"
 #include "Security/Keychain/SecretBytes.h"
 
 #include <CoreServices/MacTypes.h>
 #include <string>
 #include <string_view>
-#include <unistd.h>
-#include <utility>
 
 namespace security {
-
-// Owns a descriptor; negative is none.
-class FileDescriptor {
-public:
-    explicit FileDescriptor(int descriptor = -1) : _descriptor(descriptor) {}
-    FileDescriptor(FileDescriptor&& other) noexcept
-        : _descriptor(std::exchange(other._descriptor, -1)) {}
-    FileDescriptor& operator=(FileDescriptor&& other) noexcept {
-        std::swap(_descriptor, other._descriptor);
-        return *this;
-    }
-    ~FileDescriptor() {
-        if (_descriptor >= 0)
-            ::close(_descriptor);
-    }
-    int get() const { return _descriptor; }
-    bool isValid() const { return _descriptor >= 0; }
-
-private:
-    int _descriptor;
-};
 
 // The status for a failed system call.
 OSStatus statusOf(int errorNumber);
@@ -48,7 +26,7 @@ public:
     OSStatus status() const { return _status; }
 
 private:
-    FileDescriptor _file;
+    cf::Descriptor _file;
     OSStatus _status;
 };
 

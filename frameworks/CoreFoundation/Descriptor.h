@@ -5,7 +5,7 @@
 #include <unistd.h>
 #include <utility>
 
-namespace imagecapture {
+namespace cf {
 
 // Owns a descriptor; negative is none.
 class Descriptor {
@@ -39,4 +39,4 @@ auto retryInterrupted(Call call) {
     return result;
 }
 
-}  // namespace imagecapture
+}  // namespace cf
