@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -25,9 +26,9 @@ public:
     // Folders are named by the names on the way to them, "/" between; "" is the device itself.
     // What is listed is sorted by name.
     virtual int list(const std::string& folder, std::vector<Item>& items) = 0;
-    // Up to `size` bytes from `offset` on; fewer only at the end of the file.
-    virtual int read(const std::string& folder, const Item& file, uint64_t offset, size_t size,
-                     std::string& bytes) = 0;
+    // Fills `bytes` from `offset` on; at the end of the file it becomes shorter.
+    virtual int read(const std::string& folder, const Item& file, uint64_t offset,
+                     std::span<char>& bytes) = 0;
     // Appends the whole file to an open one.
     virtual int copy(const std::string& folder, const Item& file, int descriptor) = 0;
     // Why the last of these failed, and what to do about it; empty when it did not.

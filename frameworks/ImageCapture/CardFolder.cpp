@@ -46,21 +46,21 @@ CardFolder::CardFolder(std::string path) : _path(std::move(path)) {
 }
 
 // Another card in the place of this one has another device.
-Descriptor CardFolder::open(const std::string& relativePath, int flags) {
-    Descriptor top(::open(_path.c_str(), O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+cf::Descriptor CardFolder::open(const std::string& relativePath, int flags) {
+    cf::Descriptor top(::open(_path.c_str(), O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
     struct stat info {};
     if (!top && errno != ENOENT)
-        return Descriptor();
+        return cf::Descriptor();
     if (!top || fstat(top.get(), &info) != 0 || info.st_dev != _device) {
         errno = ENODEV;
-        return Descriptor();
+        return cf::Descriptor();
     }
     open_how how{};
     how.flags = static_cast<uint64_t>(flags | O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
     how.resolve = RESOLVE_BENEATH | RESOLVE_NO_SYMLINKS | RESOLVE_NO_XDEV;
     const char* path = relativePath.empty() ? "." : relativePath.c_str();
-    return Descriptor(static_cast<int>(
-        retryInterrupted([&] { return syscall(SYS_openat2, top.get(), path, &how, sizeof how); })));
+    return cf::Descriptor(static_cast<int>(cf::retryInterrupted(
+        [&] { return syscall(SYS_openat2, top.get(), path, &how, sizeof how); })));
 }
 
 int CardFolder::fail(const std::string& path, int number) {
@@ -73,7 +73,7 @@ int CardFolder::fail(const std::string& path, int number) {
 int CardFolder::list(const std::string& folder, std::vector<Item>& items) {
     _problem.clear();
     items.clear();
-    Descriptor descriptor = open(folder, O_DIRECTORY);
+    cf::Descriptor descriptor = open(folder, O_DIRECTORY);
     if (!descriptor)
         return fail(folder, errno);
     OpenFolder entries(fdopendir(descriptor.get()));
@@ -94,28 +94,26 @@ int CardFolder::list(const std::string& folder, std::vector<Item>& items) {
     return 0;
 }
 
-Descriptor CardFolder::openFile(const std::string& folder, const Item& file) {
-    Descriptor opened = open(joined(folder, file.name), O_NOFOLLOW);
+cf::Descriptor CardFolder::openFile(const std::string& folder, const Item& file) {
+    cf::Descriptor opened = open(joined(folder, file.name), O_NOFOLLOW);
     struct stat info {};
     if (opened && (fstat(opened.get(), &info) != 0 || !S_ISREG(info.st_mode))) {
         errno = ENOENT;
-        return Descriptor();
+        return cf::Descriptor();
     }
     return opened;
 }
 
-int CardFolder::read(const std::string& folder, const Item& file, uint64_t offset, size_t size,
-                     std::string& bytes) {
+int CardFolder::read(const std::string& folder, const Item& file, uint64_t offset,
+                     std::span<char>& bytes) {
     _problem.clear();
-    bytes.clear();
-    Descriptor source = openFile(folder, file);
+    cf::Descriptor source = openFile(folder, file);
     if (!source)
         return fail(joined(folder, file.name), errno);
-    bytes.resize(size);
     size_t done = 0;
-    while (done < size) {
-        ssize_t count = retryInterrupted([&] {
-            return pread(source.get(), bytes.data() + done, size - done,
+    while (done < bytes.size()) {
+        ssize_t count = cf::retryInterrupted([&] {
+            return pread(source.get(), bytes.data() + done, bytes.size() - done,
                          static_cast<off_t>(offset + done));
         });
         if (count < 0)
@@ -124,13 +122,13 @@ int CardFolder::read(const std::string& folder, const Item& file, uint64_t offse
             break;
         done += static_cast<size_t>(count);
     }
-    bytes.resize(done);
+    bytes = bytes.first(done);
     return 0;
 }
 
 int CardFolder::copy(const std::string& folder, const Item& file, int descriptor) {
     _problem.clear();
-    Descriptor source = openFile(folder, file);
+    cf::Descriptor source = openFile(folder, file);
     if (!source)
         return fail(joined(folder, file.name), errno);
     struct stat info {};

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "CoreFoundation/Descriptor.h"
 #include "ImageCapture/Camera.h"
-#include "ImageCapture/Descriptor.h"
 
 #include <sys/types.h>
 
@@ -17,16 +17,16 @@ public:
     explicit CardFolder(std::string path);
 
     int list(const std::string& folder, std::vector<Item>& items) override;
-    int read(const std::string& folder, const Item& file, uint64_t offset, size_t size,
-             std::string& bytes) override;
+    int read(const std::string& folder, const Item& file, uint64_t offset,
+             std::span<char>& bytes) override;
     int copy(const std::string& folder, const Item& file, int descriptor) override;
     std::string problem() const override { return _problem; }
 
 private:
     // Of what lies below the folder. Fails: none, errno.
-    Descriptor open(const std::string& relativePath, int flags);
+    cf::Descriptor open(const std::string& relativePath, int flags);
     // A file to be read from its beginning.
-    Descriptor openFile(const std::string& folder, const Item& file);
+    cf::Descriptor openFile(const std::string& folder, const Item& file);
     int fail(const std::string& path, int number);
 
     std::string _path;

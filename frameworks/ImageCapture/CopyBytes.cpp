@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ImageCapture/CopyBytes.h"
 
-#include "ImageCapture/Descriptor.h"
+#include "CoreFoundation/Descriptor.h"
 
 #include <algorithm>
 #include <fcntl.h>
@@ -15,7 +15,7 @@ constexpr size_t kPieceSize = 1 << 20;
 
 bool writeAll(int target, const char* bytes, size_t size) {
     while (size > 0) {
-        ssize_t count = retryInterrupted([&] { return write(target, bytes, size); });
+        ssize_t count = cf::retryInterrupted([&] { return write(target, bytes, size); });
         if (count < 0)
             return false;
         bytes += count;
@@ -46,7 +46,7 @@ CopyResult copyBytes(int source, int target, uint64_t size) {
     auto buffer = std::make_unique<char[]>(kPieceSize);
     while (result.copied < size) {
         size_t wanted = static_cast<size_t>(std::min<uint64_t>(kPieceSize, size - result.copied));
-        ssize_t count = retryInterrupted([&] { return read(source, buffer.get(), wanted); });
+        ssize_t count = cf::retryInterrupted([&] { return read(source, buffer.get(), wanted); });
         if (count < 0)
             result.readError = errno;
         if (count <= 0)

@@ -11,7 +11,7 @@ namespace imagecapture {
 
 namespace {
 
-bool add(const Descriptor& set, int member, uint32_t events) {
+bool add(const cf::Descriptor& set, int member, uint32_t events) {
     epoll_event event{};
     event.events = events;
     return epoll_ctl(set.get(), EPOLL_CTL_ADD, member, &event) == 0;
@@ -26,7 +26,7 @@ DeviceWatch::DeviceWatch()
       _wish(eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC)),
       _changes(epoll_create1(EPOLL_CLOEXEC)) {
     if (!add(_changes, _wish.get(), EPOLLIN)) {
-        _changes = Descriptor();
+        _changes = cf::Descriptor();
         return;
     }
     add(_changes, _mounts.get(), EPOLLIN | EPOLLET);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "ImageCapture/Descriptor.h"
+#include "CoreFoundation/Descriptor.h"
 
 #include <memory>
 
@@ -31,9 +31,9 @@ private:
     // Without the system's device daemon nobody tells of USB.
     void watchUsb();
 
-    Descriptor _mounts;
-    Descriptor _wish;
-    Descriptor _changes;
+    cf::Descriptor _mounts;
+    cf::Descriptor _wish;
+    cf::Descriptor _changes;
     udev* _context = nullptr;
     udev_monitor* _usb = nullptr;
 };

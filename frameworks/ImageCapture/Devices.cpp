@@ -191,12 +191,12 @@ int Devices::addFiles(const Place& folder, int depth, std::vector<ObjectFacts>& 
     return 0;
 }
 
-int Devices::read(ObjectNumber file, uint64_t offset, size_t size, std::string& bytes) {
+int Devices::read(ObjectNumber file, uint64_t offset, std::span<char>& bytes) {
     Place found = place(file);
     if (!found.device || found.item.isFolder)
         return kICAInvalidObjectErr;
     return use(found.device, [&](Camera& camera) {
-        return camera.read(found.folder, found.item, offset, size, bytes);
+        return camera.read(found.folder, found.item, offset, bytes);
     });
 }
 

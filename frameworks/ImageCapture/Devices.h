@@ -45,7 +45,7 @@ public:
     int nthListed(ObjectNumber parent, size_t index, ObjectFacts& result) const;
     // The files of a device, those of a folder before those of the folders in it.
     int allFiles(ObjectNumber device, std::vector<ObjectFacts>& result);
-    int read(ObjectNumber file, uint64_t offset, size_t size, std::string& bytes);
+    int read(ObjectNumber file, uint64_t offset, std::span<char>& bytes);
     // Brings it over; `keepDate` gives it the date that the device told. `path` gets where it is.
     int download(ObjectNumber file, const std::string& folder, bool keepDate, std::string& path);
 

@@ -2,8 +2,8 @@
 // Cameras that libgphoto2 speaks to.
 #pragma once
 
+#include "CoreFoundation/Descriptor.h"
 #include "ImageCapture/Camera.h"
-#include "ImageCapture/Descriptor.h"
 
 #include <chrono>
 
@@ -22,8 +22,8 @@ public:
     ~GphotoCamera() override;
 
     int list(const std::string& folder, std::vector<Item>& items) override;
-    int read(const std::string& folder, const Item& file, uint64_t offset, size_t size,
-             std::string& bytes) override;
+    int read(const std::string& folder, const Item& file, uint64_t offset,
+             std::span<char>& bytes) override;
     int copy(const std::string& folder, const Item& file, int descriptor) override;
     std::string problem() const override { return _problem; }
 
@@ -31,7 +31,7 @@ private:
     // A file that was brought over whole, for cameras that give no parts.
     struct Fetched {
         std::string folder, name;
-        Descriptor file;
+        cf::Descriptor file;
     };
 
     int open();
@@ -42,8 +42,9 @@ private:
     void noteLife();
     bool isLate();
     int addItems(const std::string& path, bool folders, std::vector<Item>& items);
-    int readPart(const std::string& folder, const Item& file, uint64_t offset, std::string& bytes);
-    int readFetched(uint64_t offset, std::string& bytes);
+    int readPart(const std::string& folder, const Item& file, uint64_t offset,
+                 std::span<char> bytes);
+    int readFetched(uint64_t offset, std::span<char>& bytes);
     int fetch(const std::string& folder, const Item& file);
     int copyWhole(const std::string& folder, const Item& file, int descriptor);
     int fail(const std::string& what, int result);

@@ -75,13 +75,13 @@ public:
     KeptDescriptorZero& operator=(const KeptDescriptorZero&) = delete;
 
 private:
-    Descriptor _copy;
+    cf::Descriptor _copy;
     int _flags;
 };
 
 // A file that is gone with its descriptor.
-Descriptor temporaryFile() {
-    return Descriptor(::open("/tmp", O_TMPFILE | O_RDWR | O_CLOEXEC, 0600));
+cf::Descriptor temporaryFile() {
+    return cf::Descriptor(::open("/tmp", O_TMPFILE | O_RDWR | O_CLOEXEC, 0600));
 }
 
 }  // namespace
@@ -238,14 +238,14 @@ int GphotoCamera::addItem(const std::string& path, const char* name, bool isFold
     return GP_OK;
 }
 
-int GphotoCamera::read(const std::string& folder, const Item& file, uint64_t offset, size_t size,
-                       std::string& bytes) {
-    bytes.clear();
+int GphotoCamera::read(const std::string& folder, const Item& file, uint64_t offset,
+                       std::span<char>& bytes) {
     if (int error = open(); error != 0)
         return error;
-    if (offset >= file.size)
+    const uint64_t left = offset < file.size ? file.size - offset : 0;
+    bytes = bytes.first(static_cast<size_t>(std::min<uint64_t>(bytes.size(), left)));
+    if (bytes.empty())
         return 0;
-    bytes.resize(static_cast<size_t>(std::min<uint64_t>(size, file.size - offset)));
     bool isFetched = _fetched.file && _fetched.folder == folder && _fetched.name == file.name;
     int result = isFetched ? GP_ERROR_NOT_SUPPORTED : readPart(folder, file, offset, bytes);
     if (result != GP_ERROR_NOT_SUPPORTED)
@@ -257,7 +257,7 @@ int GphotoCamera::read(const std::string& folder, const Item& file, uint64_t off
 }
 
 int GphotoCamera::readPart(const std::string& folder, const Item& file, uint64_t offset,
-                           std::string& bytes) {
+                           std::span<char> bytes) {
     size_t done = 0;
     while (done < bytes.size()) {
         noteLife();
@@ -274,19 +274,19 @@ int GphotoCamera::readPart(const std::string& folder, const Item& file, uint64_t
     return GP_OK;
 }
 
-int GphotoCamera::readFetched(uint64_t offset, std::string& bytes) {
-    ssize_t count = retryInterrupted([&] {
+int GphotoCamera::readFetched(uint64_t offset, std::span<char>& bytes) {
+    ssize_t count = cf::retryInterrupted([&] {
         return pread(_fetched.file.get(), bytes.data(), bytes.size(), static_cast<off_t>(offset));
     });
     if (count < 0)
         return readingError(errno);
-    bytes.resize(static_cast<size_t>(count));
+    bytes = bytes.first(static_cast<size_t>(count));
     return 0;
 }
 
 int GphotoCamera::fetch(const std::string& folder, const Item& file) {
     _fetched = {};
-    Descriptor target = temporaryFile();
+    cf::Descriptor target = temporaryFile();
     if (!target) {
         _problem = describe("cannot write", "/tmp", errno);
         return writingError(errno);
@@ -306,7 +306,7 @@ int GphotoCamera::copyWhole(const std::string& folder, const Item& file, int des
     CameraFile* made = nullptr;
     int own = fcntl(descriptor, F_DUPFD_CLOEXEC, 0);
     if (own < 0 || gp_file_new_from_fd(&made, own) < GP_OK) {
-        Descriptor unused(own);
+        cf::Descriptor unused(own);
         return memFullErr;
     }
     FileOwner target(made);

@@ -7,6 +7,8 @@
 #import <Foundation/Foundation.h>
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
+#include <memory>
 #include <new>
 
 using imagecapture::DeviceFacts;
@@ -26,6 +28,10 @@ namespace {
 
 // More at once is of no use, and takes memory that may not be there.
 constexpr size_t kMostBytes = 1 << 26;
+
+struct FreeMemory {
+    void operator()(char* memory) const { std::free(memory); }
+};
 
 NSString* text(CFStringRef reference) {
     return reinterpret_cast<NSString*>(const_cast<__CFString*>(reference));
@@ -98,13 +104,19 @@ int copyData(const ICACopyObjectDataPB& block) {
     if (block.data == nullptr)
         return paramErr;
     *block.data = nullptr;
-    std::string bytes;
+    // Read where they stay: pictures are large.
     const size_t size = std::min<size_t>(block.requestedSize, kMostBytes);
-    if (int error = devices().read(block.object, block.startByte, size, bytes); error != 0)
+    std::unique_ptr<char, FreeMemory> memory(static_cast<char*>(std::malloc(size + 1)));
+    if (!memory)
+        return memFullErr;
+    std::span<char> bytes(memory.get(), size);
+    if (int error = devices().read(block.object, block.startByte, bytes); error != 0)
         return error;
-    *block.data = CFDataCreate(kCFAllocatorDefault, reinterpret_cast<const UInt8*>(bytes.data()),
-                               static_cast<CFIndex>(bytes.size()));
-    return *block.data == nullptr ? memFullErr : 0;
+    NSData* data = [[NSData alloc] initWithBytesNoCopy:memory.release()
+                                                length:bytes.size()
+                                          freeWhenDone:YES];
+    *block.data = reinterpret_cast<CFDataRef>(data);
+    return data == nil ? memFullErr : 0;
 }
 
 int download(const ICADownloadFilePB& block) {

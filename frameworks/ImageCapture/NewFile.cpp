@@ -9,9 +9,9 @@ namespace imagecapture {
 
 namespace {
 
-bool sync(const Descriptor& descriptor) {
+bool sync(const cf::Descriptor& descriptor) {
     // EINVAL: a file system on which this cannot be asked for.
-    return retryInterrupted([&] { return fsync(descriptor.get()); }) == 0 || errno == EINVAL;
+    return cf::retryInterrupted([&] { return fsync(descriptor.get()); }) == 0 || errno == EINVAL;
 }
 
 }  // namespace
@@ -27,7 +27,7 @@ NewFile::~NewFile() {
 }
 
 bool NewFile::open(const std::string& folder) {
-    _folder = Descriptor(retryInterrupted(
+    _folder = cf::Descriptor(cf::retryInterrupted(
         [&] { return ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); }));
     if (!_folder)
         return false;
@@ -38,7 +38,7 @@ bool NewFile::open(const std::string& folder) {
     }
     if (errno != ENOENT)
         return false;
-    _file = Descriptor(retryInterrupted(
+    _file = cf::Descriptor(cf::retryInterrupted(
         [&] { return openat(_folder.get(), ".", O_TMPFILE | O_RDWR | O_CLOEXEC, 0666); }));
     // It is to get its name through /proc.
     if (_file && access("/proc/self/fd", X_OK) == 0)
@@ -54,7 +54,7 @@ bool NewFile::createNamed() {
     std::string name = ".ula-import-" + std::to_string(getpid()) + "-" +
                        std::to_string(__sync_add_and_fetch(&serial, 1));
     unlinkat(_folder.get(), name.c_str(), 0);
-    _file = Descriptor(retryInterrupted([&] {
+    _file = cf::Descriptor(cf::retryInterrupted([&] {
         return openat(_folder.get(), name.c_str(), O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC, 0666);
     }));
     if (_file)

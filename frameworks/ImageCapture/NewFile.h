@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "ImageCapture/Descriptor.h"
+#include "CoreFoundation/Descriptor.h"
 
 #include <cstdint>
 #include <string>
@@ -38,8 +38,8 @@ private:
 
     std::string _name;
     std::string _hiddenName;  // empty while the file has none
-    Descriptor _folder;
-    Descriptor _file;
+    cf::Descriptor _folder;
+    cf::Descriptor _file;
     int _error = 0;
 };
 

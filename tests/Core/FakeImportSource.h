@@ -3,6 +3,7 @@
 
 #include "ula/src/Core/ImportSource.h"
 
+#include <algorithm>
 #include <functional>
 #include <map>
 #include <vector>
@@ -34,11 +35,11 @@ public:
         return true;
     }
     bool read(std::uint32_t file, std::uint64_t offset, std::size_t size,
-              std::string& bytes) override {
+              std::string_view& bytes) override {
         if (_facts.onRead)
             _facts.onRead(offset);
         const std::string& all = _facts.contents[file];
-        bytes = offset < all.size() ? all.substr(offset, size) : "";
+        bytes = std::string_view(all).substr(std::min<std::size_t>(offset, all.size()), size);
         return !_facts.isGone && !_facts.unreadable[file];
     }
     std::string problem() override { return _facts.isGone ? "it has gone" : "it is worn out"; }

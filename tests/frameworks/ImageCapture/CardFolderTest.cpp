@@ -32,9 +32,10 @@ protected:
         return result;
     }
     std::string read(const std::string& name, uint64_t offset, size_t size) {
-        std::string bytes;
-        EXPECT_EQ(card.read("100TEST", {name, false, 0, 0}, offset, size, bytes), 0);
-        return bytes;
+        std::string memory(size, '-');
+        std::span<char> bytes(memory);
+        EXPECT_EQ(card.read("100TEST", {name, false, 0, 0}, offset, bytes), 0);
+        return std::string(bytes.begin(), bytes.end());
     }
 
     TemporaryFolder folder;
@@ -74,9 +75,10 @@ TEST_F(CardFolders, HiddenFilesLinksAndPipesAreNoPictures) {
 TEST_F(CardFolders, NothingOutsideIsRead) {
     writeFile(folder / "secret", "x");
     fs::create_symlink(folder / "secret", dcim / "100TEST/link.jpg");
-    std::string bytes;
+    std::string memory(10, '-');
+    std::span<char> bytes(memory);
     for (const char* name : {"link.jpg", "../../secret", "/etc/passwd"})
-        EXPECT_NE(card.read("100TEST", {name, false, 1, 0}, 0, 10, bytes), 0) << name;
+        EXPECT_NE(card.read("100TEST", {name, false, 1, 0}, 0, bytes), 0) << name;
     std::vector<Item> items;
     EXPECT_NE(card.list("..", items), 0);
     EXPECT_NE(card.list("/etc", items), 0);
@@ -92,21 +94,22 @@ TEST_F(CardFolders, PartsOfFilesAreRead) {
 TEST_F(CardFolders, WholeFilesAreCopied) {
     const std::string bytes(3'000'000, 'x');
     writeFile((dcim / "100TEST/a.jpg").string(), bytes);
-    Descriptor target(open((folder / "copy").c_str(), O_RDWR | O_CREAT, 0600));
+    cf::Descriptor target(open((folder / "copy").c_str(), O_RDWR | O_CREAT, 0600));
     ASSERT_EQ(card.copy("100TEST", {"a.jpg", false, bytes.size(), 0}, target.get()), 0);
     EXPECT_TRUE(tav::test::readFile(folder / "copy") == bytes);
 }
 
 TEST_F(CardFolders, FullDiskIsToldAsSuch) {
     writeFile((dcim / "100TEST/a.jpg").string(), "x");
-    Descriptor full(open("/dev/full", O_WRONLY | O_CLOEXEC));
+    cf::Descriptor full(open("/dev/full", O_WRONLY | O_CLOEXEC));
     EXPECT_EQ(card.copy("100TEST", {"a.jpg", false, 1, 0}, full.get()), dskFulErr);
     EXPECT_NE(card.problem(), "");
 }
 
 TEST_F(CardFolders, FileThatHasGoneIsNotFound) {
-    std::string bytes;
-    EXPECT_EQ(card.read("100TEST", {"a.jpg", false, 1, 0}, 0, 10, bytes), fnfErr);
+    std::string memory(10, '-');
+    std::span<char> bytes(memory);
+    EXPECT_EQ(card.read("100TEST", {"a.jpg", false, 1, 0}, 0, bytes), fnfErr);
 }
 
 TEST_F(CardFolders, CardThatHasGoneDoesNotAnswer) {

@@ -75,8 +75,8 @@ TEST_F(KnownDevices, NumbersAreNotGivenAgain) {
     plugIn("one");
     const ObjectNumber second = onlyDevice();
     EXPECT_GT(second, file);
-    std::string bytes;
-    EXPECT_EQ(registry.read(file, 0, 1, bytes), kICAInvalidObjectErr);
+    std::span<char> bytes;
+    EXPECT_EQ(registry.read(file, 0, bytes), kICAInvalidObjectErr);
     EXPECT_FALSE(registry.object(file));
     EXPECT_FALSE(registry.device(first));
 }

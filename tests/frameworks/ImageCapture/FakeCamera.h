@@ -5,6 +5,7 @@
 #include "ImageCapture/Camera.h"
 #include "ImageCapture/ICAApplication.h"
 
+#include <algorithm>
 #include <map>
 #include <unistd.h>
 
@@ -25,9 +26,10 @@ public:
         auto error = _facts.errors.find(folder);
         return error == _facts.errors.end() ? 0 : error->second;
     }
-    int read(const std::string&, const imagecapture::Item& file, uint64_t offset, size_t size,
-             std::string& bytes) override {
-        bytes = offset < file.name.size() ? file.name.substr(offset, size) : "";
+    int read(const std::string&, const imagecapture::Item& file, uint64_t offset,
+             std::span<char>& bytes) override {
+        const size_t start = std::min<size_t>(offset, file.name.size());
+        bytes = bytes.first(file.name.copy(bytes.data(), bytes.size(), start));
         return 0;
     }
     int copy(const std::string&, const imagecapture::Item& file, int descriptor) override {

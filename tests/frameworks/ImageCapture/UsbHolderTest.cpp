@@ -32,7 +32,8 @@ protected:
 TEST_F(UsbHolders, ProgramThatHasTheCameraIsNamedWithACure) {
     addProcess("17", "editor", "/tmp/x");
     addProcess("4711", "darkroom", folder / "usb/001/005");
-    EXPECT_EQ(advice(), "; \"darkroom\" (process 4711) has it: end that program, then try again");
+    EXPECT_EQ(advice(), "; \"darkroom\" (process 4711) has it: close that program, or "
+                        "run: kill 4711");
 }
 
 TEST_F(UsbHolders, DesktopsOwnServiceIsToldToLetGo) {

@@ -32,7 +32,7 @@ struct ImportRun::Transfer {
     std::size_t index;
     ImportedFile file;
     std::string folder;
-    std::string piece;  ///< what was read last
+    std::string_view piece;  ///< what was read last, where the source has it
     filesystem::FileChecksum checksum;
     std::unique_ptr<filesystem::DurableFile> target;
 };
@@ -130,7 +130,7 @@ void ImportRun::fail(Transfer& transfer, std::string error) {
 bool ImportRun::readPiece(Transfer& transfer, std::uint64_t offset) {
     const std::uint64_t left = transfer.object.size - offset;
     const auto wanted = static_cast<std::size_t>(std::min<std::uint64_t>(kPiece, left));
-    transfer.piece.clear();
+    transfer.piece = {};
     const bool isRead =
         wanted == 0 || _source.read(transfer.object.number, offset, wanted, transfer.piece);
     if (isRead && transfer.piece.size() == wanted)
@@ -201,7 +201,7 @@ bool ImportRun::copyBytes(Transfer& transfer) {
         }
         offset += transfer.piece.size();
         tell(transfer.object, offset);
-        transfer.piece.clear();
+        transfer.piece = {};
     } while (offset < transfer.object.size);
     return true;
 }

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace tav::ula {
@@ -27,9 +28,9 @@ public:
     virtual bool count(std::uint32_t folder, std::uint32_t& result) = 0;
     /// From 0 on. Fails: false when it has gone since.
     virtual bool item(std::uint32_t folder, std::uint32_t index, ImportSourceItem& result) = 0;
-    /// Fewer bytes only at the end of the file. Fails: false.
+    /// Fewer bytes only at the end of the file. They are there until the next call. Fails: false.
     virtual bool read(std::uint32_t file, std::uint64_t offset, std::size_t size,
-                      std::string& bytes) = 0;
+                      std::string_view& bytes) = 0;
     /// Why the last call failed.
     virtual std::string problem() = 0;
     /// Whether it failed because the device has gone or does not answer: other files will fail,

@@ -10,19 +10,25 @@ template <typename Reference>
 class CFOwner {
 public:
     explicit CFOwner(Reference adopted = nullptr) : _reference(adopted) {}
-    ~CFOwner() {
-        if (_reference != nullptr)
-            CFRelease(_reference);
-    }
+    ~CFOwner() { reset(); }
     CFOwner(const CFOwner&) = delete;
     CFOwner& operator=(const CFOwner&) = delete;
 
     Reference get() const { return _reference; }
     explicit operator bool() const { return _reference != nullptr; }
-    /// Where a call puts what it gives. The owner is empty before.
-    Reference* receive() { return &_reference; }
+    /// Where a call puts what it gives. What was owned is released first.
+    Reference* receive() {
+        reset();
+        return &_reference;
+    }
 
 private:
+    void reset() {
+        if (_reference != nullptr)
+            CFRelease(_reference);
+        _reference = nullptr;
+    }
+
     Reference _reference;
 };
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "ula/src/Core/ImportSource.h"
+#include "ula/src/Mac/CFOwner.h"
 
 #include <ImageCapture/ImageCapture.h>
 
@@ -16,7 +17,7 @@ public:
     bool count(std::uint32_t folder, std::uint32_t& result) override;
     bool item(std::uint32_t folder, std::uint32_t index, ImportSourceItem& result) override;
     bool read(std::uint32_t file, std::uint64_t offset, std::size_t size,
-              std::string& bytes) override;
+              std::string_view& bytes) override;
     std::string problem() override;
     bool isGone() override;
 
@@ -26,6 +27,7 @@ private:
     ICAObject _device;
     ICAObject _deviceList = 0;
     ICAError _error = 0;
+    CFOwner<CFDataRef> _data;  ///< what was read last
 };
 
 }  // namespace tav::ula

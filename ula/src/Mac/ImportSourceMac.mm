@@ -4,7 +4,6 @@
 #include "ula/ImportSession.h"
 #import "ula/ObjCHelper.h"
 #include "ula/ScopedARPool.h"
-#include "ula/src/Mac/CFOwner.h"
 
 #import <Foundation/Foundation.h>
 #include <cstdlib>
@@ -126,18 +125,17 @@ bool ImportSourceMac::item(std::uint32_t folder, std::uint32_t index, ImportSour
 }
 
 bool ImportSourceMac::read(std::uint32_t file, std::uint64_t offset, std::size_t size,
-                           std::string& bytes) {
+                           std::string_view& bytes) {
     const ScopedARPool pool;
-    CFOwner<CFDataRef> data;
     ICACopyObjectDataPB block = {};
     block.object = file;
     block.startByte = offset;
     block.requestedSize = size;
-    block.data = data.receive();
+    block.data = _data.receive();
     if (!succeeded(ICACopyObjectData(&block, nullptr)))
         return false;
-    bytes.assign(reinterpret_cast<const char*>(CFDataGetBytePtr(data.get())),
-                 static_cast<std::size_t>(CFDataGetLength(data.get())));
+    bytes = {reinterpret_cast<const char*>(CFDataGetBytePtr(_data.get())),
+             static_cast<std::size_t>(CFDataGetLength(_data.get()))};
     return true;
 }
 
