@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
-// Runs commands as root for the process that the user has given the right to, one after the other,
-// until its input ends. Started by pkexec; see ../Authorization/Messages.h.
+// Runs the commands of a move as root for the process that the user has given the right to, one
+// after the other, until its input ends. Started by pkexec; see ../Authorization/Messages.h.
 #include "Security/Authorization/Messages.h"
+#include "Security/privileged/MoveCommand.h"
 
 #include <cerrno>
 #include <fcntl.h>
@@ -9,6 +10,9 @@
 #include <unistd.h>
 
 namespace {
+
+// As a shell ends for a program that may not be run.
+constexpr int kRefused = 126 << 8;
 
 // The pipes to the process are not the command's.
 void closeStreams() {
@@ -45,7 +49,7 @@ int main() {
         const std::vector<std::string> words = security::readRequest(STDIN_FILENO);
         if (words.empty())
             return 0;
-        const int status = run(words);
+        const int status = security::isMoveCommand(words) ? run(words) : kRefused;
         if (!security::writeBytes(STDOUT_FILENO, &status, sizeof status))
             return 1;
     }

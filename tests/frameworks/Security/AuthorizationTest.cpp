@@ -8,9 +8,11 @@
 #include "tests/support/TemporaryFolder.h"
 
 #include <Security/Security.h>
+#include <csignal>
 #include <cstdlib>
 #include <gmock/gmock.h>
 #include <sys/mount.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -84,58 +86,96 @@ protected:
 };
 
 TEST_F(Privileged, ProgramsRunAsRootOneAfterTheOther) {
-    const std::string first = folder / "one'; touch x; \n two";
-    const std::string second = folder / "second";
+    const std::string source = folder / "source";
+    const std::string target = folder / "one'; touch x; \n two.app";
+    writeFile(source, "new");
+    writeFile(target, "old");
     EXPECT_EQ(
         asUser(
             "grant",
             [&] {
                 Authorization authorization;
                 std::string text = std::to_string(authorization.obtain());
-                text += " " + std::to_string(authorization.run("/usr/bin/touch", {first}));
-                text += " " + std::to_string(authorization.run("/bin/cp", {"-pR", first, second}));
+                text += " " + std::to_string(authorization.run("/bin/rm", {"-rf", target}));
+                text += fs::exists(target) ? " there" : " gone";
+                text += " " + std::to_string(authorization.run("/bin/cp", {"-pR", source, target}));
                 return text;
             }),
-        "0 0 0");
-    for (const std::string& path : {first, second}) {
-        struct stat item {};
-        EXPECT_EQ(stat(path.c_str(), &item), 0) << path;
-        EXPECT_EQ(item.st_uid, 0u);
-    }
+        "0 0 gone 0");
+    struct stat item {};
+    EXPECT_EQ(stat(target.c_str(), &item), 0);
+    EXPECT_EQ(item.st_uid, 0u);
+    EXPECT_EQ(readFile(target), "new");
     EXPECT_FALSE(fs::exists("/x"));
 }
 
+TEST_F(Privileged, ThePasswordIsForAMoveAndForNothingElse) {
+    const std::string file = folder / "file";
+    const std::string application = folder / "a.app";
+    const std::vector<std::vector<std::string>> commands = {
+        {"/bin/true"},
+        {"/bin/sh", "-c", "rm " + file},
+        {"/bin/rm", "-rf", file},
+        {"/bin/rm", "-rf", file, application},
+        {"/bin/rm", "-rf", "a.app"},
+        {"/bin/rm", "-rf", application + "/../file"},
+        {"/bin/rm", file, application},
+        {"/bin/cp", "-pR", file, "/etc/b"},
+        {"/bin/cp", "-pR", "--target-directory=/etc", application},
+        {"/bin/cp", "-pR", folder / "a.app/../file", application},
+    };
+    writeFile(file, "");
+    const std::string answers = asUser("grant", [&] {
+        Authorization authorization;
+        std::string text;
+        for (const auto& words : commands) {
+            const std::vector<std::string> arguments(words.begin() + 1, words.end());
+            text +=
+                std::to_string(WEXITSTATUS(authorization.run(words[0].c_str(), arguments))) + " ";
+        }
+        return text;
+    });
+    EXPECT_EQ(answers, "126 126 126 126 126 126 126 126 126 126 ");
+    EXPECT_TRUE(fs::exists(file));
+    EXPECT_FALSE(fs::exists(application));
+}
+
 TEST_F(Privileged, TheChildEndsAsTheProgramDoes) {
-    EXPECT_EQ(asUser("grant",
-                     [] {
-                         Authorization authorization;
-                         const int exited = authorization.run("/bin/sh", {"-c", "exit 3"});
-                         const int killed = authorization.run("/bin/sh", {"-c", "kill -9 $$"});
-                         const int missing = authorization.run("/nonexistent", {});
-                         return std::to_string(WEXITSTATUS(exited)) + " " +
-                                std::to_string(WTERMSIG(killed)) + " " +
-                                std::to_string(WEXITSTATUS(missing));
-                     }),
-              "3 9 127");
+    const std::string source = folder / "source";
+    const std::string target = folder / "target.app";
+    writeFile(source, "more than a file may hold");
+    const auto statuses = [&] {
+        // The limit is the program's, too; what it writes beyond that ends it by a signal.
+        const rlimit noCore{0, 0}, small{1, 1};
+        setrlimit(RLIMIT_CORE, &noCore);
+        setrlimit(RLIMIT_FSIZE, &small);
+        Authorization authorization;
+        const int exited = authorization.run("/bin/cp", {"-pR", "/nonexistent", target});
+        const int killed = authorization.run("/bin/cp", {"-pR", source, target});
+        return std::to_string(WEXITSTATUS(exited)) + " " + std::to_string(WTERMSIG(killed));
+    };
+    EXPECT_EQ(asUser("grant", statuses), "1 " + std::to_string(SIGXFSZ));
 }
 
 TEST_F(Privileged, OtherChildrenAreNotTakenForTheProgram) {
-    EXPECT_EQ(asUser("grant",
-                     [] {
-                         Authorization authorization;
-                         authorization.obtain();
-                         const pid_t other = fork();
-                         if (other == 0)
-                             _exit(44);
-                         siginfo_t ended{};
-                         waitid(P_PID, static_cast<id_t>(other), &ended, WEXITED | WNOWAIT);
-                         const int status = authorization.run("/bin/sh", {"-c", "exit 5"});
-                         int own = 0;
-                         const bool isLeft = waitpid(other, &own, 0) == other;
-                         return std::to_string(WEXITSTATUS(status)) + " " +
-                                std::to_string(isLeft ? WEXITSTATUS(own) : -1);
-                     }),
-              "5 44");
+    EXPECT_EQ(
+        asUser(
+            "grant",
+            [] {
+                Authorization authorization;
+                authorization.obtain();
+                const pid_t other = fork();
+                if (other == 0)
+                    _exit(44);
+                siginfo_t ended{};
+                waitid(P_PID, static_cast<id_t>(other), &ended, WEXITED | WNOWAIT);
+                const int status = authorization.run("/bin/cp", {"-pR", "/nonexistent", "/x.app"});
+                int own = 0;
+                const bool isLeft = waitpid(other, &own, 0) == other;
+                return std::to_string(WEXITSTATUS(status)) + " " +
+                       std::to_string(isLeft ? WEXITSTATUS(own) : -1);
+            }),
+        "1 44");
 }
 
 TEST_F(Privileged, ADismissedDialogIsACancellation) {
@@ -147,7 +187,7 @@ TEST_F(Privileged, NobodyToAskIsARefusalAndNothingIsRun) {
                      [] {
                          Authorization authorization;
                          return std::to_string(authorization.obtain()) + " " +
-                                std::to_string(authorization.run("/bin/true", {}));
+                                std::to_string(authorization.run("/bin/rm", {"-rf", "/x.app"}));
                      }),
               "-60005 -1");
 }
