@@ -157,11 +157,11 @@ TEST_F(TimeTool, JsonHasTheMomentInUtcToo) {
     std::string birth = birthOf("a.jpg");
     birth[10] = 'T';
     expectResult(time({"--json", "a.jpg"}), 0,
-                 "[\n  {\n    \"file\": \"a.jpg\",\n"
-                 "    \"taken\": \"2009-03-15T10:20:30.45+02:00\",\n"
-                 "    \"takenUtc\": \"2009-03-15T08:20:30Z\",\n"
-                 "    \"created\": \"" +
-                     birth + "\",\n    \"modified\": \"2001-09-09T01:46:40\"\n  }\n]\n",
+                 "{\n  \"version\": 1,\n  \"files\": [\n    {\n      \"file\": \"a.jpg\",\n"
+                 "      \"taken\": \"2009-03-15T10:20:30.45+02:00\",\n"
+                 "      \"takenUtc\": \"2009-03-15T08:20:30Z\",\n"
+                 "      \"created\": \"" +
+                     birth + "\",\n      \"modified\": \"2001-09-09T01:46:40\"\n    }\n  ]\n}\n",
                  "");
 }
 
@@ -260,6 +260,19 @@ TEST_F(TimeTool, NameThatIsNoTextIsTold) {
     writeOld("odd\xFF.jpg", kFullJpeg);
     expectResult(time({"odd\xFF.jpg"}), 3, "",
                  "ula: odd\\xff.jpg: the name is no text in UTF-8; rename the file\n");
+}
+
+/// GNUstep makes texts of all of them, in the encoding of the locale.
+TEST_F(TimeTool, ArgumentsAndEnvironmentThatAreNoTextEndNothing) {
+    writeOld("full.jpg", kFullJpeg);
+    setenv("LC_ALL", "C.UTF-8", 1);
+    setenv("ULA_TEST_ODD_\xFF", "odd\xFF", 1);
+    const ToolResult result = time({"full.jpg", "odd\xFF"});
+    EXPECT_EQ(result.code, 3) << result.errors;
+    EXPECT_EQ(result.errors, "ula: odd\\xff: there is no such file\n");
+    EXPECT_THAT(result.output, HasSubstr("full.jpg"));
+    unsetenv("ULA_TEST_ODD_\xFF");
+    unsetenv("LC_ALL");
 }
 
 TEST_F(TimeTool, NothingToShowIsWrongUsage) {
