@@ -4,15 +4,9 @@
 include_guard(GLOBAL)
 
 # C++ may be g++'s all the same. Left to itself CMake would take it for these, too.
-if(NOT CMAKE_C_COMPILER)
-  set(CMAKE_C_COMPILER clang)
-endif()
-if(NOT CMAKE_OBJC_COMPILER)
-  set(CMAKE_OBJC_COMPILER clang)
-endif()
-if(NOT CMAKE_OBJCXX_COMPILER)
-  set(CMAKE_OBJCXX_COMPILER clang++)
-endif()
+find_program(CMAKE_C_COMPILER clang REQUIRED)
+find_program(CMAKE_OBJC_COMPILER clang REQUIRED)
+find_program(CMAKE_OBJCXX_COMPILER clang++ REQUIRED)
 enable_language(C OBJC OBJCXX)
 set(CMAKE_OBJCXX_STANDARD ${CMAKE_CXX_STANDARD})
 set(CMAKE_OBJCXX_STANDARD_REQUIRED ON)

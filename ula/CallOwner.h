@@ -19,7 +19,7 @@ public:
 
 private:
     friend class MainThreadCaller;
-    class Life;
+    class ULA_LOCAL Life;
 
     util::SharedPtr<Life> _life;
 };

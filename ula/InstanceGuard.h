@@ -60,7 +60,7 @@ public:
     InstanceGuard& operator=(const InstanceGuard&) = delete;
 
 private:
-    class Body;
+    class ULA_LOCAL Body;
 
     explicit InstanceGuard(std::unique_ptr<Body> body);
 

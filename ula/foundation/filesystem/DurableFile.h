@@ -67,7 +67,7 @@ public:
     const std::string& error() const;
 
 private:
-    class Replacement;
+    class TAV_FOUNDATION_LOCAL Replacement;
     std::unique_ptr<Replacement> _replacement;
 };
 

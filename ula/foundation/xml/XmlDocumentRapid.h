@@ -127,7 +127,7 @@ public:
 private:
     friend class AttributeIterator;
     friend class NodeIterator;
-    struct Content;
+    struct TAV_FOUNDATION_LOCAL Content;
 
     XmlDocumentRapid();
 
