@@ -14,6 +14,7 @@
 #include <sys/mount.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <utility>
 #include <vector>
 
 namespace tav::test {
@@ -81,7 +82,8 @@ std::string isolateMounts() {
 }
 
 Mounted::Mounted(const std::string& point) : _point(point) {
-    fs::create_directories(point);
+    if (!fs::exists(point))
+        fs::create_directories(point);
 }
 
 Mounted::~Mounted() {
@@ -122,8 +124,13 @@ DeadShare::DeadShare(const std::string& point, const std::string& source)
 }
 
 DeadShare::~DeadShare() {
-    // Whoever still waits gets an error.
-    close(_connection);
+    die();
+}
+
+void DeadShare::die() {
+    // Whoever still waits gets an error, too.
+    if (_connection >= 0)
+        close(std::exchange(_connection, -1));
 }
 
 }  // namespace tav::test

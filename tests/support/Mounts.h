@@ -57,7 +57,7 @@ public:
     explicit MountedMemory(const std::string& point, const std::string& source = "tmpfs");
 };
 
-/// A folder shown in a second place.
+/// A folder shown in a second place, or a file in the place of another.
 class BoundFolder : public Mounted {
 public:
     BoundFolder(const std::string& folder, const std::string& point);
@@ -69,6 +69,9 @@ class DeadShare : public Mounted {
 public:
     explicit DeadShare(const std::string& point, const std::string& source = "user@host:/folder");
     ~DeadShare();
+
+    /// The share's server ends: whoever asks gets an error from now on. It stays mounted.
+    void die();
 
 private:
     int _connection;

@@ -178,7 +178,7 @@ int PtpResponder::transfers() {
 
 bool PtpResponder::waitForTransfers(int count) {
     std::unique_lock lock(_mutex);
-    return _transferred.wait_for(lock, std::chrono::seconds(10),
+    return _transferred.wait_for(lock, std::chrono::seconds(60),
                                  [&] { return _transfers >= count; });
 }
 

@@ -90,8 +90,15 @@ void SecretSession::startKeyring(const std::string& options) {
 
 // It does not always see that its bus has ended, and holds what it has inherited.
 SecretSession::~SecretSession() {
-    if (_keyring > 0)
-        ::kill(_keyring, SIGTERM);
+    if (_keyring <= 0)
+        return;
+    ::kill(_keyring, SIGTERM);
+    // It may have been silenced.
+    ::kill(_keyring, SIGCONT);
+}
+
+void SecretSession::silence() const {
+    ::kill(_keyring, SIGSTOP);
 }
 
 void SecretSession::beginWithoutKeyring() {

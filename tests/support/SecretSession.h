@@ -35,6 +35,8 @@ public:
 
     /// Ends the one that runs, and starts another.
     void restartKeyring() { startKeyring("--replace --unlock"); }
+    /// It runs on and answers nothing.
+    void silence() const;
     /// Locks the collection that new items go to.
     void lock() const;
     /// Ends the one that runs, and starts another for a user who has no keyring yet.

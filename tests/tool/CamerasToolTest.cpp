@@ -51,7 +51,7 @@ TEST_F(CamerasTool, NothingConnectedIsSaidWithWhatToDo) {
                  "ula: no camera and no memory card is connected\n"
                  "     switch the camera on and choose its transfer mode; a card has to be mounted "
                  "and have a folder DCIM\n");
-    expectResult(cameras({"--json"}), 0, "[]\n", "");
+    expectResult(cameras({"--json"}), 0, "{\n  \"version\": 1,\n  \"devices\": []\n}\n", "");
 }
 
 TEST_F(CamerasTool, ListsWhatIsConnected) {

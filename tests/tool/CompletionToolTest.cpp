@@ -2,11 +2,8 @@
 // What the shells themselves make of the completions, and man(1) of the manual pages.
 #include "tests/tool/ToolProcess.h"
 
-#include <array>
-#include <cstdio>
 #include <filesystem>
 #include <gmock/gmock.h>
-#include <sstream>
 
 namespace tav::test {
 
@@ -17,25 +14,6 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsSupersetOf;
 using testing::Not;
-
-/// Its output; the shell's errors are part of it.
-std::string outputOf(const std::string& command) {
-    std::FILE* const output = popen(("{ " + command + "; } 2>&1").c_str(), "r");
-    std::string text;
-    std::array<char, 4096> piece;
-    for (std::size_t size; (size = std::fread(piece.data(), 1, piece.size(), output)) > 0;)
-        text.append(piece.data(), size);
-    EXPECT_EQ(pclose(output), 0) << text;
-    return text;
-}
-
-std::vector<std::string> lines(const std::string& text) {
-    std::vector<std::string> result;
-    std::istringstream stream(text);
-    for (std::string line; std::getline(stream, line);)
-        result.push_back(line);
-    return result;
-}
 
 class CompletionTool : public ToolTest {
 protected:
@@ -74,7 +52,8 @@ protected:
 
 TEST_F(CompletionTool, BashCompletesCommands) {
     EXPECT_THAT(inBash("ula se", 1), ElementsAre("secret", "settings"));
-    EXPECT_THAT(inBash("ula \"\"", 1), IsSupersetOf({"cameras", "completion", "dir", "watch"}));
+    EXPECT_THAT(inBash("ula \"\"", 1),
+                IsSupersetOf({"cameras", "completion", "dir", "doctor", "watch"}));
     EXPECT_THAT(inBash("ula \"\"", 1), Not(Contains("manuals")));
     EXPECT_THAT(inBash("ula secret \"\"", 2),
                 ElementsAre("add", "get", "edit", "delete", "list", "where", "move"));
@@ -86,6 +65,7 @@ TEST_F(CompletionTool, BashFindsTheCommandBehindAFile) {
 
 TEST_F(CompletionTool, BashCompletesOptions) {
     EXPECT_THAT(inBash("ula screens --", 2), IsSupersetOf({"--draw", "--json", "--help"}));
+    EXPECT_THAT(inBash("ula doctor --", 2), IsSupersetOf({"--json", "--help"}));
     EXPECT_THAT(inBash("ula secret add --acc", 3), ElementsAre("--account"));
 }
 
@@ -96,6 +76,7 @@ TEST_F(CompletionTool, BashCompletesValues) {
 
 TEST_F(CompletionTool, FishCompletesWithWhatIsDone) {
     EXPECT_THAT(inFish("ula scr"), ElementsAre(testing::StartsWith("screens\t")));
+    EXPECT_THAT(inFish("ula doc"), ElementsAre(testing::StartsWith("doctor\tCheck this computer")));
     EXPECT_THAT(inFish("ula secret a"), Contains(testing::StartsWith("add\tStore a password")));
     EXPECT_THAT(inFish("ula screens --j"), ElementsAre("--json\tAs JSON"));
     EXPECT_THAT(inFish("ula secret move s"), Contains("service"));
@@ -103,6 +84,8 @@ TEST_F(CompletionTool, FishCompletesWithWhatIsDone) {
 
 TEST_F(CompletionTool, ZshCompletesWithWhatIsDone) {
     EXPECT_THAT(inZsh("ula ''", 2, ""), Contains(testing::StartsWith("secret:Passwords")));
+    EXPECT_THAT(inZsh("ula ''", 2, ""),
+                Contains(testing::StartsWith("doctor:Check this computer")));
     EXPECT_THAT(inZsh("ula secret ''", 3, ""),
                 IsSupersetOf({"add:Store a password or a note", "FILES"}));
     EXPECT_THAT(inZsh("ula screens --", 3, "--"), Contains("--json:As JSON"));
@@ -119,7 +102,8 @@ TEST_F(CompletionTool, EveryCommandHasAManualPageThatManReadsWithoutAWarning) {
     std::vector<std::string> pages;
     for (const auto& page : std::filesystem::directory_iterator(folder / "man"))
         pages.push_back(page.path().filename());
-    EXPECT_THAT(pages, IsSupersetOf({"ula.1", "ula-dir.1", "ula-secret.1", "ula-settings.1"}));
+    EXPECT_THAT(pages, IsSupersetOf({"ula.1", "ula-dir.1", "ula-doctor.1", "ula-secret.1",
+                                     "ula-settings.1"}));
     for (const std::string& page : pages)
         EXPECT_EQ(outputOf("LC_ALL=C.UTF-8 MANWIDTH=100 man --warnings -l " +
                            (folder / ("man/" + page)) + " 2>&1 >/dev/null"),
@@ -131,6 +115,7 @@ TEST_F(CompletionTool, AManualPageSaysWhatHelpSays) {
     ASSERT_EQ(run({"manuals", "man"}).code, 0);
     const std::string page = outputOf("LC_ALL=C.UTF-8 MANWIDTH=100 MAN_KEEP_FORMATTING= man -l " +
                                       (folder / "man/ula-secret.1") + " | col -b");
+    EXPECT_EQ(page.find("Examples:"), page.rfind("Examples:"));
     for (const char* text :
          {"ula-secret - Passwords and notes in the keychain", "ula secret add [OPTIONS] NAME",
           "--account TEXT", "Whose password; a note without", "service|file"})

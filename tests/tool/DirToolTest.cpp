@@ -49,12 +49,13 @@ TEST_F(DirTool, GoesIntoFoldersButNotThroughLinks) {
 
 TEST_F(DirTool, GivesJsonToPrograms) {
     const ToolResult result = run({"dir", "--json", "--sort"});
-    const nlohmann::json list = nlohmann::json::parse(result.output);
+    const nlohmann::json list = nlohmann::json::parse(result.output)["items"];
     ASSERT_EQ(list.size(), 3U);
     EXPECT_EQ(list[0]["name"], "item 9");
     EXPECT_EQ(list[0]["flags"], nlohmann::json({"Directory"}));
     EXPECT_EQ(list[2]["target"], onStartupDisk(folder / "item 9"));
-    EXPECT_EQ(run({"dir", "--json", "Item 10"}).output, "[]\n");
+    EXPECT_EQ(run({"dir", "--json", "Item 10"}).output,
+              "{\n  \"version\": 1,\n  \"items\": []\n}\n");
 }
 
 TEST_F(DirTool, ShowsNamesThatAreNoTextAsEscapes) {

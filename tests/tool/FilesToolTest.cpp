@@ -50,9 +50,11 @@ TEST_F(VolumesTool, MendLeavesForeignThingsAlone) {
 TEST_F(VolumesTool, JsonHasNameStateAndTarget) {
     fs::create_directory(folder / "Volumes");
     fs::create_symlink("/", folder / "Volumes/Disk");
-    EXPECT_THAT(volumes({"--json"}).output, StartsWith("[\n  {\n    \"name\": \"Disk\",\n"
-                                                       "    \"state\": \"start-up disk\",\n"
-                                                       "    \"target\": \"/\"\n  }"));
+    EXPECT_THAT(volumes({"--json"}).output,
+                StartsWith("{\n  \"version\": 1,\n  \"volumes\": [\n    {\n"
+                           "      \"name\": \"Disk\",\n"
+                           "      \"state\": \"start-up disk\",\n"
+                           "      \"target\": \"/\"\n    }"));
 }
 
 TEST_F(VolumesTool, MendThatFailsSaysWhichPathAndWhy) {
@@ -99,6 +101,22 @@ TEST_F(TrashTool, ReceiptsPutEverythingBack) {
                  (folder / "one.txt") + "\n" + (folder / "two.txt") + "\n", "");
     EXPECT_EQ(read("one.txt"), "first");
     EXPECT_EQ(read("two.txt"), "second");
+}
+
+TEST_F(TrashTool, ReceiptsWithoutAVersionAreReadToo) {
+    write("one.txt", "text");
+    const std::string receipts = run({"trash", "one.txt", "--json"}).output;
+    const std::size_t begin = receipts.find('[');
+    write("gone.json", receipts.substr(begin, receipts.rfind(']') + 1 - begin));
+    EXPECT_EQ(run({"trash", "--restore", "gone.json"}).errors, "");
+    EXPECT_EQ(read("one.txt"), "text");
+}
+
+TEST_F(TrashTool, ReceiptsOfALaterVersionAreRefused) {
+    write("gone.json", R"({"version": 2, "receipts": []})");
+    expectResult(run({"trash", "--restore", "gone.json"}), 3, "",
+                 "ula: gone.json: the version of these receipts is not known\n"
+                 "     restore them with the ula that wrote them\n");
 }
 
 TEST_F(TrashTool, WhatHasTakenAPlaceStays) {

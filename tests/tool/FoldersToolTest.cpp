@@ -59,14 +59,14 @@ TEST_F(FoldersTool, FollowsTheDesktopsFolders) {
     write(".config/user-dirs.dirs", "XDG_PICTURES_DIR=\"$HOME/Bilder\"\n"
                                     "XDG_MUSIC_DIR=\"/srv/Musik \\\"laut\\\"\"\n");
     expectResult(run({"folders", "--json"}), 0,
-                 "{\n  \"home\": \"" + home + "\",\n  \"documents\": \"" + home +
-                     "/Documents\",\n  \"pictures\": \"" + home + "/Bilder\",\n  \"movies\": \"" +
-                     home +
-                     "/Movies\",\n  \"music\": \"/srv/Musik \\\"laut\\\"\",\n"
-                     "  \"applicationSupport\": \"" +
-                     home + "/.local/share\",\n  \"applicationData\": \"" + home +
-                     "/Library/Application Support\",\n  \"temporary\": \"" + home +
-                     "\",\n  \"globalPreferences\": \"/Library/Preferences\"\n}\n",
+                 "{\n  \"version\": 1,\n  \"folders\": {\n    \"home\": \"" + home +
+                     "\",\n    \"documents\": \"" + home + "/Documents\",\n    \"pictures\": \"" +
+                     home + "/Bilder\",\n    \"movies\": \"" + home +
+                     "/Movies\",\n    \"music\": \"/srv/Musik \\\"laut\\\"\",\n"
+                     "    \"applicationSupport\": \"" +
+                     home + "/.local/share\",\n    \"applicationData\": \"" + home +
+                     "/Library/Application Support\",\n    \"temporary\": \"" + home +
+                     "\",\n    \"globalPreferences\": \"/Library/Preferences\"\n  }\n}\n",
                  "");
 }
 

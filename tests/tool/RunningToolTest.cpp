@@ -48,11 +48,13 @@ TEST_F(RunningApplicationsTool, ListsThoseOfANameOrAnIdentifier) {
 
 TEST_F(RunningApplicationsTool, JsonHasEverything) {
     EXPECT_EQ(run({"running", "--json", "com.maker.toolphoto"}).output,
-              "[\n  {\n    \"process\": " + std::to_string(other.process()) +
-                  ",\n    \"name\": \"Photo Box\",\n    \"identifier\": \"com.maker.toolphoto\",\n"
-                  "    \"path\": \"" +
-                  photo.path() + "\"\n  }\n]\n");
-    EXPECT_EQ(run({"running", "--json", "com.maker.none"}).output, "[]\n");
+              "{\n  \"version\": 1,\n  \"applications\": [\n    {\n      \"process\": " +
+                  std::to_string(other.process()) +
+                  ",\n      \"name\": \"Photo Box\",\n      \"identifier\": "
+                  "\"com.maker.toolphoto\",\n      \"path\": \"" +
+                  photo.path() + "\"\n    }\n  ]\n}\n");
+    EXPECT_EQ(run({"running", "--json", "com.maker.none"}).output,
+              "{\n  \"version\": 1,\n  \"applications\": []\n}\n");
 }
 
 TEST_F(RunningApplicationsTool, DoesNotListItself) {

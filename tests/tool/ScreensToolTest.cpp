@@ -114,7 +114,7 @@ TEST_F(ScreensTool, WithoutADisplayItSaysSo) {
     expectResult(run({"screens"}), 1, "",
                  "ula: there is no display\n"
                  "     DISPLAY names the display server, as in: DISPLAY=:0 ula screens\n");
-    EXPECT_EQ(run({"screens", "--json"}).output, "[]\n");
+    EXPECT_EQ(run({"screens", "--json"}).output, "{\n  \"version\": 1,\n  \"screens\": []\n}\n");
     EXPECT_EQ(run({"screens", "--draw", "desk.png"}).code, 1);
 }
 

@@ -36,7 +36,8 @@ TEST_F(SecretTool, GivesBackAPassword) {
     EXPECT_EQ(secret({"get", "Mail", "--account", "ann"}).output, "s3cret\n");
     EXPECT_EQ(secret({"add", "Mail", "--account", "ann"}, "other").code, 0);
     EXPECT_EQ(secret({"get", "Mail", "--account", "ann", "--json"}).output,
-              "{\n  \"name\": \"Mail\",\n  \"account\": \"ann\",\n  \"secret\": \"other\"\n}\n");
+              "{\n  \"version\": 1,\n  \"item\": {\n    \"name\": \"Mail\",\n"
+              "    \"account\": \"ann\",\n    \"secret\": \"other\"\n  }\n}\n");
     EXPECT_EQ(secret({"delete", "Mail", "--account", "ann"}).code, 0);
     expectResult(secret({"get", "Mail", "--account", "ann"}), 1, "",
                  "ula: Mail (ann): there is no such item\n"
@@ -66,8 +67,8 @@ TEST_F(SecretTool, ListsNamesByQualifier) {
     EXPECT_EQ(secret({"list"}).output, "note      Code_\npassword  Mail_org.example (ann)\n");
     EXPECT_EQ(secret({"list", "--qualifier", "org.example"}).output, "password  Mail (ann)\n");
     EXPECT_EQ(secret({"list", "--json", "--qualifier", ""}).output,
-              "[\n  {\n    \"kind\": \"note\",\n    \"name\": \"Code\",\n    \"account\": \"\"\n"
-              "  }\n]\n");
+              "{\n  \"version\": 1,\n  \"items\": [\n    {\n      \"kind\": \"note\",\n"
+              "      \"name\": \"Code\",\n      \"account\": \"\"\n    }\n  ]\n}\n");
 }
 
 TEST_F(SecretTool, SaysWhereSecretsAre) {

@@ -42,7 +42,9 @@ TEST_F(SettingsToolPList, SetMakesTheListAndGetReadsIt) {
     EXPECT_NE(readFile(path).find("<integer>1280</integer>"), std::string::npos);
     expectResult(list({"get", "Window", "Width"}), 0, "1280\n", "");
     expectResult(list({"get", "Window", "Recent", "--json"}), 0,
-                 "{\"type\": \"string_array\", \"value\": [\"a\", \"b\"]}\n", "");
+                 "{\n  \"version\": 1,\n  \"setting\": {\"type\": \"string_array\", \"value\": "
+                 "[\"a\", \"b\"]}\n}\n",
+                 "");
     expectResult(list({}), 0,
                  "Window\n  Recent  string_array  \"a\"\n                        \"b\"\n"
                  "  Width   int           1280\n",

@@ -13,7 +13,10 @@ protected:
         expectResult(settings(words), 0, "", "");
     }
     std::string typeAndValue(const std::string& group, const std::string& key) {
-        return settings({"a.xml", "get", group, key, "--json"}).output;
+        const std::string json = settings({"a.xml", "get", group, key, "--json"}).output;
+        const std::string begin = "{\n  \"version\": 1,\n  \"setting\": ";
+        EXPECT_EQ(json.substr(0, begin.size()), begin);
+        return json.substr(begin.size(), json.rfind('}') - begin.size());
     }
 };
 

@@ -8,6 +8,7 @@
 #include <fcntl.h>
 #include <memory>
 #include <poll.h>
+#include <sstream>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <utility>
@@ -99,6 +100,29 @@ ToolResult runToolOnTerminal(const std::string& folder, const std::vector<std::s
     result.code = waitFor(process);
     result.output = contentOf(out);
     close(screen);
+    return result;
+}
+
+ToolTest::ToolTest() {
+    setenv("LC_ALL", "C.UTF-8", 1);
+    unsetenv("LANGUAGE");
+}
+
+std::string outputOf(const std::string& command) {
+    std::FILE* const output = popen(("{ " + command + "; } 2>&1").c_str(), "r");
+    std::string text;
+    std::array<char, 4096> piece;
+    for (std::size_t size; (size = std::fread(piece.data(), 1, piece.size(), output)) > 0;)
+        text.append(piece.data(), size);
+    EXPECT_EQ(pclose(output), 0) << text;
+    return text;
+}
+
+std::vector<std::string> lines(const std::string& text) {
+    std::vector<std::string> result;
+    std::istringstream stream(text);
+    for (std::string line; std::getline(stream, line);)
+        result.push_back(line);
     return result;
 }
 

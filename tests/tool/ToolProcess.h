@@ -3,6 +3,7 @@
 
 #include "tests/support/TemporaryFolder.h"
 
+#include <cstdlib>
 #include <gtest/gtest.h>
 #include <string>
 #include <sys/types.h>
@@ -22,6 +23,16 @@ ToolResult runTool(const std::string& folder, const std::vector<std::string>& ar
                    const std::string& input = {}, const std::string& outputPath = {});
 /// The same with standard error on a terminal; what that showed is in `errors`.
 ToolResult runToolOnTerminal(const std::string& folder, const std::vector<std::string>& arguments);
+
+/// At the tool's end the leak sanitizer stops every thread; those that wait for what does not
+/// answer cannot be stopped.
+class WithoutLeakCheck {
+public:
+    WithoutLeakCheck() { setenv("ASAN_OPTIONS", "detect_leaks=0", 1); }
+    ~WithoutLeakCheck() { unsetenv("ASAN_OPTIONS"); }
+    WithoutLeakCheck(const WithoutLeakCheck&) = delete;
+    WithoutLeakCheck& operator=(const WithoutLeakCheck&) = delete;
+};
 
 /// The tool while it runs, its standard output and error in one. Killed at the end.
 class RunningTool {
@@ -52,6 +63,9 @@ private:
 /// Tests that run the tool in a folder of their own.
 class ToolTest : public testing::Test {
 protected:
+    /// It speaks English.
+    ToolTest();
+
     ToolResult run(const std::vector<std::string>& arguments, const std::string& input = {}) {
         return runTool(folder.path().string(), arguments, input);
     }
@@ -65,6 +79,11 @@ protected:
 
     TemporaryFolder folder;
 };
+
+/// What a command of the shell prints, errors too. Fails the test when the command does.
+std::string outputOf(const std::string& command);
+/// Its lines without their ends.
+std::vector<std::string> lines(const std::string& text);
 
 /// Fails unless the tool said exactly this.
 void expectResult(const ToolResult& result, int code, const std::string& output,

@@ -59,14 +59,14 @@ TEST_F(WatchToolTest, JsonIsAnObjectALine) {
     write("start", "");
     RunningTool tool(_real, {"watch", "-r", "--json", "."});
     awaitStart(tool, at("start"),
-               R"({"event":"changed","path":")" + at("start") + R"(","folder":false})");
+               R"({"version":1,"event":"changed","path":")" + at("start") + R"(","folder":false})");
     write("\xff", "");
-    EXPECT_TRUE(
-        tool.waitForLine(R"({"event":"created","path":")" + at("\\\\xff") + R"(","folder":false})"))
+    EXPECT_TRUE(tool.waitForLine(R"({"version":1,"event":"created","path":")" + at("\\\\xff") +
+                                 R"(","folder":false})"))
         << tool.seen();
     fs::rename(at("start"), at("end"));
-    EXPECT_TRUE(tool.waitForLine(R"({"event":"moved","path":")" + at("start") + R"(","newPath":")" +
-                                 at("end") + R"(","folder":false})"))
+    EXPECT_TRUE(tool.waitForLine(R"({"version":1,"event":"moved","path":")" + at("start") +
+                                 R"(","newPath":")" + at("end") + R"(","folder":false})"))
         << tool.seen();
 }
 

@@ -2,6 +2,7 @@
 #include "tools/ula/CameraChoice.h"
 
 #include "tools/ula/CommandError.h"
+#include "tools/ula/Translation.h"
 
 #include <CoreFoundation/CoreFoundation.h>
 #include <ImageCapture/NetworkCameras.h>
@@ -34,8 +35,8 @@ std::string namesOf(const std::vector<ImportDevice>& devices) {
 std::vector<ImportDevice> connectedCameras(const std::vector<std::string>& addresses) {
     for (const std::string& address : addresses)
         if (!addNetworkCamera(address))
-            throw CommandError{ExitUsage, "\"" + address + "\" is no camera's address",
-                               "write it like 192.168.1.20 or camera.local:15740"};
+            throw CommandError{ExitUsage, translated("\"%1\" is no camera's address", address),
+                               translated("write it like 192.168.1.20 or camera.local:15740")};
     return ula::ImportSession::devices();
 }
 
@@ -47,14 +48,15 @@ ImportDevice chooseCamera(const std::vector<ImportDevice>& devices, const std::s
     if (chosen.size() == 1)
         return chosen[0];
     if (devices.empty())
-        throw CommandError{ExitDiffers, "no camera and no memory card is connected",
-                           "switch the camera on and choose its transfer mode; a card has to be "
-                           "mounted and have a folder DCIM"};
+        throw CommandError{ExitDiffers, translated("no camera and no memory card is connected"),
+                           translated("switch the camera on and choose its transfer mode; a card "
+                                      "has to be mounted and have a folder DCIM")};
     if (chosen.empty())
-        throw CommandError{ExitDiffers, "there is no device \"" + wanted + "\"",
-                           "connected are: " + namesOf(devices)};
-    throw CommandError{ExitUsage, "there are several devices: " + namesOf(chosen),
-                       "choose one with --device and its number; 'ula cameras' shows them"};
+        throw CommandError{ExitDiffers, translated("there is no device \"%1\"", wanted),
+                           translated("connected are: %1", namesOf(devices))};
+    throw CommandError{ExitUsage, translated("there are several devices: %1", namesOf(chosen)),
+                       translated("choose one with --device and its number; 'ula cameras' shows "
+                                  "them")};
 }
 
 }  // namespace tav::tool

@@ -2,8 +2,10 @@
 #include "tools/ula/CameraImport.h"
 
 #include "tools/ula/DisplayText.h"
+#include "tools/ula/JsonOutput.h"
 #include "tools/ula/StandardOutput.h"
 #include "tools/ula/TransferBar.h"
+#include "tools/ula/Translation.h"
 
 #include <algorithm>
 #include <csignal>
@@ -14,7 +16,6 @@ namespace tav::tool {
 namespace {
 
 using namespace ula;
-using Json = nlohmann::ordered_json;
 
 /// Ends the import at the first Ctrl-C while it lives; a second one ends the program.
 class CancelledByUser {
@@ -70,12 +71,11 @@ const char* nameOf(ImportResult result) {
 }
 
 void printFile(const ImportedFile& file) {
-    const Json line = {{"name", displayText(file.object.name)},
-                       {"folder", displayText(file.object.folder)},
-                       {"result", nameOf(file.result)},
-                       {"path", displayText(file.path)},
-                       {"error", displayText(file.error)}};
-    print(line.dump() + "\n");
+    printJsonLine({{"name", file.object.name},
+                   {"folder", file.object.folder},
+                   {"result", nameOf(file.result)},
+                   {"path", file.path},
+                   {"error", file.error}});
 }
 
 std::size_t count(const std::vector<ImportedFile>& files, ImportResult result) {
@@ -88,12 +88,16 @@ void printSummary(const std::vector<ImportedFile>& files) {
     std::uint64_t bytes = 0;
     for (const ImportedFile& file : files)
         bytes += file.result == ImportResult::Imported ? file.object.size : 0;
-    std::string text = std::to_string(count(files, ImportResult::Imported)) + " imported (" +
-                       byteText(bytes) + "), " +
-                       std::to_string(count(files, ImportResult::AlreadyThere)) + " already there";
-    for (const ImportResult result : {ImportResult::Failed, ImportResult::Cancelled})
-        if (const std::size_t some = count(files, result); some > 0)
-            text += ", " + std::to_string(some) + " " + nameOf(result);
+    const auto counted = [&files](ImportResult result) {
+        return std::to_string(count(files, result));
+    };
+    std::string text =
+        translated("%1 imported (%2), %3 already there", counted(ImportResult::Imported),
+                   byteText(bytes), counted(ImportResult::AlreadyThere));
+    if (count(files, ImportResult::Failed) > 0)
+        text += translated(", %1 failed", counted(ImportResult::Failed));
+    if (count(files, ImportResult::Cancelled) > 0)
+        text += translated(", %1 cancelled", counted(ImportResult::Cancelled));
     print(text + "\n");
 }
 
@@ -107,7 +111,7 @@ ExitCode resultOf(const std::vector<ImportedFile>& files) {
                                failed->error.starts_with("cannot replace");
         throw CommandError{isWriting ? ExitCannotWrite : ExitCannotRead,
                            failed->object.name + ": " + failed->error,
-                           "the same command brings over what is left to do"};
+                           translated("the same command brings over what is left to do")};
     }
     return count(files, ImportResult::Cancelled) > 0 ? ExitDiffers : ExitOk;
 }

@@ -4,8 +4,10 @@
 #include "tools/ula/CameraChoice.h"
 #include "tools/ula/CameraImport.h"
 #include "tools/ula/DisplayText.h"
+#include "tools/ula/JsonOutput.h"
 #include "tools/ula/StandardOutput.h"
 #include "tools/ula/TransferBar.h"
+#include "tools/ula/Translation.h"
 
 #include <CLI/CLI.hpp>
 #include <ctime>
@@ -17,9 +19,8 @@ namespace tav::tool {
 namespace {
 
 using namespace ula;
-using Json = nlohmann::ordered_json;
 
-constexpr const char* kHelp = R"(Examples:
+constexpr const char* kHelp = translatable(R"(Examples:
   ula cameras                          what is connected
   ula cameras files                    what is on the only device, or the one of --device
   ula cameras import Pictures          brings everything over that is not there yet
@@ -28,7 +29,7 @@ constexpr const char* kHelp = R"(Examples:
 
 An import that was ended, by Ctrl-C or a pulled cable, is taken up by the same command. Nothing is
 ever replaced. Exit codes: 0 done; 1 no such device, or ended by Ctrl-C; 3 not all could be read;
-4 not all could be written.)";
+4 not all could be written.)");
 
 struct Options {
     std::vector<std::string> addresses;
@@ -55,13 +56,14 @@ ExitCode listDevices(const Options& options) {
     const std::vector<ImportDevice> devices = connectedCameras(options.addresses);
     Json list = Json::array();
     for (const ImportDevice& device : devices) {
-        const char* const kind = device.isCard ? "card" : "camera";
-        list.push_back({{"id", device.id}, {"name", displayText(device.name)}, {"kind", kind}});
+        const char* const kind = device.isCard ? translatable("card") : translatable("camera");
+        list.push_back({{"id", device.id}, {"name", device.name}, {"kind", kind}});
         if (!options.asJson)
-            print(padded(device.id, 8) + padded(kind, 8) + displayText(device.name) + "\n");
+            print(padded(device.id, 8) + padded(translated(kind), 8) + displayText(device.name) +
+                  "\n");
     }
     if (options.asJson)
-        print(list.dump(2) + "\n");
+        printJson("devices", std::move(list));
     else if (devices.empty())
         chooseCamera(devices, {});
     return ExitOk;
@@ -73,12 +75,11 @@ void printFile(const ImportObject& object, bool asJson) {
               displayText(pathOf(object)) + "\n");
         return;
     }
-    const Json line = {{"number", object.number},
-                       {"folder", displayText(object.folder)},
-                       {"name", displayText(object.name)},
-                       {"size", object.size},
-                       {"modified", object.modified}};
-    print(line.dump() + "\n");
+    printJsonLine({{"number", object.number},
+                   {"folder", object.folder},
+                   {"name", object.name},
+                   {"size", object.size},
+                   {"modified", object.modified}});
 }
 
 /// As they come.
@@ -103,9 +104,10 @@ ExitCode runImport(Options& options) {
 
 CLI::App* addVerb(CLI::App* cameras, const char* name, const char* description,
                   const std::shared_ptr<Options>& options) {
-    CLI::App* const verb = cameras->add_subcommand(name, description);
-    verb->add_flag("--json", options->asJson, "As JSON; of files an object a line");
-    verb->add_option("--network", options->addresses, "The address of a camera on the network")
+    CLI::App* const verb = cameras->add_subcommand(name, translated(description));
+    verb->add_flag("--json", options->asJson, translated("As JSON; of files an object a line"));
+    verb->add_option("--network", options->addresses,
+                     translated("The address of a camera on the network"))
         ->allow_extra_args(false);
     return verb;
 }
@@ -115,22 +117,30 @@ CLI::App* addVerb(CLI::App* cameras, const char* name, const char* description,
 void addCamerasCommand(CLI::App& program, ExitCode& result) {
     const auto options = std::make_shared<Options>();
     CLI::App* const cameras = program.add_subcommand(
-        "cameras", "List cameras and memory cards, and bring their pictures over");
-    cameras->add_flag("--json", options->asJson, "As JSON");
-    cameras->add_option("--network", options->addresses, "The address of a camera on the network")
+        "cameras", translated("List cameras and memory cards, and bring their pictures over"));
+    cameras->add_flag("--json", options->asJson, translated("As JSON"));
+    cameras
+        ->add_option("--network", options->addresses,
+                     translated("The address of a camera on the network"))
         ->allow_extra_args(false);
+    cameras->footer(translated(kHelp));
     cameras->require_subcommand(0, 1);
-    addVerb(cameras, "list", "What is connected", options);
-    CLI::App* const files = addVerb(cameras, "files", "What is on a device", options);
-    CLI::App* const import = addVerb(cameras, "import", "Bring files over into a folder", options);
+    addVerb(cameras, "list", translatable("What is connected"), options);
+    CLI::App* const files = addVerb(cameras, "files", translatable("What is on a device"), options);
+    CLI::App* const import =
+        addVerb(cameras, "import", translatable("Bring files over into a folder"), options);
     for (CLI::App* const verb : {files, import})
-        verb->add_option("--device", options->device, "Its name or number");
-    import->add_option("folder", options->import.folder, "Where to; made if need be")->required();
-    import->add_option("--name", options->import.names, "Only files of this name; repeatable")
+        verb->add_option("--device", options->device, translated("Its name or number"));
+    import->add_option("folder", options->import.folder, translated("Where to; made if need be"))
+        ->required();
+    import
+        ->add_option("--name", options->import.names,
+                     translated("Only files of this name; repeatable"))
         ->allow_extra_args(false);
     import->add_option("--dates", options->import.options.dateFolders,
-                       "Folders by shooting date: %Y, %m and %d");
-    import->add_flag("--verify", options->import.options.verify, "Compare checksums afterwards");
+                       translated("Folders by shooting date: %Y, %m and %d"));
+    import->add_flag("--verify", options->import.options.verify,
+                     translated("Compare checksums afterwards"));
     cameras->callback([options, files, import, &result] {
         if (files->parsed())
             result = listFiles(*options);
@@ -139,7 +149,6 @@ void addCamerasCommand(CLI::App& program, ExitCode& result) {
         else
             result = listDevices(*options);
     });
-    cameras->footer(kHelp);
 }
 
 }  // namespace tav::tool

@@ -48,6 +48,13 @@ std::string nameOf(const CLI::App& command) {
     return (parent == nullptr ? "" : nameOf(*parent) + " ") + command.get_name();
 }
 
+/// A verb shows its command's examples where it has none of its own.
+std::string ownFooter(const CLI::App& command) {
+    const CLI::App* const parent = command.get_parent();
+    const bool isParents = parent != nullptr && parent->get_footer() == command.get_footer();
+    return isParents ? "" : command.get_footer();
+}
+
 }  // namespace
 
 bool CommandDescription::takesArguments() const {
@@ -68,7 +75,7 @@ std::string CommandDescription::synopsis() const {
 
 CommandDescription describe(const CLI::App& command) {
     CommandDescription result{
-        nameOf(command), command.get_description(), command.get_footer(), {}, {}};
+        nameOf(command), command.get_description(), ownFooter(command), {}, {}};
     for (const CLI::Option* option : command.get_options())
         if (!option->get_group().empty())
             result.options.push_back(describe(*option));

@@ -8,7 +8,7 @@ namespace tav::tool {
 /// What the program returns to the shell; scripts depend on the numbers.
 enum ExitCode {
     ExitOk = 0,
-    ExitDiffers = 1,  ///< the files differ, or what was asked for is not there
+    ExitDiffers = 1,  ///< the files differ, or what was asked for is not there, or is not well
     ExitUsage = 2,
     ExitCannotRead = 3,
     ExitCannotWrite = 4

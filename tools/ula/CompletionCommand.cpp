@@ -4,6 +4,7 @@
 #include "tools/ula/Completion.h"
 #include "tools/ula/ManualPage.h"
 #include "tools/ula/StandardOutput.h"
+#include "tools/ula/Translation.h"
 
 #include <ula/foundation/filesystem/DurableFile.h>
 
@@ -16,10 +17,10 @@ namespace tav::tool {
 
 namespace {
 
-constexpr const char* kHelp = R"(Examples:
+constexpr const char* kHelp = translatable(R"(Examples:
   source <(ula completion bash)                                  for this shell
   ula completion fish > ~/.config/fish/completions/ula.fish      for good
-Installed packages bring it with them.)";
+Installed packages bring it with them.)");
 
 const std::map<std::string, Shell> kShells = {
     {"bash", Shell::Bash}, {"fish", Shell::Fish}, {"zsh", Shell::Zsh}};
@@ -43,22 +44,22 @@ ExitCode writeManuals(const CommandDescription& tool, const std::string& folder)
 
 void addCompletionCommand(CLI::App& program, ExitCode& result) {
     const auto shell = std::make_shared<std::string>();
-    CLI::App* const completer =
-        program.add_subcommand("completion", "Print what a shell needs to complete commands");
-    completer->add_option("SHELL", *shell, "The shell")
+    CLI::App* const completer = program.add_subcommand(
+        "completion", translated("Print what a shell needs to complete commands"));
+    completer->add_option("SHELL", *shell, translated("The shell"))
         ->required()
         ->check(CLI::IsMember({"bash", "fish", "zsh"}));
     completer->callback([shell, &program, &result] {
         print(completion(describe(program), kShells.at(*shell)));
         result = ExitOk;
     });
-    completer->footer(kHelp);
+    completer->footer(translated(kHelp));
 
     const auto folder = std::make_shared<std::string>();
     CLI::App* const manuals =
-        program.add_subcommand("manuals", "Write the manual pages into a folder");
+        program.add_subcommand("manuals", translated("Write the manual pages into a folder"));
     manuals->group("");
-    manuals->add_option("FOLDER", *folder, "Made if need be")->required();
+    manuals->add_option("FOLDER", *folder, translated("Made if need be"))->required();
     manuals->callback(
         [folder, &program, &result] { result = writeManuals(describe(program), *folder); });
 }

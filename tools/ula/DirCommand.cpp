@@ -2,9 +2,11 @@
 #include "tools/ula/DirCommand.h"
 
 #include "tools/ula/DisplayText.h"
+#include "tools/ula/JsonOutput.h"
 #include "tools/ula/SettingsCommand.h"
 #include "tools/ula/StandardOutput.h"
 #include "tools/ula/Terminal.h"
+#include "tools/ula/Translation.h"
 
 #include <ula/Dir.h>
 #include <ula/NSPathUtil.h>
@@ -22,16 +24,15 @@ namespace tav::tool {
 namespace {
 
 namespace fs = std::filesystem;
-using Json = nlohmann::ordered_json;
 using ula::Dir;
 
-constexpr const char* kHelp = R"(Examples:
+constexpr const char* kHelp = translatable(R"(Examples:
   ula dir                     what is in this folder, in the order of the disk
   ula dir --sort ~/Pictures   in the Finder's order: img2 before IMG10
   ula dir -a -R --json DCIM   everything below, hidden items too, for programs
 
 Paths are shown as the library names them: /Volumes, the disk, the folder.
-Exit codes: 0 done; 1 nothing is there; 3 it cannot be read.)";
+Exit codes: 0 done; 1 nothing is there; 3 it cannot be read.)");
 
 struct Options {
     std::string path = ".";
@@ -49,8 +50,8 @@ std::string modelPath(const std::string& path) {
     const std::string disk = "/Volumes/" + ula::NSPathUtilNameSpace::nameForRootDisk();
     std::error_code error;
     if (!fs::is_symlink(disk, error))
-        throw CommandError{ExitCannotRead, "the start-up disk has no name in /Volumes",
-                           "'sudo ula volumes --mend' gives it one"};
+        throw CommandError{ExitCannotRead, translated("the start-up disk has no name in /Volumes"),
+                           translated("'sudo ula volumes --mend' gives it one")};
     return disk + (absolute == "/" ? "" : absolute);
 }
 
@@ -66,7 +67,8 @@ public:
         if (found < kWorthTelling || isatty(STDERR_FILENO) == 0)
             return true;
         _isShown = true;
-        std::fprintf(stderr, "\rlisting: %zu items", found);
+        const std::string text = translated("listing: %1 items", std::to_string(found));
+        std::fprintf(stderr, "\r%s", text.c_str());
         return true;
     }
 
@@ -85,30 +87,44 @@ std::vector<Dir*> childrenOf(Dir& dir, const Options& options) {
     return nodes;
 }
 
+constexpr const char* kVolume = translatable("volume");
+constexpr const char* kLostAlias = translatable("lost alias");
+constexpr const char* kAlias = translatable("alias");
+constexpr const char* kLink = translatable("link");
+constexpr const char* kFolder = translatable("folder");
+constexpr const char* kFile = translatable("file");
+
 const char* kindOf(const Dir& node) {
     if (node.properties().isFlagSet(ula::MountPoint))
-        return "volume";
+        return kVolume;
     if (node.isUnresolvedAlias())
-        return "lost alias";
+        return kLostAlias;
     if (node.isAlias())
-        return "alias";
+        return kAlias;
     if (node.isLink())
-        return "link";
-    return node.isDir() ? "folder" : "file";
+        return kLink;
+    return node.isDir() ? kFolder : kFile;
+}
+
+/// Of any kind, as lines are printed before the others are known.
+std::size_t kindWidth() {
+    std::size_t width = 10;
+    for (const char* const kind : {kVolume, kLostAlias, kAlias, kLink, kFolder, kFile})
+        width = std::max(width, displayWidth(translated(kind)));
+    return width + 2;
 }
 
 /// The name, or the last component of a path that is no text.
 std::string nameOf(const Dir& node) {
     const std::string path = node.fullPath();
     const std::string name = node.name();
-    return displayText(name.empty() ? path.substr(path.rfind('/') + 1) : name);
+    return name.empty() ? path.substr(path.rfind('/') + 1) : name;
 }
 
 void printNode(const Dir& node, std::size_t depth, const Colours& colours) {
-    constexpr std::size_t kKindWidth = 12;
-    std::string line = padded(kindOf(node), kKindWidth) + (node.isReadOnly() ? "ro  " : "    ") +
-                       std::string(depth * 2, ' ');
-    const std::string name = nameOf(node);
+    std::string line = padded(translated(kindOf(node)), kindWidth()) +
+                       (node.isReadOnly() ? "ro  " : "    ") + std::string(depth * 2, ' ');
+    const std::string name = displayText(nameOf(node));
     const std::string title = displayText(node.title());
     line += node.isDir() ? colours.bold + name + colours.plain : name;
     if (!title.empty() && title != name)
@@ -116,7 +132,7 @@ void printNode(const Dir& node, std::size_t depth, const Colours& colours) {
     if (node.isLink() || node.isAlias())
         line += " -> " + displayText(node.targetPath());
     if (node.isHidden())
-        line += " (hidden)";
+        line += " (" + translated("hidden") + ")";
     print(line + "\n");
 }
 
@@ -135,9 +151,9 @@ Json jsonOf(const Dir& node) {
             flags.push_back(name);
     }
     return {{"name", nameOf(node)},
-            {"title", displayText(node.title())},
-            {"path", displayText(node.fullPath())},
-            {"target", displayText(node.targetPath())},
+            {"title", node.title()},
+            {"path", node.fullPath()},
+            {"target", node.targetPath()},
             {"flags", flags}};
 }
 
@@ -155,22 +171,21 @@ void walk(Dir& dir, const Options& options, std::size_t depth, const Show& show)
 }
 
 void printJson(Dir& dir, const Options& options) {
-    const char* separator = "[\n  ";
-    walk(dir, options, 0, [&separator](const Dir& node, std::size_t) {
-        print(separator + jsonOf(node).dump());
-        separator = ",\n  ";
-    });
-    print(separator[0] == '[' ? "[]\n" : "\n]\n");
+    JsonList items("items");
+    walk(dir, options, 0, [&items](const Dir& node, std::size_t) { items.add(jsonOf(node)); });
+    items.end();
 }
 
 ExitCode run(const Options& options) {
     Dir dir(modelPath(options.path));
     if (!dir.exists())
-        throw CommandError{ExitDiffers, "there is nothing at " + quotedText(options.path)};
+        throw CommandError{ExitDiffers,
+                           translated("there is nothing at %1", quotedText(options.path))};
     if (!dir.isDir() && !dir.isLink() && !dir.isAlias())
-        throw CommandError{ExitCannotRead,
-                           quotedText(options.path) + " is no folder, or may not be read",
-                           "'ls -ld' shows who may read it"};
+        throw CommandError{
+            ExitCannotRead,
+            translated("%1 is no folder, or may not be read", quotedText(options.path)),
+            translated("'ls -ld' shows who may read it")};
     if (options.json) {
         printJson(dir, options);
         return ExitOk;
@@ -186,15 +201,15 @@ ExitCode run(const Options& options) {
 void addDirCommand(CLI::App& program, ExitCode& result) {
     const auto options = std::make_shared<Options>();
     CLI::App* const dir =
-        program.add_subcommand("dir", "List a folder as a folder browser sees it");
-    dir->add_option("PATH", options->path, "The folder; this one when not given")
+        program.add_subcommand("dir", translated("List a folder as a folder browser sees it"));
+    dir->add_option("PATH", options->path, translated("The folder; this one when not given"))
         ->transform(&unprotectArgument);
-    dir->add_flag("-a,--all", options->all, "Hidden items too");
-    dir->add_flag("-R,--recursive", options->recursive, "What is in its folders, too");
-    dir->add_flag("--sort", options->sorted, "In the Finder's order");
-    dir->add_flag("--json", options->json, "As JSON");
+    dir->add_flag("-a,--all", options->all, translated("Hidden items too"));
+    dir->add_flag("-R,--recursive", options->recursive, translated("What is in its folders, too"));
+    dir->add_flag("--sort", options->sorted, translated("In the Finder's order"));
+    dir->add_flag("--json", options->json, translated("As JSON"));
     dir->callback([options, &result] { result = run(*options); });
-    dir->footer(kHelp);
+    dir->footer(translated(kHelp));
 }
 
 }  // namespace tav::tool

@@ -67,15 +67,17 @@ std::string escapedByte(char byte) {
     return text;
 }
 
-std::string escape(std::string_view text, bool quotes) {
+enum class Escapes { Bytes, Display, Quoted };
+
+std::string escape(std::string_view text, Escapes escapes) {
     std::string result;
     while (!text.empty()) {
         const Character character = decode(text);
         if (!character.isValid)
             result += escapedByte(text[0]);
-        else if (steersTerminal(character.code))
+        else if (escapes != Escapes::Bytes && steersTerminal(character.code))
             result += escaped(character.code);
-        else if (quotes && (text[0] == '"' || text[0] == '\\'))
+        else if (escapes == Escapes::Quoted && (text[0] == '"' || text[0] == '\\'))
             result += {'\\', text[0]};
         else
             result += text.substr(0, character.length);
@@ -98,11 +100,15 @@ std::size_t widthOf(char32_t code) {
 }  // namespace
 
 std::string displayText(std::string_view text) {
-    return escape(text, false);
+    return escape(text, Escapes::Display);
 }
 
 std::string quotedText(std::string_view text) {
-    return '"' + escape(text, true) + '"';
+    return '"' + escape(text, Escapes::Quoted) + '"';
+}
+
+std::string validText(std::string_view text) {
+    return escape(text, Escapes::Bytes);
 }
 
 std::size_t displayWidth(std::string_view text) {

@@ -11,6 +11,8 @@ namespace tav::tool {
 std::string displayText(std::string_view text);
 /// The same between double quotes, quotes and backslashes escaped.
 std::string quotedText(std::string_view text);
+/// The text with every byte that is no UTF-8 written as an escape, "\xff", and nothing else.
+std::string validText(std::string_view text);
 
 /// The columns that a text made by `displayText` takes on a terminal.
 std::size_t displayWidth(std::string_view text);

@@ -2,8 +2,9 @@
 #include "tools/ula/DrivesCommand.h"
 
 #include "tools/ula/DisplayText.h"
-#include "tools/ula/StandardOutput.h"
+#include "tools/ula/JsonOutput.h"
 #include "tools/ula/TextTable.h"
+#include "tools/ula/Translation.h"
 
 #include <ula/Drive.h>
 
@@ -21,26 +22,25 @@ namespace {
 using ula::Drive;
 using ula::DriveDetails;
 using ula::DriveSpace;
-using Json = nlohmann::ordered_json;
 
-constexpr const char* kHelp = R"(Examples:
+constexpr const char* kHelp = translatable(R"(Examples:
   ula drives             the start-up disk and mounted volumes, how large and how full
   ula drives --json      the same for programs, sizes in bytes, with label, UUID and device
 
-A share whose server does not answer is listed all the same, without its sizes.)";
+A share whose server does not answer is listed all the same, without its sizes.)");
 
 const char* kindText(ula::DriveType type) {
     switch (type) {
     case ula::Fixed:
-        return "fixed";
+        return translatable("fixed");
     case ula::Network:
-        return "network";
+        return translatable("network");
     case ula::Optical:
-        return "optical";
+        return translatable("optical");
     case ula::Virtual:
-        return "virtual";
+        return translatable("virtual");
     default:
-        return "removable";
+        return translatable("removable");
     }
 }
 
@@ -59,7 +59,7 @@ std::string sizeText(std::uint64_t bytes) {
 std::string nameOf(const Drive& drive) {
     const std::string& path = drive.properties().fullPath();
     const std::string& title = drive.properties().title();
-    return displayText(title.empty() ? path : title);
+    return title.empty() ? path : title;
 }
 
 TableRow rowOf(const Drive& drive) {
@@ -67,31 +67,30 @@ TableRow rowOf(const Drive& drive) {
     const DriveDetails details = drive.details();
     std::string where = displayText(details.location);
     if (drive.properties().isFlagSet(ula::ReadOnly))
-        where += " (read-only)";
-    return {nameOf(drive),
-            kindText(drive.type()),
-            space ? sizeText(space->total) : "no answer",
+        where += " (" + translated("read-only") + ")";
+    return {displayText(nameOf(drive)),
+            translated(kindText(drive.type())),
+            space ? sizeText(space->total) : translated("no answer"),
             space ? sizeText(space->free) : "",
             displayText(details.fileSystemType),
             where};
 }
 
-/// Names come from disks and need not be UTF-8: what is not is shown as an escape.
 Json jsonOf(const Drive& drive) {
     const std::optional<DriveSpace> space = drive.space();
     const DriveDetails details = drive.details();
     return {{"name", nameOf(drive)},
-            {"path", displayText(drive.properties().fullPath())},
+            {"path", drive.properties().fullPath()},
             {"kind", kindText(drive.type())},
             {"size", space ? Json(space->total) : Json()},
             {"free", space ? Json(space->free) : Json()},
-            {"fileSystem", displayText(details.fileSystemType)},
+            {"fileSystem", details.fileSystemType},
             {"readOnly", drive.properties().isFlagSet(ula::ReadOnly)},
-            {"mountedOn", displayText(details.location)},
-            {"label", displayText(details.label)},
-            {"uuid", displayText(details.uuid)},
-            {"device", displayText(details.deviceNode)},
-            {"url", displayText(drive.volumeURL())}};
+            {"mountedOn", details.location},
+            {"label", details.label},
+            {"uuid", details.uuid},
+            {"device", details.deviceNode},
+            {"url", drive.volumeURL()}};
 }
 
 /// Volumes are listed by their names in /Volumes: says which ones have none, and what helps.
@@ -103,10 +102,10 @@ void tellOfNameless() {
             nameless += (nameless.empty() ? "" : ", ") + displayText(entry.target);
     if (nameless.empty())
         return;
-    std::fprintf(stderr,
-                 "ula: not listed, as without a name in /Volumes: %s\n"
-                 "     'sudo ula volumes --mend' gives them names\n",
-                 nameless.c_str());
+    const std::string message =
+        translated("not listed, as without a name in /Volumes: %1", nameless);
+    const std::string cure = translated("'sudo ula volumes --mend' gives them names");
+    std::fprintf(stderr, "ula: %s\n     %s\n", message.c_str(), cure.c_str());
 }
 
 ExitCode run(bool asJson) {
@@ -115,10 +114,12 @@ ExitCode run(bool asJson) {
         Json list = Json::array();
         for (const Drive& drive : drives)
             list.push_back(jsonOf(drive));
-        print(list.dump(2) + "\n");
+        printJson("drives", std::move(list));
         return ExitOk;
     }
-    std::vector<TableRow> rows = {{"NAME", "KIND", "SIZE", "FREE", "FILE SYSTEM", "MOUNTED ON"}};
+    std::vector<TableRow> rows = {{translated("NAME"), translated("KIND"), translated("SIZE"),
+                                   translated("FREE"), translated("FILE SYSTEM"),
+                                   translated("MOUNTED ON")}};
     for (const Drive& drive : drives)
         rows.push_back(rowOf(drive));
     printTable(rows, {2, 3});
@@ -131,10 +132,10 @@ ExitCode run(bool asJson) {
 void addDrivesCommand(CLI::App& program, ExitCode& result) {
     const auto asJson = std::make_shared<bool>(false);
     CLI::App* const drives =
-        program.add_subcommand("drives", "List the start-up disk and mounted volumes");
-    drives->add_flag("--json", *asJson, "As JSON");
+        program.add_subcommand("drives", translated("List the start-up disk and mounted volumes"));
+    drives->add_flag("--json", *asJson, translated("As JSON"));
     drives->callback([asJson, &result] { result = run(*asJson); });
-    drives->footer(kHelp);
+    drives->footer(translated(kHelp));
 }
 
 }  // namespace tav::tool

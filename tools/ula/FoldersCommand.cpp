@@ -2,11 +2,14 @@
 #include "tools/ula/FoldersCommand.h"
 
 #include "tools/ula/DisplayText.h"
+#include "tools/ula/JsonOutput.h"
 #include "tools/ula/StandardOutput.h"
+#include "tools/ula/Translation.h"
 
 #include <ula/SpecialFolders.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <memory>
 #include <nlohmann/json.hpp>
 
@@ -16,12 +19,12 @@ namespace {
 
 using ula::SpecialFolders;
 
-constexpr const char* kHelp = R"(Examples:
+constexpr const char* kHelp = translatable(R"(Examples:
   ula folders             where documents, pictures and the rest lie for this user
   ula folders --json      the same for programs
 
 Documents, pictures, movies and music are where the desktop has them (user-dirs.dirs). The folders
-need not exist, and none is made.)";
+need not exist, and none is made.)");
 
 struct Folder {
     const char* name;
@@ -30,30 +33,36 @@ struct Folder {
 };
 
 constexpr Folder kFolders[] = {
-    {"home", "home", SpecialFolders::home},
-    {"documents", "documents", SpecialFolders::myDocuments},
-    {"pictures", "pictures", SpecialFolders::myPictures},
-    {"movies", "movies", SpecialFolders::myMovies},
-    {"music", "music", SpecialFolders::myMusic},
-    {"application support", "applicationSupport", SpecialFolders::myApplicationSupportPath},
-    {"application data", "applicationData", SpecialFolders::myApplicationData},
-    {"temporary", "temporary", SpecialFolders::tempPath},
-    {"global preferences", "globalPreferences", SpecialFolders::globalPreferences},
+    {translatable("home"), "home", SpecialFolders::home},
+    {translatable("documents"), "documents", SpecialFolders::myDocuments},
+    {translatable("pictures"), "pictures", SpecialFolders::myPictures},
+    {translatable("movies"), "movies", SpecialFolders::myMovies},
+    {translatable("music"), "music", SpecialFolders::myMusic},
+    {translatable("application support"), "applicationSupport",
+     SpecialFolders::myApplicationSupportPath},
+    {translatable("application data"), "applicationData", SpecialFolders::myApplicationData},
+    {translatable("temporary"), "temporary", SpecialFolders::tempPath},
+    {translatable("global preferences"), "globalPreferences", SpecialFolders::globalPreferences},
 };
 
-constexpr std::size_t kNameWidth = 21;
+std::size_t nameWidth() {
+    std::size_t width = 0;
+    for (const Folder& folder : kFolders)
+        width = std::max(width, displayWidth(translated(folder.name)));
+    return width + 2;
+}
 
 ExitCode run(bool asJson) {
-    nlohmann::ordered_json list;
+    Json list;
     for (const Folder& folder : kFolders) {
-        const std::string path = displayText(folder.path().toStdString());
+        const std::string path = folder.path().toStdString();
         if (asJson)
             list[folder.key] = path;
         else
-            print(padded(folder.name, kNameWidth) + path + "\n");
+            print(padded(translated(folder.name), nameWidth()) + displayText(path) + "\n");
     }
     if (asJson)
-        print(list.dump(2) + "\n");
+        printJson("folders", std::move(list));
     return ExitOk;
 }
 
@@ -61,11 +70,11 @@ ExitCode run(bool asJson) {
 
 void addFoldersCommand(CLI::App& program, ExitCode& result) {
     const auto asJson = std::make_shared<bool>(false);
-    CLI::App* const folders =
-        program.add_subcommand("folders", "Show where the user's well-known folders lie");
-    folders->add_flag("--json", *asJson, "As JSON");
+    CLI::App* const folders = program.add_subcommand(
+        "folders", translated("Show where the user's well-known folders lie"));
+    folders->add_flag("--json", *asJson, translated("As JSON"));
     folders->callback([asJson, &result] { result = run(*asJson); });
-    folders->footer(kHelp);
+    folders->footer(translated(kHelp));
 }
 
 }  // namespace tav::tool

@@ -2,6 +2,7 @@
 #include "tools/ula/ProgressBar.h"
 
 #include "tools/ula/Terminal.h"
+#include "tools/ula/Translation.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -38,8 +39,9 @@ void ProgressBar::draw(std::size_t done) {
     std::string bar;
     for (std::size_t i = 0; i < kWidth; ++i)
         bar += i < filled ? "█" : "░";
-    std::fprintf(stderr, "\r%s %s %3zu %%  %zu keys", _label.c_str(), bar.c_str(),
-                 done * 100 / _total, _keys);
+    const std::string keys = translated("%1 keys", std::to_string(_keys));
+    std::fprintf(stderr, "\r%s %s %3zu %%  %s", _label.c_str(), bar.c_str(), done * 100 / _total,
+                 keys.c_str());
     std::fflush(stderr);
     _isDrawn = true;
 }

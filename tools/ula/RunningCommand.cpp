@@ -2,8 +2,9 @@
 #include "tools/ula/RunningCommand.h"
 
 #include "tools/ula/DisplayText.h"
-#include "tools/ula/StandardOutput.h"
+#include "tools/ula/JsonOutput.h"
 #include "tools/ula/TextTable.h"
+#include "tools/ula/Translation.h"
 
 #include <ula/UniqueAppInstance.h>
 
@@ -17,14 +18,13 @@ namespace tav::tool {
 namespace {
 
 using ula::RunningApplicationInfo;
-using Json = nlohmann::ordered_json;
 
-constexpr const char* kHelp = R"(Examples:
+constexpr const char* kHelp = translatable(R"(Examples:
   ula running                        your running applications, in the order of their start
   ula running org.gnome.Nautilus     those of this name or identifier
   ula running --json                 for programs
 
-Exit codes: 0 done; 1 no application of this name or identifier runs.)";
+Exit codes: 0 done; 1 no application of this name or identifier runs.)");
 
 struct Options {
     std::string wanted;
@@ -32,21 +32,22 @@ struct Options {
 };
 
 void printText(const std::vector<RunningApplicationInfo>& applications) {
-    std::vector<TableRow> rows = {{"PROCESS", "NAME", "IDENTIFIER", "PATH"}};
+    std::vector<TableRow> rows = {
+        {translated("PROCESS"), translated("NAME"), translated("IDENTIFIER"), translated("PATH")}};
     for (const RunningApplicationInfo& each : applications)
         rows.push_back({std::to_string(each.processIdentifier), displayText(each.name),
                         displayText(each.bundleIdentifier), displayText(each.path)});
     printTable(rows);
 }
 
-void printJson(const std::vector<RunningApplicationInfo>& applications) {
+void printAsJson(const std::vector<RunningApplicationInfo>& applications) {
     Json list = Json::array();
     for (const RunningApplicationInfo& each : applications)
         list.push_back({{"process", each.processIdentifier},
-                        {"name", displayText(each.name)},
-                        {"identifier", displayText(each.bundleIdentifier)},
-                        {"path", displayText(each.path)}});
-    print(list.dump(2) + "\n");
+                        {"name", each.name},
+                        {"identifier", each.bundleIdentifier},
+                        {"path", each.path}});
+    printJson("applications", std::move(list));
 }
 
 ExitCode run(const Options& options) {
@@ -57,7 +58,7 @@ ExitCode run(const Options& options) {
                (!options.wanted.empty() && each.name != options.wanted &&
                 each.bundleIdentifier != options.wanted);
     });
-    options.asJson ? printJson(applications) : printText(applications);
+    options.asJson ? printAsJson(applications) : printText(applications);
     return options.wanted.empty() || !applications.empty() ? ExitOk : ExitDiffers;
 }
 
@@ -65,11 +66,13 @@ ExitCode run(const Options& options) {
 
 void addRunningCommand(CLI::App& program, ExitCode& result) {
     const auto options = std::make_shared<Options>();
-    CLI::App* const running = program.add_subcommand("running", "List your running applications");
-    running->add_option("application", options->wanted, "Only those of this name or identifier");
-    running->add_flag("--json", options->asJson, "As JSON");
+    CLI::App* const running =
+        program.add_subcommand("running", translated("List your running applications"));
+    running->add_option("application", options->wanted,
+                        translated("Only those of this name or identifier"));
+    running->add_flag("--json", options->asJson, translated("As JSON"));
     running->callback([options, &result] { result = run(*options); });
-    running->footer(kHelp);
+    running->footer(translated(kHelp));
 }
 
 }  // namespace tav::tool

@@ -3,6 +3,7 @@
 
 #include "tools/ula/CommandError.h"
 #include "tools/ula/DisplayText.h"
+#include "tools/ula/Translation.h"
 
 #include <algorithm>
 #include <gdk-pixbuf/gdk-pixbuf.h>
@@ -83,13 +84,13 @@ void drawScreen(std::ostream& svg, const ula::Screen& screen, const Scale& scale
     // As large as fits: a line takes some twenty letters' width.
     const double size = std::clamp(area.width() * scale.factor / 14, 6.0, 20.0);
     drawText(svg, x, y - size * 0.5, size,
-             screen.details().outputName + (screen.isPrimary ? ", primary" : ""));
+             screen.details().outputName + (screen.isPrimary ? ", " + translated("primary") : ""));
     drawText(svg, x, y + size, size * 0.8,
              std::to_string(screen.bounds.width()) + " x " +
                  std::to_string(screen.bounds.height()));
     drawText(svg, x, y + size * 2.2, size * 0.7,
-             "from " + std::to_string(screen.bounds.left) + ", " +
-                 std::to_string(screen.bounds.top));
+             translated("from %1, %2", std::to_string(screen.bounds.left),
+                        std::to_string(screen.bounds.top)));
 }
 
 struct Release {
@@ -99,11 +100,12 @@ struct Release {
 template <class Type>
 using Owned = std::unique_ptr<Type, Release>;
 
-[[noreturn]] void fail(const GError* error, const char* hint) {
-    throw CommandError{ExitCannotWrite,
-                       std::string("the picture cannot be drawn: ") +
-                           (error != nullptr ? error->message : "no reason is known"),
-                       hint};
+[[noreturn]] void fail(const GError* error, const std::string& hint) {
+    throw CommandError{
+        ExitCannotWrite,
+        translated("the picture cannot be drawn: %1",
+                   error != nullptr ? error->message : translated("no reason is known")),
+        hint};
 }
 
 /// A wrong SVG is told of at the latest when the loader is closed, which it must be in any case.
@@ -114,7 +116,7 @@ void load(GdkPixbufLoader* loader, const std::string& svg) {
     if (gdk_pixbuf_loader_close(loader, isWritten ? &error : nullptr) == TRUE && isWritten)
         return;
     const Owned<GError> owned(error);
-    fail(error, "drawing needs the package librsvg2-common");
+    fail(error, translated("drawing needs the package librsvg2-common"));
 }
 
 }  // namespace

@@ -2,9 +2,10 @@
 #include "tools/ula/ScreensCommand.h"
 
 #include "tools/ula/DisplayText.h"
+#include "tools/ula/JsonOutput.h"
 #include "tools/ula/ScreenPicture.h"
-#include "tools/ula/StandardOutput.h"
 #include "tools/ula/TextTable.h"
+#include "tools/ula/Translation.h"
 
 #include <ula/Screen.h>
 #include <ula/foundation/filesystem/DurableFile.h>
@@ -20,16 +21,15 @@ namespace {
 
 using ula::Screen;
 using ula::ScreenDetails;
-using Json = nlohmann::ordered_json;
 using Rectangle = math::GenRect<int>;
 
-constexpr const char* kHelp = R"(Examples:
+constexpr const char* kHelp = translatable(R"(Examples:
   ula screens                    attached displays, their sizes and what panels leave free
   ula screens --json             the same for programs
   ula screens --draw desk.png    a picture of how they stand to each other
 
 The lower left corner of the primary display is 0, 0; y grows downwards.
-Exit codes: 0 done; 1 there is no display; 4 the picture cannot be written.)";
+Exit codes: 0 done; 1 there is no display; 4 the picture cannot be written.)");
 
 struct Options {
     std::string picture;
@@ -52,12 +52,14 @@ std::string placeText(const Rectangle& area) {
 
 TableRow rowOf(const Screen& screen) {
     const ScreenDetails details = screen.details();
-    return {displayText(details.outputName) + (screen.isPrimary ? " (primary)" : ""),
+    return {displayText(details.outputName) +
+                (screen.isPrimary ? " (" + translated("primary") + ")" : ""),
             sizeText(screen.bounds),
             placeText(screen.bounds),
-            sizeText(screen.workingArea) + " from " + placeText(screen.workingArea),
+            translated("%1 from %2", sizeText(screen.workingArea), placeText(screen.workingArea)),
             std::to_string(screen.bitsPerPixel),
-            details.refreshRate > 0 ? numberText(details.refreshRate, " Hz") : "unknown",
+            details.refreshRate > 0 ? numberText(details.refreshRate, " Hz")
+                                    : translated("unknown"),
             numberText(details.scaleFactor, "")};
 }
 
@@ -67,7 +69,7 @@ Json jsonOf(const Rectangle& area) {
 
 Json jsonOf(const Screen& screen) {
     const ScreenDetails details = screen.details();
-    return {{"name", displayText(details.outputName)},
+    return {{"name", details.outputName},
             {"id", screen.displayID()},
             {"primary", screen.isPrimary},
             {"bounds", jsonOf(screen.bounds)},
@@ -82,10 +84,12 @@ void printScreens(const std::vector<Screen>& screens, bool asJson) {
         Json list = Json::array();
         for (const Screen& screen : screens)
             list.push_back(jsonOf(screen));
-        print(list.dump(2) + "\n");
+        printJson("screens", std::move(list));
         return;
     }
-    std::vector<TableRow> rows = {{"NAME", "SIZE", "FROM", "USABLE", "BITS", "RATE", "SCALE"}};
+    std::vector<TableRow> rows = {{translated("NAME"), translated("SIZE"), translated("FROM"),
+                                   translated("USABLE"), translated("BITS"), translated("RATE"),
+                                   translated("SCALE")}};
     for (const Screen& screen : screens)
         rows.push_back(rowOf(screen));
     printTable(rows);
@@ -95,16 +99,18 @@ void savePicture(const std::string& path, const std::vector<Screen>& screens) {
     std::string error;
     const std::string png = pngOf(drawScreens(screens));
     if (!filesystem::replaceFileDurably(path.c_str(), png, {}, &error))
-        throw CommandError{ExitCannotWrite, error, "choose another place with --draw FILE.png"};
+        throw CommandError{ExitCannotWrite, error,
+                           translated("choose another place with --draw FILE.png")};
 }
 
 ExitCode run(const Options& options) {
     const std::vector<Screen> screens = Screen::getAllScreens();
     if (screens.empty()) {
         if (options.asJson)
-            print("[]\n");
-        throw CommandError{ExitDiffers, "there is no display",
-                           "DISPLAY names the display server, as in: DISPLAY=:0 ula screens"};
+            printJson("screens", Json::array());
+        throw CommandError{ExitDiffers, translated("there is no display"),
+                           translated("DISPLAY names the display server, as in: DISPLAY=:0 ula "
+                                      "screens")};
     }
     if (!options.picture.empty())
         savePicture(options.picture, screens);
@@ -118,12 +124,12 @@ ExitCode run(const Options& options) {
 void addScreensCommand(CLI::App& program, ExitCode& result) {
     const auto options = std::make_shared<Options>();
     CLI::App* const screens =
-        program.add_subcommand("screens", "List or draw the attached displays");
-    screens->add_flag("--json", options->asJson, "As JSON");
-    screens->add_option("--draw", options->picture, "Draws them into this PNG file")
+        program.add_subcommand("screens", translated("List or draw the attached displays"));
+    screens->add_flag("--json", options->asJson, translated("As JSON"));
+    screens->add_option("--draw", options->picture, translated("Draws them into this PNG file"))
         ->type_name("FILE.png");
     screens->callback([options, &result] { result = run(*options); });
-    screens->footer(kHelp);
+    screens->footer(translated(kHelp));
 }
 
 }  // namespace tav::tool

@@ -2,9 +2,11 @@
 #include "tools/ula/SecretCommand.h"
 
 #include "tools/ula/DisplayText.h"
+#include "tools/ula/JsonOutput.h"
 #include "tools/ula/SecretInput.h"
 #include "tools/ula/SettingsCommand.h"
 #include "tools/ula/StandardOutput.h"
+#include "tools/ula/Translation.h"
 #include "tools/ula/Warnings.h"
 #include "ula/SecureData.h"
 #include "ula/foundation/debug/Log.h"
@@ -17,13 +19,12 @@ namespace tav::tool {
 
 namespace {
 
-using Json = nlohmann::ordered_json;
 using ula::FastString;
 using ula::KeychainItemKind;
 using ula::KeychainItemName;
 using ula::KeychainStore;
 
-constexpr const char* kHelp = R"(Examples:
+constexpr const char* kHelp = translatable(R"(Examples:
   ula secret add Mail --account ann     asks for the password, or reads standard input
   ula secret get Mail --account ann     prints it
   ula secret add "Safe code"            without an account: a note
@@ -35,7 +36,7 @@ constexpr const char* kHelp = R"(Examples:
 A secret is never an argument. Names belong to a qualifier (--qualifier), which applications use to
 keep theirs apart.
 Exit codes: 0 done; 1 there is no such item; 2 wrong usage; 3 the keychain cannot be read;
-4 nothing was stored.)";
+4 nothing was stored.)");
 
 struct Options {
     std::string name;
@@ -68,8 +69,9 @@ public:
     /// For a call that has failed: without a reason there was no such item.
     [[noreturn]] void fail(const Options& options, ExitCode code) const {
         if (_message.empty())
-            throw CommandError{ExitDiffers, options.shown() + ": there is no such item",
-                               "'ula secret list' shows those there are"};
+            throw CommandError{ExitDiffers,
+                               translated("%1: there is no such item", options.shown()),
+                               translated("'ula secret list' shows those there are")};
         throw CommandError{code, options.shown() + ": " + _message};
     }
     const std::string& message() const { return _message; }
@@ -121,9 +123,9 @@ ExitCode get(const Options& options) {
         print(secret.toStdString() + "\n");
         return ExitOk;
     }
-    const Json json{
-        {"name", options.name}, {"account", options.account}, {"secret", secret.toStdString()}};
-    print(json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n");
+    printJson(
+        "item",
+        {{"name", options.name}, {"account", options.account}, {"secret", secret.toStdString()}});
     return ExitOk;
 }
 
@@ -139,10 +141,23 @@ ExitCode remove(const Options& options) {
     return ExitOk;
 }
 
+constexpr const char* kNote = translatable("note");
+constexpr const char* kPassword = translatable("password");
+constexpr const char* kService = translatable("secret service");
+constexpr const char* kFile = translatable("encrypted file");
+
+std::size_t kindWidth(std::initializer_list<const char*> kinds) {
+    std::size_t width = 0;
+    for (const char* const kind : kinds)
+        width = std::max(width, displayWidth(translated(kind)));
+    return width + 2;
+}
+
 void printNames(const std::vector<KeychainItemName>& names) {
     for (const KeychainItemName& name : names) {
         const bool isNote = name.kind == KeychainItemKind::Note;
-        print(padded(isNote ? "note" : "password", 10) + displayText(name.name.view()) +
+        print(padded(translated(isNote ? kNote : kPassword), kindWidth({kNote, kPassword})) +
+              displayText(name.name.view()) +
               (isNote ? "" : " (" + displayText(name.account.view()) + ")") + "\n");
     }
 }
@@ -150,10 +165,10 @@ void printNames(const std::vector<KeychainItemName>& names) {
 void printNamesAsJson(const std::vector<KeychainItemName>& names) {
     Json list = Json::array();
     for (const KeychainItemName& name : names)
-        list.push_back({{"kind", name.kind == KeychainItemKind::Note ? "note" : "password"},
+        list.push_back({{"kind", name.kind == KeychainItemKind::Note ? kNote : kPassword},
                         {"name", name.name.toStdString()},
                         {"account", name.account.toStdString()}});
-    print(list.dump(2, ' ', false, Json::error_handler_t::replace) + "\n");
+    printJson("items", std::move(list));
 }
 
 ExitCode list(const Options& options) {
@@ -163,7 +178,8 @@ ExitCode list(const Options& options) {
                             ? ula::listKeychain(FastString(options.qualifier), names)
                             : ula::listKeychain(names);
     if (!isDone)
-        throw CommandError{ExitCannotRead, "the keychain cannot be read: " + log.message()};
+        throw CommandError{ExitCannotRead,
+                           translated("the keychain cannot be read: %1", log.message())};
     if (options.asJson)
         printNamesAsJson(names);
     else
@@ -175,26 +191,34 @@ bool isService(const KeychainStore& store) {
     return store.path.view().starts_with("/org/");
 }
 
-std::string stateOf(const KeychainStore& store) {
+const char* stateOf(const KeychainStore& store) {
     if (!store.isAvailable)
-        return "not available: " + store.error.toStdString();
-    return store.isLocked ? "locked" : "available";
+        return translatable("not available");
+    return store.isLocked ? translatable("locked") : translatable("available");
+}
+
+void printStore(const KeychainStore& store, const char* kind) {
+    const std::size_t width = kindWidth({kService, kFile});
+    const std::string reason = store.isAvailable ? "" : ": " + displayText(store.error.view());
+    print(padded(translated(kind), width) + displayText(store.path.view()) + "\n" +
+          padded("", width) + translated(stateOf(store)) + reason +
+          (store.isDefault ? translated("; new items go here") : "") + "\n");
 }
 
 ExitCode where(const Options& options) {
     Json list = Json::array();
     for (const KeychainStore& store : ula::keychainStores()) {
-        const char* const kind = isService(store) ? "secret service" : "encrypted file";
+        const char* const kind = isService(store) ? kService : kFile;
         list.push_back({{"kind", kind},
-                        {"path", displayText(store.path.view())},
+                        {"path", store.path.toStdString()},
                         {"newItems", store.isDefault},
-                        {"state", stateOf(store)}});
+                        {"state", stateOf(store)},
+                        {"error", store.isAvailable ? "" : store.error.toStdString()}});
         if (!options.asJson)
-            print(padded(kind, 16) + displayText(store.path.view()) + "\n" + padded("", 16) +
-                  stateOf(store) + (store.isDefault ? "; new items go here" : "") + "\n");
+            printStore(store, kind);
     }
     if (options.asJson)
-        print(list.dump(2) + "\n");
+        printJson("keychains", std::move(list));
     return ExitOk;
 }
 
@@ -209,13 +233,15 @@ FastString pathOfPlace(const std::string& place) {
 ExitCode move(const Options& options) {
     const ula::KeychainMove move = ula::moveKeychain(pathOfPlace(options.place));
     if (!move.error.empty())
-        throw CommandError{ExitCannotWrite,
-                           std::to_string(move.moved) + " moved, then: " + move.error.toStdString(),
-                           "nothing is lost; it can be repeated"};
-    print(std::to_string(move.moved) + " moved\n");
+        throw CommandError{
+            ExitCannotWrite,
+            translated("%1 moved, then: %2", std::to_string(move.moved), move.error.toStdString()),
+            translated("nothing is lost; it can be repeated")};
+    print(translated("%1 moved", std::to_string(move.moved)) + "\n");
     if (move.left != 0)
-        throw CommandError{ExitDiffers, std::to_string(move.left) +
-                                            " stay: another secret of that name is there already"};
+        throw CommandError{ExitDiffers,
+                           translated("%1 stay: another secret of that name is there already",
+                                      std::to_string(move.left))};
     return ExitOk;
 }
 
@@ -223,7 +249,7 @@ using Run = ExitCode (*)(const Options&);
 
 CLI::App* addAction(CLI::App* secret, const char* name, const char* text, Run run,
                     const std::shared_ptr<Options>& options, ExitCode& result) {
-    CLI::App* const action = secret->add_subcommand(name, text);
+    CLI::App* const action = secret->add_subcommand(name, translated(text));
     action->callback([run, options, &result] {
         leaveNoCoreFile();
         result = run(*options);
@@ -232,24 +258,32 @@ CLI::App* addAction(CLI::App* secret, const char* name, const char* text, Run ru
 }
 
 void addItemOptions(CLI::App* action, const std::shared_ptr<Options>& options) {
-    action->add_option("NAME", options->name, "What the secret is for")
+    action->add_option("NAME", options->name, translated("What the secret is for"))
         ->required()
         ->transform(&unprotectArgument)
-        ->check([](const std::string& name) { return name.empty() ? "NAME is empty" : ""; });
-    action->add_option("--account", options->account, "Whose password; a note without")
+        ->check([](const std::string& name) {
+            return name.empty() ? translated("NAME is empty") : "";
+        });
+    action->add_option("--account", options->account, translated("Whose password; a note without"))
         ->transform(&unprotectArgument);
-    action->add_option("--qualifier", options->qualifier, "The application's own")
+    action->add_option("--qualifier", options->qualifier, translated("The application's own"))
         ->transform(&unprotectArgument);
 }
 
 void addItemActions(CLI::App* secret, const std::shared_ptr<Options>& options, ExitCode& result) {
-    addItemOptions(addAction(secret, "add", "Store a password or a note", add, options, result),
-                   options);
-    CLI::App* const getter = addAction(secret, "get", "Print a secret", get, options, result);
+    addItemOptions(
+        addAction(secret, "add", translatable("Store a password or a note"), add, options, result),
+        options);
+    CLI::App* const getter =
+        addAction(secret, "get", translatable("Print a secret"), get, options, result);
     addItemOptions(getter, options);
-    getter->add_flag("--json", options->asJson, "As JSON");
-    addItemOptions(addAction(secret, "edit", "Replace a secret", edit, options, result), options);
-    addItemOptions(addAction(secret, "delete", "Delete an item", remove, options, result), options);
+    getter->add_flag("--json", options->asJson, translated("As JSON"));
+    addItemOptions(
+        addAction(secret, "edit", translatable("Replace a secret"), edit, options, result),
+        options);
+    addItemOptions(
+        addAction(secret, "delete", translatable("Delete an item"), remove, options, result),
+        options);
 }
 
 }  // namespace
@@ -257,12 +291,13 @@ void addItemActions(CLI::App* secret, const std::shared_ptr<Options>& options, E
 void addSecretCommand(CLI::App& program, ExitCode& result) {
     const auto options = std::make_shared<Options>();
     CLI::App* const secret =
-        program.add_subcommand("secret", "Passwords and notes in the keychain");
+        program.add_subcommand("secret", translated("Passwords and notes in the keychain"));
     secret->require_subcommand(1);
-    secret->footer(kHelp);
+    secret->footer(translated(kHelp));
     addItemActions(secret, options, result);
-    CLI::App* const lister = addAction(secret, "list", "List names", list, options, result);
-    lister->add_flag("--json", options->asJson, "As JSON");
+    CLI::App* const lister =
+        addAction(secret, "list", translatable("List names"), list, options, result);
+    lister->add_flag("--json", options->asJson, translated("As JSON"));
     lister
         ->add_option_function<std::string>(
             "--qualifier",
@@ -270,12 +305,13 @@ void addSecretCommand(CLI::App& program, ExitCode& result) {
                 options->qualifier = qualifier;
                 options->hasQualifier = true;
             },
-            "Only names with it")
+            translated("Only names with it"))
         ->transform(&unprotectArgument);
-    addAction(secret, "where", "Show where secrets are kept", where, options, result)
-        ->add_flag("--json", options->asJson, "As JSON");
-    addAction(secret, "move", "Move every item to one keychain", move, options, result)
-        ->add_option("TO", options->place, "service or file")
+    addAction(secret, "where", translatable("Show where secrets are kept"), where, options, result)
+        ->add_flag("--json", options->asJson, translated("As JSON"));
+    addAction(secret, "move", translatable("Move every item to one keychain"), move, options,
+              result)
+        ->add_option("TO", options->place, translated("service or file"))
         ->required()
         ->check(CLI::IsMember({"service", "file"}));
 }

@@ -2,6 +2,7 @@
 #include "tools/ula/SecretInput.h"
 
 #include "tools/ula/CommandError.h"
+#include "tools/ula/Translation.h"
 
 #include <cerrno>
 #include <csignal>
@@ -67,7 +68,7 @@ std::string readInput(bool isLine) {
 std::string readHidden() {
     // First: what is typed as soon as the prompt shows is neither shown nor lost.
     const HiddenTyping hidden;
-    std::fputs("Secret: ", stderr);
+    std::fputs(translated("Secret: ").c_str(), stderr);
     std::fflush(stderr);
     std::string text = readInput(true);
     std::fputs("\n", stderr);
@@ -93,8 +94,9 @@ std::string readSecret() {
     if (!text.empty() && text.back() == '\n')
         text.pop_back();
     if (text.empty())
-        throw CommandError{ExitUsage, "there is no secret on standard input",
-                           "'printf %s \"$SECRET\" | ula secret add NAME' gives it one"};
+        throw CommandError{
+            ExitUsage, translated("there is no secret on standard input"),
+            translated("'printf %s \"$SECRET\" | ula secret add NAME' gives it one")};
     return text;
 }
 

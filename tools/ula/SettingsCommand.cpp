@@ -2,6 +2,7 @@
 #include "tools/ula/SettingsCommand.h"
 
 #include "tools/ula/SettingsCommands.h"
+#include "tools/ula/Translation.h"
 #include "ula/SettingsPList.h"
 
 #include <CLI/CLI.hpp>
@@ -12,7 +13,7 @@ namespace tav::tool {
 
 namespace {
 
-constexpr const char* kSettingsHelp = R"(Examples:
+constexpr const char* kSettingsHelp = translatable(R"(Examples:
   ula settings photo.xml list                         every group and key (also without list)
   ula settings photo.xml get Window Width             one value, bare
   ula settings photo.xml set Window Width 1280        an int, as it was before
@@ -28,9 +29,9 @@ constexpr const char* kSettingsHelp = R"(Examples:
 Exit codes:
   0  done                     3  a file cannot be read, or is not there
   1  different, or not there  4  a file cannot be written; it is as it was
-  2  wrong usage)";
+  2  wrong usage)");
 
-constexpr const char* kSetHelp = R"(The type of a new key, unless --type says it:
+constexpr const char* kSetHelp = translatable(R"(The type of a new key, unless --type says it:
   several VALUEs      string_array
   true, false         bool
   12, -3              int
@@ -44,10 +45,10 @@ Examples:
   ula settings photo.xml set Keywords Favourites --type string_array Été
   ula settings photo.xml set Recent Folders --json '["/photos", "/old, odd"]'
   ula settings photo.xml set Metadata Gamma --json '{"type":"double","value":2}'
-FILE is made if there is none.)";
+FILE is made if there is none.)");
 
 constexpr const char* kImportHelp =
-    R"(The keys of SOURCE are added to those of FILE; where both have one, SOURCE wins.
+    translatable(R"(The keys of SOURCE are added to those of FILE; where both have one, SOURCE wins.
 The JSON is what export writes:
   {"version": 1, "groups": {"Window": {"Width": {"type": "int", "value": 1280}}}}
 Types: int, bool, double (also "nan", "inf", "-inf"), string, string_array.
@@ -56,7 +57,7 @@ there is none.
 
 Examples:
   ula settings photo.xml import photo.json
-  ula settings old.xml export | ula settings new.xml import - --replace)";
+  ula settings old.xml export | ula settings new.xml import - --replace)");
 
 /// What the command line says of the file.
 struct FileWords {
@@ -70,18 +71,18 @@ struct FileWords {
 SettingsFile fileOf(const FileWords& words) {
     const bool isPropertyList = !words.plist.empty();
     if (!isPropertyList && !words.hasPath)
-        throw CommandError{ExitUsage, "FILE is required",
-                           "'ula --help' and 'ula COMMAND --help' show how"};
+        throw CommandError{ExitUsage, translated("%1 is required", std::string("FILE")),
+                           translated("'ula --help' and 'ula COMMAND --help' show how")};
     if (isPropertyList && words.hasPath)
-        throw CommandError{ExitUsage, "there must be FILE or --plist, not both"};
+        throw CommandError{ExitUsage, translated("there must be FILE or --plist, not both")};
     if (words.isMachines && !isPropertyList)
-        throw CommandError{ExitUsage, "--machine goes with --plist"};
+        throw CommandError{ExitUsage, translated("--machine goes with --plist")};
     if (!isPropertyList)
         return {words.path, false};
     const FastString company(words.plist[0]);
     const FastString application(words.plist[1]);
     if (company.empty() || application.empty())
-        throw CommandError{ExitUsage, "COMPANY and APP must not be empty"};
+        throw CommandError{ExitUsage, translated("COMPANY and APP must not be empty")};
     return {ula::SettingsPList::fileName(application, company, !words.isMachines), true};
 }
 
@@ -92,7 +93,7 @@ struct Target {
     ExitCode* result;
 };
 
-CLI::Option* addText(CLI::App* verb, const char* name, std::string& text, const char* help) {
+CLI::Option* addText(CLI::App* verb, const char* name, std::string& text, const std::string& help) {
     return verb->add_option(name, text, help)->transform(&unprotectArgument);
 }
 
@@ -101,100 +102,109 @@ template <class Options>
 CLI::App* addVerb(const Target& target, const char* name, const char* help,
                   const std::shared_ptr<Options>& options,
                   ExitCode (*run)(const SettingsFile&, const Options&)) {
-    CLI::App* verb = target.settings->add_subcommand(name, help);
+    CLI::App* verb = target.settings->add_subcommand(name, translated(help));
     verb->callback(
         [target, options, run] { *target.result = run(fileOf(*target.file), *options); });
     return verb;
 }
 
 void addFile(CLI::App* settings, FileWords& words) {
-    addText(settings, "FILE", words.path, "The settings file (XML)")
+    addText(settings, "FILE", words.path, translated("The settings file (XML)"))
         ->each([&words](const std::string&) { words.hasPath = true; });
-    settings->add_option("--plist", words.plist, "Instead: the property list of an application")
+    settings
+        ->add_option("--plist", words.plist,
+                     translated("Instead: the property list of an application"))
         ->expected(2)
         ->transform(&unprotectArgument)
         ->type_name("COMPANY APP");
     settings->add_flag("--machine", words.isMachines,
-                       "With --plist: the machine's list, not the user's");
+                       translated("With --plist: the machine's list, not the user's"));
 }
 
 void addBackup(CLI::App* verb, bool& keepBackup) {
-    verb->add_flag("--backup", keepBackup, "Keep the file as it was as FILE.bak");
+    verb->add_flag("--backup", keepBackup, translated("Keep the file as it was as FILE.bak"));
 }
 
 void addList(const Target& target) {
     auto options = std::make_shared<ListOptions>();
-    CLI::App* verb =
-        addVerb(target, "list", "Show groups, keys, types and values", options, runList);
-    addText(verb, "GROUP", options->group, "Only this group")->each([options](const std::string&) {
-        options->hasGroup = true;
-    });
-    verb->add_flag("--json", options->asJson, "As JSON, as export writes it");
+    CLI::App* verb = addVerb(target, "list", translatable("Show groups, keys, types and values"),
+                             options, runList);
+    addText(verb, "GROUP", options->group, translated("Only this group"))
+        ->each([options](const std::string&) { options->hasGroup = true; });
+    verb->add_flag("--json", options->asJson, translated("As JSON, as export writes it"));
 }
 
 void addGet(const Target& target) {
     auto options = std::make_shared<GetOptions>();
     CLI::App* verb = addVerb(
-        target, "get", "Print one value, bare; a string array one entry per line", options, runGet);
-    addText(verb, "GROUP", options->group, "The group")->required();
-    addText(verb, "KEY", options->key, "The key")->required();
-    addText(verb, "--default", options->fallback, "Printed, not stored, when there is no such key")
+        target, "get", translatable("Print one value, bare; a string array one entry per line"),
+        options, runGet);
+    addText(verb, "GROUP", options->group, translated("The group"))->required();
+    addText(verb, "KEY", options->key, translated("The key"))->required();
+    addText(verb, "--default", options->fallback,
+            translated("Printed, not stored, when there is no such key"))
         ->each([options](const std::string&) { options->hasFallback = true; })
         ->type_name("VALUE");
-    verb->add_flag("--json", options->asJson, "With its type, as JSON");
+    verb->add_flag("--json", options->asJson, translated("With its type, as JSON"));
 }
 
 void addSet(const Target& target) {
     auto options = std::make_shared<SetOptions>();
-    CLI::App* verb = addVerb(target, "set", "Store a value", options, runSet);
-    addText(verb, "GROUP", options->group, "The group")->required();
-    addText(verb, "KEY", options->key, "The key")->required();
-    verb->add_option("VALUE", options->values, "The value; several for a string array")
+    CLI::App* verb = addVerb(target, "set", translatable("Store a value"), options, runSet);
+    addText(verb, "GROUP", options->group, translated("The group"))->required();
+    addText(verb, "KEY", options->key, translated("The key"))->required();
+    verb->add_option("VALUE", options->values, translated("The value; several for a string array"))
         ->transform(&unprotectArgument);
-    verb->add_option("--type", options->type, "int, bool, double, string or string_array")
+    verb->add_option("--type", options->type,
+                     translated("int, bool, double, string or string_array"))
         ->check(CLI::IsMember({"int", "bool", "double", "string", "string_array"}))
         ->type_name("TYPE");
-    verb->add_flag("--json", options->asJson, "VALUE is JSON, bare or with its type");
+    verb->add_flag("--json", options->asJson, translated("VALUE is JSON, bare or with its type"));
     addBackup(verb, options->keepBackup);
-    verb->footer(kSetHelp);
+    verb->footer(translated(kSetHelp));
 }
 
 void addUnset(const Target& target) {
     auto options = std::make_shared<UnsetOptions>();
-    CLI::App* verb =
-        addVerb(target, "unset", "Remove a key, or a group; a group goes with its last key",
-                options, runUnset);
-    addText(verb, "GROUP", options->group, "The group")->required();
-    addText(verb, "KEY", options->key, "The key; without it the whole group goes")
+    CLI::App* verb = addVerb(
+        target, "unset", translatable("Remove a key, or a group; a group goes with its last key"),
+        options, runUnset);
+    addText(verb, "GROUP", options->group, translated("The group"))->required();
+    addText(verb, "KEY", options->key, translated("The key; without it the whole group goes"))
         ->each([options](const std::string&) { options->hasKey = true; });
     addBackup(verb, options->keepBackup);
 }
 
 void addImport(const Target& target) {
     auto options = std::make_shared<ImportOptions>();
-    CLI::App* verb = addVerb(target, "import", "Add the keys of a JSON file", options, runImport);
-    addText(verb, "SOURCE", options->source, "A JSON file, or - for standard input")->required();
+    CLI::App* verb =
+        addVerb(target, "import", translatable("Add the keys of a JSON file"), options, runImport);
+    addText(verb, "SOURCE", options->source, translated("A JSON file, or - for standard input"))
+        ->required();
     verb->add_flag("--replace", options->replaceGroups,
-                   "Groups of SOURCE replace those of FILE whole");
-    verb->add_flag("--json")->description("SOURCE is JSON, as it always is");
+                   translated("Groups of SOURCE replace those of FILE whole"));
+    verb->add_flag("--json")->description(translated("SOURCE is JSON, as it always is"));
     addBackup(verb, options->keepBackup);
-    verb->footer(kImportHelp);
+    verb->footer(translated(kImportHelp));
 }
 
 void addExport(const Target& target) {
     auto options = std::make_shared<ExportOptions>();
-    CLI::App* verb = addVerb(target, "export", "Write everything as JSON", options, runExport);
-    addText(verb, "TARGET", options->target, "A file to write, or - for standard output");
-    verb->add_flag("--json")->description("Write JSON, as it always does");
+    CLI::App* verb =
+        addVerb(target, "export", translatable("Write everything as JSON"), options, runExport);
+    addText(verb, "TARGET", options->target,
+            translated("A file to write, or - for standard output"));
+    verb->add_flag("--json")->description(translated("Write JSON, as it always does"));
 }
 
 void addDiff(const Target& target) {
     auto options = std::make_shared<DiffOptions>();
     CLI::App* verb =
-        addVerb(target, "diff", "Show what differs from another file; exit code 1 if anything does",
+        addVerb(target, "diff",
+                translatable("Show what differs from another file; exit code 1 if anything does"),
                 options, runDiff);
-    addText(verb, "OTHER", options->other, "The other settings file")->required();
-    verb->add_flag("-q,--quiet", options->isQuiet, "Only the exit code");
+    addText(verb, "OTHER", options->other, translated("The other settings file"))->required();
+    verb->add_flag("-q,--quiet", options->isQuiet, translated("Only the exit code"));
 }
 
 }  // namespace
@@ -210,7 +220,9 @@ std::string unprotectArgument(const std::string& argument) {
 }
 
 void addSettingsCommand(CLI::App& program, ExitCode& result) {
-    CLI::App* settings = program.add_subcommand("settings", "Look at and change a settings file");
+    CLI::App* settings =
+        program.add_subcommand("settings", translated("Look at and change a settings file"));
+    settings->footer(translated(kSettingsHelp));
     const Target target{settings, std::make_shared<FileWords>(), &result};
     addFile(settings, *target.file);
     addList(target);
@@ -226,7 +238,6 @@ void addSettingsCommand(CLI::App& program, ExitCode& result) {
         if (target.settings->get_subcommands().empty())
             *target.result = runList(fileOf(*target.file), {});
     });
-    settings->footer(kSettingsHelp);
 }
 
 }  // namespace tav::tool

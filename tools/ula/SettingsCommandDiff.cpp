@@ -5,6 +5,7 @@
 #include "tools/ula/SettingsTable.h"
 #include "tools/ula/StandardOutput.h"
 #include "tools/ula/Terminal.h"
+#include "tools/ula/Translation.h"
 
 namespace tav::tool {
 
@@ -34,9 +35,9 @@ void addGroup(SettingsTable& table, const FastString& name, const KeyMap* left,
         return;
     table.addGroup(name);
     if (left && left->empty() && !right)
-        table.addNote("(a group without keys)", '-');
+        table.addNote(translated("(a group without keys)"), '-');
     if (right && right->empty() && !left)
-        table.addNote("(a group without keys)", '+');
+        table.addNote(translated("(a group without keys)"), '+');
     static const KeyMap none;
     walkBoth(left ? *left : none, right ? *right : none,
              [&](const FastString& key, const Setting* before, const Setting* after) {

@@ -4,6 +4,7 @@
 #include "tools/ula/SettingsStore.h"
 #include "tools/ula/SettingsValue.h"
 #include "tools/ula/StandardOutput.h"
+#include "tools/ula/Translation.h"
 
 namespace tav::tool {
 
@@ -25,13 +26,13 @@ ExitCode runGet(const SettingsFile& file, const GetOptions& options) {
     const Setting* setting = store->find(options.group, options.key);
     if (!setting && !options.hasFallback)
         throw CommandError{ExitDiffers,
-                           file.path + ": there is no key \"" + options.key + "\" in group \"" +
-                               options.group + "\"",
-                           "'ula settings FILE list' shows what there is; --default VALUE gives "
-                           "a value instead"};
+                           translated("%1: there is no key \"%2\" in group \"%3\"", file.path,
+                                      options.key, options.group),
+                           translated("'ula settings FILE list' shows what there is; --default "
+                                      "VALUE gives a value instead")};
     const Setting fallback = setting ? Setting() : guessValue({options.fallback});
     if (options.asJson)
-        print(jsonOf(setting ? *setting : fallback) + "\n");
+        writeJson(setting ? *setting : fallback, print);
     else if (setting)
         printBare(*setting);
     else

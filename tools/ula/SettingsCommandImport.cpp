@@ -2,6 +2,7 @@
 #include "tools/ula/SettingsCommands.h"
 #include "tools/ula/SettingsJsonReader.h"
 #include "tools/ula/SettingsStore.h"
+#include "tools/ula/Translation.h"
 #include "ula/foundation/xml/XmlDocumentRapid.h"
 
 #include <cerrno>
@@ -23,8 +24,8 @@ std::string readAll(std::FILE* file, const std::string& name) {
     while (const std::size_t count = std::fread(piece.get(), 1, 1 << 16, file)) {
         text.append(piece.get(), count);
         if (text.size() > kLargestText)
-            throw CommandError{ExitCannotRead, name + ": larger than 256 MB",
-                               "import it in pieces: keys of several imports add up"};
+            throw CommandError{ExitCannotRead, translated("%1: larger than 256 MB", name),
+                               translated("import it in pieces: keys of several imports add up")};
     }
     if (std::ferror(file))
         throw CommandError{ExitCannotRead, name + ": " + std::strerror(errno)};
@@ -32,14 +33,14 @@ std::string readAll(std::FILE* file, const std::string& name) {
 }
 
 std::string readSource(const std::string& source, std::string& name) {
-    name = source == "-" ? "standard input" : source;
+    name = source == "-" ? translated("standard input") : source;
     if (source == "-")
         return readAll(stdin, name);
     const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(source.c_str(), "rb"),
                                                                std::fclose);
     if (!file)
         throw CommandError{ExitCannotRead, name + ": " + std::strerror(errno),
-                           "name a JSON file, or - for standard input"};
+                           translated("name a JSON file, or - for standard input")};
     return readAll(file.get(), name);
 }
 

@@ -4,6 +4,7 @@
 #include "tools/ula/SettingsStore.h"
 #include "tools/ula/SettingsTable.h"
 #include "tools/ula/StandardOutput.h"
+#include "tools/ula/Translation.h"
 
 namespace tav::tool {
 
@@ -12,8 +13,8 @@ namespace {
 void keepOnly(GroupMap& groups, const std::string& name, const std::string& file) {
     const auto group = groups.find(FastString(name));
     if (group == groups.end())
-        throw CommandError{ExitDiffers, file + ": there is no group \"" + name + "\"",
-                           "'ula settings FILE list' shows the groups that there are"};
+        throw CommandError{ExitDiffers, translated("%1: there is no group \"%2\"", file, name),
+                           translated("'ula settings FILE list' shows the groups that there are")};
     GroupMap only;
     only.insert_or_assign(group->first, std::move(group->second));
     groups.swap(only);
@@ -35,7 +36,7 @@ ExitCode runList(const SettingsFile& file, const ListOptions& options) {
         for (const auto& [key, setting] : keys)
             table.addKey(key, setting);
         if (keys.empty())
-            table.addNote("(no keys)");
+            table.addNote(translated("(no keys)"));
     }
     table.print();
     return ExitOk;

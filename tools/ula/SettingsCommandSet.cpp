@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "tools/ula/SettingsCommands.h"
-#include "tools/ula/SettingsJsonReader.h"
+#include "tools/ula/SettingsJsonValue.h"
 #include "tools/ula/SettingsStore.h"
 #include "tools/ula/SettingsValue.h"
+#include "tools/ula/Translation.h"
 
 namespace tav::tool {
 
@@ -12,17 +13,18 @@ using ula::SettingsType;
 
 Setting jsonValue(const SetOptions& options, SettingsType type) {
     if (options.values.size() != 1)
-        throw CommandError{ExitUsage, "with --json there must be one VALUE, in JSON",
-                           "for instance: ula settings FILE set GROUP KEY --json '[\"a\", \"b\"]'"};
+        throw CommandError{ExitUsage, translated("with --json there must be one VALUE, in JSON"),
+                           translated("for instance: %1",
+                                      R"(ula settings FILE set GROUP KEY --json '["a", "b"]')")};
     return readJsonValue(options.values[0], type);
 }
 
 Setting newValue(const SetOptions& options, const Setting* old) {
     const bool isTypeGiven = !options.type.empty();
     if (options.values.empty() && options.type != "string_array")
-        throw CommandError{ExitUsage, "the VALUE is missing",
-                           "name one (\"\" is the empty string), or store an empty array with "
-                           "--type string_array"};
+        throw CommandError{ExitUsage, translated("the VALUE is missing"),
+                           translated("name one (\"\" is the empty string), or store an empty "
+                                      "array with --type string_array")};
     SettingsType type = ula::SETTINGSTYPE_INVALID;
     if (isTypeGiven)
         type = typeOf(options.type);
@@ -38,7 +40,7 @@ Setting newValue(const SetOptions& options, const Setting* old) {
 
 ExitCode runSet(const SettingsFile& file, const SetOptions& options) {
     if (options.group.empty() || options.key.empty())
-        throw CommandError{ExitUsage, "GROUP and KEY must not be empty"};
+        throw CommandError{ExitUsage, translated("GROUP and KEY must not be empty")};
     const auto store = openStore(file);
     const Setting value = newValue(options, store->find(options.group, options.key));
     store->groups()[FastString(options.group)].insert_or_assign(FastString(options.key), value);

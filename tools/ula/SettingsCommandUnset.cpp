@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tools/ula/SettingsCommands.h"
 #include "tools/ula/SettingsStore.h"
+#include "tools/ula/Translation.h"
 
 namespace tav::tool {
 
@@ -26,10 +27,12 @@ ExitCode runUnset(const SettingsFile& file, const UnsetOptions& options) {
                                ? removeKey(store->groups(), group, FastString(options.key))
                                : store->groups().erase(group) != 0;
     if (!isRemoved) {
-        const std::string key = options.hasKey ? "key \"" + options.key + "\" in " : std::string();
-        throw CommandError{ExitDiffers,
-                           file.path + ": there is no " + key + "group \"" + options.group + "\"",
-                           "'ula settings FILE list' shows what there is"};
+        throw CommandError{
+            ExitDiffers,
+            options.hasKey ? translated("%1: there is no key \"%2\" in group \"%3\"", file.path,
+                                        options.key, options.group)
+                           : translated("%1: there is no group \"%2\"", file.path, options.group),
+            translated("'ula settings FILE list' shows what there is")};
     }
     writeStore(*store, file, options.keepBackup);
     return ExitOk;

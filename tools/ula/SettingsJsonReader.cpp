@@ -3,16 +3,15 @@
 
 #include "tools/ula/CommandError.h"
 #include "tools/ula/ProgressBar.h"
+#include "tools/ula/SettingsJsonValue.h"
 #include "tools/ula/SettingsValue.h"
-#include "ula/SettingsXML.h"
-#include "ula/foundation/text/NumberConversion.h"
+#include "tools/ula/Translation.h"
 
 #include <algorithm>
 #include <iterator>
 #include <nlohmann/json.hpp>
 #include <set>
 #include <utility>
-#include <variant>
 
 namespace tav::tool {
 
@@ -52,72 +51,6 @@ private:
     const char** _latest;
 };
 
-/// A value before its type is known, for "type" may come second.
-struct Whole {
-    long long number = 0;
-    bool fits = true;
-};
-using Value =
-    std::variant<std::monostate, bool, Whole, double, FastString, std::vector<FastString>>;
-
-std::string explain(SettingsType type, const char* expected) {
-    return "a value of type " + SettingsXML::toString(type).toStdString() + " must be " + expected;
-}
-
-Setting doubleOf(const Value& value, std::string& error) {
-    double number = 0;
-    if (const double* given = std::get_if<double>(&value))
-        return Setting(*given);
-    if (const Whole* whole = std::get_if<Whole>(&value); whole && whole->fits)
-        return Setting(static_cast<double>(whole->number));
-    const FastString* text = std::get_if<FastString>(&value);
-    if (text && text::parseDouble(*text, number))
-        return Setting(number);
-    error = explain(SETTINGSTYPE_DOUBLE, "a number, \"nan\", \"inf\" or \"-inf\"");
-    return {};
-}
-
-Setting intOf(const Value& value, std::string& error) {
-    const Whole* whole = std::get_if<Whole>(&value);
-    if (whole && whole->fits && whole->number == static_cast<int>(whole->number))
-        return Setting(static_cast<int>(whole->number));
-    error = explain(SETTINGSTYPE_INT, "a whole number from -2147483648 to 2147483647");
-    return {};
-}
-
-template <class T>
-Setting plainOf(const Value& value, SettingsType type, const char* expected, std::string& error) {
-    if (const T* given = std::get_if<T>(&value))
-        return Setting(*given);
-    error = explain(type, expected);
-    return {};
-}
-
-/// Fails: an invalid setting and the reason.
-Setting settingOf(SettingsType type, const Value& value, std::string& error) {
-    switch (type) {
-    case SETTINGSTYPE_INT:
-        return intOf(value, error);
-    case SETTINGSTYPE_BOOL:
-        return plainOf<bool>(value, type, "true or false", error);
-    case SETTINGSTYPE_DOUBLE:
-        return doubleOf(value, error);
-    case SETTINGSTYPE_STRING:
-        return plainOf<FastString>(value, type, "a string", error);
-    case SETTINGSTYPE_STRING_ARRAY:
-        return plainOf<std::vector<FastString>>(value, type, "an array of strings", error);
-    case SETTINGSTYPE_INVALID:
-        break;
-    }
-    error = "the type must be int, bool, double, string or string_array";
-    return {};
-}
-
-Whole wholeOf(json::number_unsigned_t number) {
-    const bool fits = number <= static_cast<json::number_unsigned_t>(INT64_MAX);
-    return {static_cast<long long>(number), fits};
-}
-
 /// Takes the parser's events. Anything that does not belong stops it at once, so that nothing of
 /// a hostile text is kept: it holds at most one value beside the groups.
 class Reader : public nlohmann::json_sax<json> {
@@ -126,18 +59,22 @@ public:
         : _text(text),
           _name(std::move(name)),
           _latest(text.data()),
-          _bar("importing", text.size()) {}
+          _bar(translated("importing"), text.size()) {}
 
     GroupMap read();
 
     // The parser's events.
-    bool null() override { return fail("null is no settings value"); }
-    bool boolean(bool value) override { return take(Value(value)); }
-    bool number_integer(number_integer_t value) override { return takeNumber(Whole{value, true}); }
-    bool number_unsigned(number_unsigned_t value) override { return takeNumber(wholeOf(value)); }
+    bool null() override { return fail(translated("null is no settings value")); }
+    bool boolean(bool value) override { return take(JsonValue(value)); }
+    bool number_integer(number_integer_t value) override {
+        return takeNumber(WholeNumber{value, true});
+    }
+    bool number_unsigned(number_unsigned_t value) override {
+        return takeNumber(wholeNumberOf(value));
+    }
     bool number_float(number_float_t value, const string_t&) override { return takeNumber(value); }
     bool string(string_t& value) override { return take(FastString(value)); }
-    bool binary(binary_t&) override { return fail("binary data does not belong here"); }
+    bool binary(binary_t&) override { return fail(translated("binary data does not belong here")); }
     bool start_object(std::size_t) override;
     bool key(string_t& name) override;
     bool end_object() override;
@@ -149,15 +86,15 @@ private:
     /// What the innermost open bracket holds.
     enum class Level { Nothing, Document, Groups, Keys, Setting, Array };
 
-    bool take(Value value);
-    bool takeNumber(Value value) {
+    bool take(JsonValue value);
+    bool takeNumber(JsonValue value) {
         // The end of a number shows only in the character after it.
         const char* const after = std::exchange(_latest, _latest - 1);
         const bool isTaken = take(std::move(value));
         _latest = after;
         return isTaken;
     }
-    bool takeVersion(const Value& value);
+    bool takeVersion(const JsonValue& value);
     bool finishSetting();
     bool fail(const std::string& reason);
 
@@ -174,7 +111,7 @@ private:
     std::set<std::string> _documentMembers;
     bool _hasType = false;
     SettingsType _type = SETTINGSTYPE_INVALID;
-    Value _value;
+    JsonValue _value;
 };
 
 GroupMap Reader::read() {
@@ -183,10 +120,10 @@ GroupMap Reader::read() {
     if (_error.empty())
         for (const char* member : {"version", "groups"})
             if (!_documentMembers.contains(member))
-                fail(std::string("the member \"") + member + "\" is missing");
+                fail(translated("the member \"%1\" is missing", std::string(member)));
     if (!_error.empty())
         throw CommandError{ExitCannotRead, _error,
-                           "'ula settings FILE export' shows what is expected"};
+                           translated("'ula settings FILE export' shows what is expected")};
     return std::move(_groups);
 }
 
@@ -207,7 +144,7 @@ bool Reader::start_object(std::size_t) {
         return true;
     case Level::Document:
         if (_member != "groups")
-            return fail("\"" + _member + "\" must be a number");
+            return fail(translated("\"%1\" must be a number", _member));
         _level = Level::Groups;
         return true;
     case Level::Groups:
@@ -219,7 +156,7 @@ bool Reader::start_object(std::size_t) {
         _value = {};
         return true;
     default:
-        return fail("an object does not belong here");
+        return fail(translated("an object does not belong here"));
     }
 }
 
@@ -228,24 +165,27 @@ bool Reader::key(string_t& name) {
     case Level::Document:
         _member = name;
         if (name != "version" && name != "groups")
-            return fail("\"" + name + "\" is unknown; use \"version\" and \"groups\"");
-        return _documentMembers.insert(name).second || fail("\"" + name + "\" is there twice");
+            return fail(translated("\"%1\" is unknown; use \"%2\" and \"%3\"", name,
+                                   std::string("version"), std::string("groups")));
+        return _documentMembers.insert(name).second ||
+               fail(translated("\"%1\" is there twice", name));
     case Level::Groups: {
         const FastString group(name);
         if (_groups.contains(group))
-            return fail("the group \"" + name + "\" is there twice");
+            return fail(translated("the group \"%1\" is there twice", name));
         _keys = &_groups[group];
         return true;
     }
     case Level::Keys:
         _key = FastString(name);
-        return !_keys->contains(_key) || fail("the key \"" + name + "\" is there twice");
+        return !_keys->contains(_key) || fail(translated("the key \"%1\" is there twice", name));
     default:
         _member = name;
         if (name != "type" && name != "value")
-            return fail("\"" + name + "\" is unknown; use \"type\" and \"value\"");
+            return fail(translated("\"%1\" is unknown; use \"%2\" and \"%3\"", name,
+                                   std::string("type"), std::string("value")));
         if (name == "type" ? _hasType : _value.index() != 0)
-            return fail("\"" + name + "\" is there twice");
+            return fail(translated("\"%1\" is there twice", name));
         return true;
     }
 }
@@ -269,7 +209,7 @@ bool Reader::end_object() {
 
 bool Reader::start_array(std::size_t) {
     if (_level != Level::Setting || _member != "value")
-        return fail("an array does not belong here");
+        return fail(translated("an array does not belong here"));
     _level = Level::Array;
     _value = std::vector<FastString>();
     return true;
@@ -280,18 +220,18 @@ bool Reader::end_array() {
     return true;
 }
 
-bool Reader::take(Value value) {
+bool Reader::take(JsonValue value) {
     if (_level == Level::Document && _member == "version")
         return takeVersion(value);
     const FastString* text = std::get_if<FastString>(&value);
     if (_level == Level::Array) {
         if (!text)
-            return fail("the entries of a string_array must be strings");
+            return fail(translated("the entries of a string_array must be strings"));
         std::get<std::vector<FastString>>(_value).push_back(*text);
         return true;
     }
     if (_level != Level::Setting)
-        return fail("an object must stand here, between { and }");
+        return fail(translated("an object must stand here, between { and }"));
     if (_member == "value") {
         _value = std::move(value);
         return true;
@@ -299,18 +239,19 @@ bool Reader::take(Value value) {
     _hasType = true;
     _type = text ? typeOf(text->toStdString()) : SETTINGSTYPE_INVALID;
     return _type != SETTINGSTYPE_INVALID ||
-           fail("the type must be int, bool, double, string or string_array");
+           fail(translated("the type must be int, bool, double, string or string_array"));
 }
 
-bool Reader::takeVersion(const Value& value) {
-    const Whole* whole = std::get_if<Whole>(&value);
+bool Reader::takeVersion(const JsonValue& value) {
+    const WholeNumber* whole = std::get_if<WholeNumber>(&value);
     return (whole && whole->fits && whole->number == 1) ||
-           fail("the version must be 1, the only one there is");
+           fail(translated("the version must be 1, the only one there is"));
 }
 
 bool Reader::finishSetting() {
     if (!_hasType || _value.index() == 0)
-        return fail(std::string("the member \"") + (_hasType ? "value" : "type") + "\" is missing");
+        return fail(
+            translated("the member \"%1\" is missing", std::string(_hasType ? "value" : "type")));
     std::string error;
     Setting setting = settingOf(_type, _value, error);
     if (!error.empty())
@@ -334,7 +275,8 @@ std::string parserReason(std::string text) {
         text = text.substr(0, quoted) + (isAfter ? text.substr(expected) : "");
     }
     constexpr std::size_t kLongest = 200;
-    return "no valid JSON: " + (text.size() > kLongest ? text.substr(0, kLongest) + "…" : text);
+    return translated("no valid JSON: %1",
+                      text.size() > kLongest ? text.substr(0, kLongest) + "…" : text);
 }
 
 bool Reader::parse_error(std::size_t position, const std::string&, const json::exception& error) {
@@ -343,61 +285,10 @@ bool Reader::parse_error(std::size_t position, const std::string&, const json::e
     return fail(parserReason(error.what()));
 }
 
-Value valueOf(const json& node) {
-    if (node.is_boolean())
-        return node.get<bool>();
-    if (node.is_number_unsigned())
-        return wholeOf(node.get<json::number_unsigned_t>());
-    if (node.is_number_integer())
-        return Whole{node.get<json::number_integer_t>(), true};
-    if (node.is_number())
-        return node.get<double>();
-    if (node.is_string())
-        return FastString(node.get_ref<const std::string&>());
-    if (!node.is_array())
-        return {};
-    std::vector<FastString> texts;
-    for (const json& entry : node) {
-        if (!entry.is_string())
-            return {};
-        texts.emplace_back(entry.get_ref<const std::string&>());
-    }
-    return texts;
-}
-
-SettingsType suggestedType(const Value& value) {
-    constexpr SettingsType kTypes[] = {SETTINGSTYPE_INVALID, SETTINGSTYPE_BOOL,
-                                       SETTINGSTYPE_INT,     SETTINGSTYPE_DOUBLE,
-                                       SETTINGSTYPE_STRING,  SETTINGSTYPE_STRING_ARRAY};
-    return kTypes[value.index()];
-}
-
 }  // namespace
 
 GroupMap readJson(const std::string& text, const std::string& name) {
     return Reader(text, name).read();
-}
-
-Setting readJsonValue(const std::string& text, SettingsType type) {
-    const char* hint = "for instance: 3, true, 2.5, \"text\", [\"a\", \"b\"] or "
-                       "{\"type\": \"double\", \"value\": \"nan\"}";
-    const json node = json::parse(text, nullptr, false);
-    if (node.is_discarded())
-        throw CommandError{ExitUsage, "the VALUE is no valid JSON", hint};
-    const bool isTyped = node.is_object() && node.size() == 2 && node.contains("type") &&
-                         node.contains("value") && node["type"].is_string();
-    const Value value = valueOf(isTyped ? node["value"] : node);
-    if (isTyped)
-        type = typeOf(node["type"].get<std::string>());
-    else if (type == SETTINGSTYPE_INVALID)
-        type = suggestedType(value);
-    if (value.index() == 0)
-        throw CommandError{ExitUsage, "the VALUE is no settings value", hint};
-    std::string error;
-    Setting setting = settingOf(type, value, error);
-    if (!error.empty())
-        throw CommandError{ExitUsage, error, hint};
-    return setting;
 }
 
 }  // namespace tav::tool

@@ -1,19 +1,16 @@
 // SPDX-License-Identifier: MIT
 #include "tools/ula/SettingsJsonWriter.h"
 
+#include "tools/ula/JsonOutput.h"
 #include "tools/ula/ProgressBar.h"
 #include "tools/ula/SettingsValue.h"
+#include "tools/ula/Translation.h"
 
 #include <cmath>
-#include <nlohmann/json.hpp>
 
 namespace tav::tool {
 
 namespace {
-
-std::string jsonText(const FastString& text) {
-    return nlohmann::json(text.view()).dump();
-}
 
 std::string jsonDouble(const Setting& setting) {
     std::string text = bareText(setting);
@@ -26,7 +23,7 @@ std::string jsonDouble(const Setting& setting) {
 std::string jsonArray(const std::vector<FastString>& texts) {
     std::string result = "[";
     for (const FastString& text : texts)
-        result += (result.size() > 1 ? ", " : "") + jsonText(text);
+        result += (result.size() > 1 ? ", " : "") + jsonText(text.view());
     return result + "]";
 }
 
@@ -35,7 +32,7 @@ std::string jsonValue(const Setting& setting) {
     case ula::SETTINGSTYPE_DOUBLE:
         return jsonDouble(setting);
     case ula::SETTINGSTYPE_STRING:
-        return jsonText(setting.asString());
+        return jsonText(setting.asString().view());
     case ula::SETTINGSTYPE_STRING_ARRAY:
         return jsonArray(setting.asStringArray());
     default:
@@ -43,24 +40,29 @@ std::string jsonValue(const Setting& setting) {
     }
 }
 
-}  // namespace
-
 std::string jsonOf(const Setting& setting) {
     return "{\"type\": \"" + typeText(setting) + "\", \"value\": " + jsonValue(setting) + "}";
+}
+
+}  // namespace
+
+void writeJson(const Setting& setting, const std::function<void(std::string_view)>& write) {
+    write("{\n  \"version\": " + std::to_string(kJsonVersion) +
+          ",\n  \"setting\": " + jsonOf(setting) + "\n}\n");
 }
 
 void writeJson(const GroupMap& groups, const std::function<void(std::string_view)>& write) {
     std::size_t total = 0, done = 0;
     for (const auto& [group, keys] : groups)
         total += keys.size();
-    ProgressBar bar("exporting", total);
-    write("{\n  \"version\": 1,\n  \"groups\": {");
+    ProgressBar bar(translated("exporting"), total);
+    write("{\n  \"version\": " + std::to_string(kJsonVersion) + ",\n  \"groups\": {");
     const char* groupComma = "";
     for (const auto& [group, keys] : groups) {
-        write(groupComma + ("\n    " + jsonText(group)) + ": {");
+        write(groupComma + ("\n    " + jsonText(group.view())) + ": {");
         const char* keyComma = "";
         for (const auto& [key, setting] : keys) {
-            write(keyComma + ("\n      " + jsonText(key)) + ": " + jsonOf(setting));
+            write(keyComma + ("\n      " + jsonText(key.view())) + ": " + jsonOf(setting));
             keyComma = ",";
             bar.advance(++done);
         }

@@ -9,8 +9,9 @@
 
 namespace tav::tool {
 
-/// {"type": "int", "value": 3}. Doubles that JSON has no number for are strings: "nan", "inf".
-std::string jsonOf(const Setting& setting);
+/// Writes {"version": 1, "setting": {"type": "int", "value": 3}}. Doubles that JSON has no number
+/// for are strings: "nan", "inf".
+void writeJson(const Setting& setting, const std::function<void(std::string_view)>& write);
 
 /// Writes {"version": 1, "groups": {GROUP: {KEY: {"type": …, "value": …}}}}, a key per line, in
 /// the store's order, with a progress bar if that takes long.

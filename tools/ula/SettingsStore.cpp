@@ -2,6 +2,7 @@
 #include "tools/ula/SettingsStore.h"
 
 #include "tools/ula/CommandError.h"
+#include "tools/ula/Translation.h"
 #include "tools/ula/Warnings.h"
 #include "ula/SettingsException.h"
 #include "ula/SettingsPList.h"
@@ -112,9 +113,9 @@ std::unique_ptr<SettingsStore> readStore(const SettingsFile& file) {
     if (auto store = file.isPropertyList ? readListIfThere(file.path) : readIfThere(file.path))
         return store;
     const std::string name = file.isPropertyList ? "--plist COMPANY APP" : "FILE";
-    throw CommandError{ExitCannotRead, file.path + ": there is no such file",
-                       "check the path, or start the file with: ula settings " + name +
-                           " set GROUP KEY VALUE"};
+    throw CommandError{ExitCannotRead, translated("%1: there is no such file", file.path),
+                       translated("check the path, or start the file with: %1",
+                                  "ula settings " + name + " set GROUP KEY VALUE")};
 }
 
 std::unique_ptr<SettingsStore> openStore(const SettingsFile& file) {
@@ -122,7 +123,7 @@ std::unique_ptr<SettingsStore> openStore(const SettingsFile& file) {
         return openList(file.path);
     // Looked at first: the constructor with a path would leave a copy of a broken file behind.
     if (!readIfThere(file.path) && file.path.empty())
-        throw CommandError{ExitUsage, "the name of the settings file is empty"};
+        throw CommandError{ExitUsage, translated("the name of the settings file is empty")};
     try {
         return std::make_unique<XmlStore>(file.path);
     } catch (const ula::SettingsException& exception) {
@@ -136,7 +137,7 @@ void writeStore(SettingsStore& store, const SettingsFile& file, bool keepBackup)
         return;
     if (reason.find(file.path) == std::string::npos)
         reason = file.path + ": " + reason;
-    throw CommandError{ExitCannotWrite, reason, "nothing was changed"};
+    throw CommandError{ExitCannotWrite, reason, translated("nothing was changed")};
 }
 
 }  // namespace tav::tool

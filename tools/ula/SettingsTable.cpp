@@ -5,6 +5,7 @@
 #include "tools/ula/SettingsValue.h"
 #include "tools/ula/StandardOutput.h"
 #include "tools/ula/Terminal.h"
+#include "tools/ula/Translation.h"
 
 #include <algorithm>
 
@@ -24,7 +25,7 @@ std::vector<std::string> valueLines(const Setting& setting) {
     for (const FastString& text : setting.asStringArray())
         lines.push_back(quotedText(text.view()));
     if (lines.empty())
-        lines.push_back("(no entries)");
+        lines.push_back(translated("(no entries)"));
     return lines;
 }
 

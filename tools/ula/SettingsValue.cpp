@@ -2,6 +2,7 @@
 #include "tools/ula/SettingsValue.h"
 
 #include "tools/ula/CommandError.h"
+#include "tools/ula/Translation.h"
 #include "ula/SettingsXML.h"
 #include "ula/foundation/text/NumberConversion.h"
 
@@ -20,8 +21,9 @@ using namespace tav::ula;
 Setting parseInt(const std::string& word) {
     int number = 0;
     if (!text::parseInt(FastString(word), number))
-        refuse("\"" + word + "\" is not an int: a whole number from -2147483648 to 2147483647",
-               "use --type to store another type, for instance --type string");
+        refuse(
+            translated("\"%1\" is not an int: a whole number from -2147483648 to 2147483647", word),
+            translated("use --type to store another type, for instance --type string"));
     return Setting(number);
 }
 
@@ -32,15 +34,15 @@ Setting parseBool(const std::string& word) {
     for (const char* no : {"false", "no", "off", "0"})
         if (word == no)
             return Setting(false);
-    refuse("\"" + word + "\" is not a bool: true or false (also yes, no, on, off, 1, 0)",
-           "use --type to store another type, for instance --type string");
+    refuse(translated("\"%1\" is not a bool: true or false (also yes, no, on, off, 1, 0)", word),
+           translated("use --type to store another type, for instance --type string"));
 }
 
 Setting parseDouble(const std::string& word) {
     double number = 0;
     if (!text::parseDouble(FastString(word), number))
-        refuse("\"" + word + "\" is not a double: a number such as 2.5, 1e-3, inf or nan",
-               "use --type to store another type, for instance --type string");
+        refuse(translated("\"%1\" is not a double: a number such as 2.5, 1e-3, inf or nan", word),
+               translated("use --type to store another type, for instance --type string"));
     return Setting(number);
 }
 
@@ -55,10 +57,10 @@ Setting parseValue(SettingsType type, const std::vector<std::string>& words) {
         return arrayOf(words);
     const FastString name = SettingsXML::toString(type);
     if (words.size() != 1)
-        refuse("the type " + name.toStdString() + " takes one VALUE, not " +
-                   std::to_string(words.size()),
-               words.empty() ? "name a VALUE (\"\" is the empty string)"
-                             : "use --type string_array to store them all");
+        refuse(translated("the type %1 takes one VALUE, not %2", name.toStdString(),
+                          std::to_string(words.size())),
+               words.empty() ? translated("name a VALUE (\"\" is the empty string)")
+                             : translated("use --type string_array to store them all"));
     switch (type) {
     case SETTINGSTYPE_INT:
         return parseInt(words[0]);

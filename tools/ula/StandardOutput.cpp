@@ -2,6 +2,7 @@
 #include "tools/ula/StandardOutput.h"
 
 #include "tools/ula/CommandError.h"
+#include "tools/ula/Translation.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -12,8 +13,8 @@ namespace tav::tool {
 namespace {
 
 [[noreturn]] void fail() {
-    throw CommandError{ExitCannotWrite,
-                       std::string("cannot write standard output: ") + std::strerror(errno)};
+    throw CommandError{ExitCannotWrite, translated("cannot write standard output: %1",
+                                                   std::string(std::strerror(errno)))};
 }
 
 }  // namespace

@@ -2,13 +2,16 @@
 #include "tools/ula/SystemCommand.h"
 
 #include "tools/ula/DisplayText.h"
+#include "tools/ula/JsonOutput.h"
 #include "tools/ula/StandardOutput.h"
 #include "tools/ula/Terminal.h"
+#include "tools/ula/Translation.h"
 
 #include <ula/Environment.h>
 #include <ula/SystemInformation.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cstdio>
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -24,16 +27,13 @@ using ula::FastString;
 using ula::MemInfo;
 using ula::SystemInformation;
 using ula::VideoControllerInfo;
-using Json = nlohmann::ordered_json;
 
-constexpr const char* kHelp = R"(Examples:
+constexpr const char* kHelp = translatable(R"(Examples:
   ula system             language, release, processors, graphics and memory
   ula system --json      the same for programs, sizes in bytes
 
 In a container or a service that is limited, it also says how much of the machine
-may be used.)";
-
-constexpr std::size_t kNameWidth = 12;
+may be used.)");
 
 struct Facts {
     std::string language = Environment::getOSLanguage();
@@ -79,52 +79,64 @@ std::string processorText(const Facts& facts) {
     const std::string count = processor.count == 1 ? "" : std::to_string(processor.count) + " x ";
     const std::string speed =
         processor.speedMHz == 0 ? "" : std::to_string(processor.speedMHz) + " MHz";
-    const std::string usable = facts.effectiveCount == processor.count
-                                   ? ""
-                                   : std::to_string(facts.effectiveCount) + " usable here";
+    const std::string usable =
+        facts.effectiveCount == processor.count
+            ? ""
+            : translated("%1 usable here", std::to_string(facts.effectiveCount));
     return joined({count + shown(processor.type), speed, shown(processor.architecture), usable});
 }
 
 std::string graphicsText(const VideoControllerInfo& graphics) {
     const std::string memory =
-        graphics.videoMemory == 0 ? "" : memoryText(graphics.videoMemory) + " of its own memory";
-    return graphics.model.empty() ? "none known" : joined({shown(graphics.model), memory});
+        graphics.videoMemory == 0
+            ? ""
+            : translated("%1 of its own memory", memoryText(graphics.videoMemory));
+    return graphics.model.empty() ? translated("none known")
+                                  : joined({shown(graphics.model), memory});
 }
 
 std::string displaysText(const std::vector<DisplayInfo>& displays) {
     std::vector<std::string> texts;
     for (const DisplayInfo& display : displays)
         texts.push_back(std::to_string(display.width) + " x " + std::to_string(display.height) +
-                        (display.isPrimary ? " (primary)" : ""));
-    return displays.empty() ? "none" : joined(texts);
+                        (display.isPrimary ? " (" + translated("primary") + ")" : ""));
+    return displays.empty() ? translated("none") : joined(texts);
 }
 
 std::string memoryText(const Facts& facts) {
     const bool isLimited = facts.effectiveMemory.first != facts.memory.first;
-    const std::string usable =
-        isLimited ? memoryText(facts.effectiveMemory.first) + " usable here, " +
-                        memoryText(facts.effectiveMemory.second) + " of that available"
-                  : "";
+    const std::string usable = isLimited ? translated("%1 usable here, %2 of that available",
+                                                      memoryText(facts.effectiveMemory.first),
+                                                      memoryText(facts.effectiveMemory.second))
+                                         : "";
     return joined({memoryText(facts.memory.first),
-                   memoryText(facts.memory.second) + " available with swap", usable});
+                   translated("%1 available with swap", memoryText(facts.memory.second)), usable});
 }
 
-void printLine(const Colours& colours, const std::string& name, const std::string& text) {
-    print(colours.bold + padded(name, kNameWidth) + colours.plain + text + "\n");
+using Line = std::pair<std::string, std::string>;
+
+void printLines(const std::vector<Line>& lines) {
+    const Colours colours = outputColours();
+    std::size_t width = 0;
+    for (const Line& line : lines)
+        width = std::max(width, displayWidth(line.first));
+    for (const auto& [name, text] : lines)
+        print(colours.bold + padded(name, width + 2) + colours.plain + text + "\n");
 }
 
 void printText(const Facts& facts) {
-    const Colours colours = outputColours();
-    printLine(colours, "Language",
-              displayText(facts.language) + " (" + displayText(facts.languageCode) + ")");
-    printLine(colours, "Country",
-              facts.countryCode.empty() ? "none" : displayText(facts.countryCode));
-    printLine(colours, "System", facts.version);
-    printLine(colours, "User", displayText(facts.user));
-    printLine(colours, "Processors", processorText(facts));
-    printLine(colours, "Graphics", graphicsText(facts.graphics));
-    printLine(colours, "Displays", displaysText(facts.displays));
-    printLine(colours, "Memory", memoryText(facts));
+    printLines({
+        {translated("Language"),
+         displayText(facts.language) + " (" + displayText(facts.languageCode) + ")"},
+        {translated("Country"),
+         facts.countryCode.empty() ? translated("none") : displayText(facts.countryCode)},
+        {translated("System"), facts.version},
+        {translated("User"), displayText(facts.user)},
+        {translated("Processors"), processorText(facts)},
+        {translated("Graphics"), graphicsText(facts.graphics)},
+        {translated("Displays"), displaysText(facts.displays)},
+        {translated("Memory"), memoryText(facts)},
+    });
 }
 
 Json jsonOf(const std::vector<DisplayInfo>& displays) {
@@ -137,34 +149,34 @@ Json jsonOf(const std::vector<DisplayInfo>& displays) {
     return list;
 }
 
-void printJson(const Facts& facts) {
-    const Json json{
-        {"language", displayText(facts.language)},
-        {"languageCode", displayText(facts.languageCode)},
-        {"preferredLanguage", displayText(facts.preferredLanguage)},
-        {"countryCode", displayText(facts.countryCode)},
+void printAsJson(const Facts& facts) {
+    Json json{
+        {"language", facts.language},
+        {"languageCode", facts.languageCode},
+        {"preferredLanguage", facts.preferredLanguage},
+        {"countryCode", facts.countryCode},
         {"systemVersion", facts.version},
-        {"user", displayText(facts.user)},
+        {"user", facts.user},
         {"processor",
-         {{"type", shown(facts.processor.type)},
-          {"architecture", shown(facts.processor.architecture)},
+         {{"type", facts.processor.type.toStdString()},
+          {"architecture", facts.processor.architecture.toStdString()},
           {"speedMHz", facts.processor.speedMHz},
           {"count", facts.processor.count},
           {"usable", facts.effectiveCount}}},
         {"graphics",
-         {{"model", shown(facts.graphics.model)}, {"memory", facts.graphics.videoMemory}}},
+         {{"model", facts.graphics.model.toStdString()}, {"memory", facts.graphics.videoMemory}}},
         {"displays", jsonOf(facts.displays)},
         {"memory",
          {{"physical", facts.memory.first},
           {"available", facts.memory.second},
           {"usable", facts.effectiveMemory.first},
           {"usableAvailable", facts.effectiveMemory.second}}}};
-    print(json.dump(2) + "\n");
+    printJson("system", std::move(json));
 }
 
 ExitCode run(bool asJson) {
     const Facts facts;
-    asJson ? printJson(facts) : printText(facts);
+    asJson ? printAsJson(facts) : printText(facts);
     return ExitOk;
 }
 
@@ -172,11 +184,11 @@ ExitCode run(bool asJson) {
 
 void addSystemCommand(CLI::App& program, ExitCode& result) {
     const auto asJson = std::make_shared<bool>(false);
-    CLI::App* const system =
-        program.add_subcommand("system", "Tell about the system, its user and the machine");
-    system->add_flag("--json", *asJson, "As JSON");
+    CLI::App* const system = program.add_subcommand(
+        "system", translated("Tell about the system, its user and the machine"));
+    system->add_flag("--json", *asJson, translated("As JSON"));
     system->callback([asJson, &result] { result = run(*asJson); });
-    system->footer(kHelp);
+    system->footer(translated(kHelp));
 }
 
 }  // namespace tav::tool

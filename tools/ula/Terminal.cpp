@@ -28,7 +28,7 @@ std::size_t outputColumns() {
 Colours outputColours() {
     if (!wantsColours())
         return {};
-    return {"\033[1m", "\033[2m", "\033[31m", "\033[32m", "\033[0m"};
+    return {"\033[1m", "\033[2m", "\033[31m", "\033[32m", "\033[33m", "\033[0m"};
 }
 
 }  // namespace tav::tool

@@ -18,6 +18,7 @@ struct Colours {
     const char* dim = "";
     const char* red = "";
     const char* green = "";
+    const char* yellow = "";
     const char* plain = "";
 };
 /// The colours for standard output.

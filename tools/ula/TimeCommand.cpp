@@ -3,14 +3,13 @@
 
 #include "tools/ula/DisplayText.h"
 #include "tools/ula/ExifDate.h"
+#include "tools/ula/JsonOutput.h"
 #include "tools/ula/SettingsCommand.h"
-#include "tools/ula/StandardOutput.h"
-#include "tools/ula/Terminal.h"
+#include "tools/ula/TextTable.h"
+#include "tools/ula/Translation.h"
 #include "ula/ULATime.h"
 
 #include <CLI/CLI.hpp>
-#include <algorithm>
-#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -22,11 +21,10 @@ namespace tav::tool {
 
 namespace {
 
-using Json = nlohmann::ordered_json;
 using ula::ShootingDate;
 using ula::ULATime;
 
-constexpr const char* kHelp = R"(Examples:
+constexpr const char* kHelp = translatable(R"(Examples:
   ula time IMG_0815.jpg        when it was taken, when the file was made and changed
   ula time *.jpg *.NEF         the same for many
   ula time --json old.jpg      the same for programs, with the moment in UTC
@@ -35,7 +33,7 @@ When a picture was taken is read from its EXIF data (DateTimeOriginal), of JPEG 
 of TIFF with most cameras' raw formats; with a fraction of the second and the offset
 from UTC where the camera told them. Other files have no such date. The dates of the
 file itself are in your time zone, those of a link are of what it leads to.
-Exit codes: 0 done; 2 wrong usage; 3 a file is not there or cannot be read.)";
+Exit codes: 0 done; 2 wrong usage; 3 a file is not there or cannot be read.)");
 
 constexpr const char* kNone = "-";
 
@@ -78,14 +76,14 @@ std::string errorOf(const Times& times) {
     if (stat(times.path.c_str(), &info) != 0) {
         const int error = errno;
         if (error == ENOENT && lstat(times.path.c_str(), &info) == 0)
-            return "the link leads to nothing";
-        return error == ENOENT ? "there is no such file" : std::strerror(error);
+            return translated("the link leads to nothing");
+        return error == ENOENT ? translated("there is no such file") : std::strerror(error);
     }
     if (!times.created.weakValidationCheck() && !times.modified.weakValidationCheck())
-        return "the name is no text in UTF-8; rename the file";
+        return translated("the name is no text in UTF-8; rename the file");
     if (times.shot.error != 0)
-        return std::string("cannot be read for when it was taken: ") +
-               std::strerror(times.shot.error);
+        return translated("cannot be read for when it was taken: %1",
+                          std::string(std::strerror(times.shot.error)));
     return {};
 }
 
@@ -117,20 +115,18 @@ Json jsonOf(const Times& times) {
     return json;
 }
 
-void printJson(const std::vector<Times>& all) {
+void printAsJson(const std::vector<Times>& all) {
     Json list = Json::array();
     for (const Times& times : all)
         list.push_back(jsonOf(times));
-    print(list.dump(2, ' ', false, Json::error_handler_t::replace) + "\n");
+    printJson("files", std::move(list));
 }
-
-using Row = std::array<std::string, 4>;
 
 std::string orNone(const std::string& text) {
     return text.empty() ? kNone : text;
 }
 
-Row rowOf(const Times& times) {
+TableRow rowOf(const Times& times) {
     const ExifDate& shot = times.shot;
     // A date that is none is told as the camera wrote it.
     const std::string unclear = shot.text.find_first_of("123456789") == std::string::npos
@@ -140,40 +136,21 @@ Row rowOf(const Times& times) {
             orNone(textOf(times.created, ' ')), orNone(textOf(times.modified, ' '))};
 }
 
-void printRow(const Row& row, const std::array<std::size_t, 4>& widths) {
-    std::string line;
-    for (std::size_t i = 0; i + 1 < row.size(); ++i)
-        line += padded(row[i], widths[i] + 2);
-    print(line + row.back() + "\n");
-}
-
-void printTable(const std::vector<Times>& all) {
-    std::vector<Row> rows;
+void printText(const std::vector<Times>& all) {
+    std::vector<TableRow> rows = {
+        {translated("FILE"), translated("TAKEN"), translated("CREATED"), translated("MODIFIED")}};
     for (const Times& times : all)
         if (times.modified.weakValidationCheck())
             rows.push_back(rowOf(times));
-    if (rows.empty())
-        return;
-    const Row head{"FILE", "TAKEN", "CREATED", "MODIFIED"};
-    std::array<std::size_t, 4> widths{};
-    for (std::size_t i = 0; i < head.size(); ++i) {
-        widths[i] = head[i].size();
-        for (const Row& row : rows)
-            widths[i] = std::max(widths[i], displayWidth(row[i]));
-    }
-    const Colours colours = outputColours();
-    print(colours.bold);
-    printRow(head, widths);
-    print(colours.plain);
-    for (const Row& row : rows)
-        printRow(row, widths);
+    if (rows.size() > 1)
+        printTable(rows);
 }
 
 ExitCode run(const Options& options) {
     std::vector<Times> all;
     for (const std::string& file : options.files)
         all.push_back(timesOf(file));
-    options.asJson ? printJson(all) : printTable(all);
+    options.asJson ? printAsJson(all) : printText(all);
     ExitCode code = ExitOk;
     for (const Times& times : all) {
         if (times.error.empty())
@@ -190,13 +167,13 @@ ExitCode run(const Options& options) {
 void addTimeCommand(CLI::App& program, ExitCode& result) {
     const auto options = std::make_shared<Options>();
     CLI::App* const time = program.add_subcommand(
-        "time", "Show when pictures were taken, and files were made and changed");
-    time->add_option("FILE", options->files, "Pictures and other files")
+        "time", translated("Show when pictures were taken, and files were made and changed"));
+    time->add_option("FILE", options->files, translated("Pictures and other files"))
         ->transform(&unprotectArgument)
         ->required();
-    time->add_flag("--json", options->asJson, "As JSON");
+    time->add_flag("--json", options->asJson, translated("As JSON"));
     time->callback([options, &result] { result = run(*options); });
-    time->footer(kHelp);
+    time->footer(translated(kHelp));
 }
 
 }  // namespace tav::tool

@@ -2,8 +2,10 @@
 #include "tools/ula/TrashCommand.h"
 
 #include "tools/ula/DisplayText.h"
+#include "tools/ula/JsonOutput.h"
 #include "tools/ula/SettingsCommand.h"
 #include "tools/ula/StandardOutput.h"
+#include "tools/ula/Translation.h"
 #include "ula/RecycleBin.h"
 
 #include <CLI/CLI.hpp>
@@ -19,12 +21,11 @@ namespace tav::tool {
 
 namespace {
 
-using Json = nlohmann::ordered_json;
 using ula::FastString;
 using ula::RecycleBinReceipt;
 using ula::RecycleBinResult;
 
-constexpr const char* kHelp = R"(Examples:
+constexpr const char* kHelp = translatable(R"(Examples:
   ula trash old.jpg "old folder"          says where each is now
   ula trash old.jpg --json > gone.json    keeps the receipts
   ula trash --restore gone.json           puts everything back where it was
@@ -33,7 +34,7 @@ constexpr const char* kHelp = R"(Examples:
 
 A symbolic link goes itself, not what it leads to. Nothing is ever replaced.
 Exit codes: 0 done; 1 something stayed where it was; 2 wrong usage; 3 the receipts
-cannot be read.)";
+cannot be read.)");
 
 struct Options {
     std::vector<std::string> files;
@@ -63,10 +64,6 @@ Json jsonOf(const RecycleBinResult& result) {
     return json;
 }
 
-void printJson(const Json& json) {
-    print(json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n");
-}
-
 std::string absolutePath(const std::string& path) {
     return std::filesystem::absolute(path).string();
 }
@@ -87,7 +84,7 @@ ExitCode put(const Options& options) {
                   textOf(result.receipt.trashedPath) + "\n");
     }
     if (options.asJson)
-        printJson(list);
+        printJson("receipts", std::move(list));
     return all ? ExitOk : ExitDiffers;
 }
 
@@ -96,15 +93,27 @@ std::string readAll(const std::string& path) {
         return {std::istreambuf_iterator<char>(std::cin), {}};
     std::ifstream file(path, std::ios::binary);
     if (!file)
-        throw CommandError{ExitCannotRead, path + ": the receipts cannot be read",
-                           "'ula trash FILE --json > receipts.json' makes such a file"};
+        throw CommandError{ExitCannotRead, translated("%1: the receipts cannot be read", path),
+                           translated("'ula trash FILE --json > receipts.json' makes such a file")};
     return {std::istreambuf_iterator<char>(file), {}};
+}
+
+/// Of the first releases, which had no version, the list alone.
+const Json& listOf(const Json& receipts, const std::string& path) {
+    if (receipts.is_array())
+        return receipts;
+    if (receipts.at("version") != kJsonVersion)
+        throw CommandError{ExitCannotRead,
+                           translated("%1: the version of these receipts is not known", path),
+                           translated("restore them with the ula that wrote them")};
+    return receipts.at("receipts");
 }
 
 std::vector<RecycleBinReceipt> readReceipts(const std::string& path) {
     std::vector<RecycleBinReceipt> receipts;
     try {
-        for (const Json& json : Json::parse(readAll(path))) {
+        const Json document = Json::parse(readAll(path));
+        for (const Json& json : listOf(document, path)) {
             // What stayed where it was has no receipt.
             if (!json.at("original").is_string() || !json.contains("trashed"))
                 continue;
@@ -113,8 +122,10 @@ std::vector<RecycleBinReceipt> readReceipts(const std::string& path) {
                                 FastString(json.at("identity").get<std::string>())});
         }
     } catch (const Json::exception& error) {
-        throw CommandError{ExitCannotRead, path + ": these are no receipts: " + error.what(),
-                           "'ula trash FILE --json > receipts.json' makes such a file"};
+        throw CommandError{
+            ExitCannotRead,
+            translated("%1: these are no receipts: %2", path, std::string(error.what())),
+            translated("'ula trash FILE --json > receipts.json' makes such a file")};
     }
     return receipts;
 }
@@ -132,7 +143,7 @@ std::vector<RecycleBinReceipt> findReceipts(const std::vector<std::string>& path
 
 RecycleBinResult restoreOne(const RecycleBinReceipt& receipt) {
     if (receipt.trashedPath.empty())
-        return {false, receipt, FastString("nothing in the trash came from there")};
+        return {false, receipt, FastString(translated("nothing in the trash came from there"))};
     return ula::restoreFromRecycleBin(receipt);
 }
 
@@ -150,7 +161,7 @@ ExitCode restore(const std::vector<RecycleBinReceipt>& receipts, bool asJson) {
         }
     }
     if (asJson)
-        printJson(list);
+        printJson("receipts", std::move(list));
     return code;
 }
 
@@ -168,24 +179,27 @@ ExitCode run(const Options& options) {
 
 void addTrashCommand(CLI::App& program, ExitCode& result) {
     const auto options = std::make_shared<Options>();
-    CLI::App* const trash =
-        program.add_subcommand("trash", "Move files and folders to the trash, and back");
+    CLI::App* const trash = program.add_subcommand(
+        "trash", translated("Move files and folders to the trash, and back"));
     CLI::Option* const files =
-        trash->add_option("FILE", options->files, "What is to go")->transform(&unprotectArgument);
-    trash->add_flag("--json", options->asJson, "Print receipts, as JSON");
+        trash->add_option("FILE", options->files, translated("What is to go"))
+            ->transform(&unprotectArgument);
+    trash->add_flag("--json", options->asJson, translated("Print receipts, as JSON"));
     CLI::Option* const receipts =
-        trash->add_option("--restore", options->receipts, "Put back what these receipts tell of")
+        trash
+            ->add_option("--restore", options->receipts,
+                         translated("Put back what these receipts tell of"))
             ->type_name("RECEIPTS")
             ->excludes(files);
     trash
         ->add_option("--restore-path", options->paths,
-                     "Put back what was trashed last from these paths")
+                     translated("Put back what was trashed last from these paths"))
         ->transform(&unprotectArgument)
         ->type_name("PATH")
         ->excludes(files)
         ->excludes(receipts);
     trash->callback([options, &result] { result = run(*options); });
-    trash->footer(kHelp);
+    trash->footer(translated(kHelp));
 }
 
 }  // namespace tav::tool

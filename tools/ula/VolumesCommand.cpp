@@ -2,7 +2,9 @@
 #include "tools/ula/VolumesCommand.h"
 
 #include "tools/ula/DisplayText.h"
+#include "tools/ula/JsonOutput.h"
 #include "tools/ula/StandardOutput.h"
+#include "tools/ula/Translation.h"
 
 #include <CLI/CLI.hpp>
 #include <CoreServices/MountLookup.h>
@@ -18,14 +20,13 @@ namespace tav::tool {
 namespace {
 
 using namespace coreservices;
-using Json = nlohmann::ordered_json;
 
-constexpr const char* kHelp = R"(Examples:
+constexpr const char* kHelp = translatable(R"(Examples:
   ula volumes                 what /Volumes shows, and what is missing there
   sudo ula volumes --mend     makes missing links and removes stale ones
   ula volumes --json          the same for programs
 
-Only links are ever made or removed. Exit codes: 0 done; 4 a change was not possible.)";
+Only links are ever made or removed. Exit codes: 0 done; 4 a change was not possible.)");
 
 struct Options {
     std::string folder = "/Volumes";
@@ -33,49 +34,57 @@ struct Options {
     bool asJson = false;
 };
 
+/// What describe() says of a state.
+constexpr const char* kStates[] = {
+    translatable("start-up disk"), translatable("mount point"),  translatable("link"),
+    translatable("missing"),       translatable("stale link"),   translatable("surplus link"),
+    translatable("foreign link"),  translatable("plain folder"), translatable("foreign entry")};
+
 void printList(const std::vector<VolumeEntry>& entries) {
-    std::size_t width = 0;
+    std::size_t width = 0, stateWidth = 0;
+    for (const char* const state : kStates)
+        stateWidth = std::max(stateWidth, displayWidth(translated(state)));
     for (const VolumeEntry& entry : entries)
         width = std::max(width, displayWidth(displayText(entry.name)));
     for (const VolumeEntry& entry : entries) {
         std::string line = padded(displayText(entry.name), width + 2);
-        line += entry.target.empty()
-                    ? describe(entry.state)
-                    : padded(describe(entry.state), 16) + displayText(entry.target);
+        const std::string state = translated(describe(entry.state));
+        line += entry.target.empty() ? state
+                                     : padded(state, stateWidth + 3) + displayText(entry.target);
         print(line + "\n");
     }
 }
 
-/// Names come from disks and need not be UTF-8: what is not is shown as an escape.
-void printJson(const std::vector<VolumeEntry>& entries) {
+void printAsJson(const std::vector<VolumeEntry>& entries) {
     Json list = Json::array();
     for (const VolumeEntry& entry : entries)
-        list.push_back({{"name", displayText(entry.name)},
-                        {"state", describe(entry.state)},
-                        {"target", displayText(entry.target)}});
-    print(list.dump(2) + "\n");
+        list.push_back(
+            {{"name", entry.name}, {"state", describe(entry.state)}, {"target", entry.target}});
+    printJson("volumes", std::move(list));
 }
 
 const char* describe(VolumesChange::Kind kind) {
     switch (kind) {
     case VolumesChange::Kind::MadeFolder:
-        return "made";
+        return translatable("made");
     case VolumesChange::Kind::MadeLink:
-        return "linked";
+        return translatable("linked");
     default:
-        return "removed";
+        return translatable("removed");
     }
 }
 
 void mend(const Volumes& volumes, const std::vector<Mount>& mounts) {
     for (const VolumesChange& change : volumes.mend(mounts)) {
         if (change.error != 0)
-            throw CommandError{ExitCannotWrite, change.path + ": " + std::strerror(change.error),
-                               change.error == EACCES || change.error == EPERM
-                                   ? "run it as root: sudo ula volumes --mend"
-                                   : "the rest is as it was; see the folder for what stands there"};
+            throw CommandError{
+                ExitCannotWrite, change.path + ": " + std::strerror(change.error),
+                change.error == EACCES || change.error == EPERM
+                    ? translated("run it as root: %1", std::string("sudo ula volumes --mend"))
+                    : translated("the rest is as it was; see the folder for what "
+                                 "stands there")};
         const std::string target = change.target.empty() ? "" : " -> " + displayText(change.target);
-        print(describe(change.kind) + (" " + displayText(change.path)) + target + "\n");
+        print(translated(describe(change.kind)) + " " + displayText(change.path) + target + "\n");
     }
 }
 
@@ -85,7 +94,7 @@ ExitCode run(const Options& options) {
     if (options.mend)
         mend(volumes, mounts);
     else if (options.asJson)
-        printJson(volumes.list(mounts));
+        printAsJson(volumes.list(mounts));
     else
         printList(volumes.list(mounts));
     return ExitOk;
@@ -96,16 +105,20 @@ ExitCode run(const Options& options) {
 void addVolumesCommand(CLI::App& program, ExitCode& result) {
     const auto options = std::make_shared<Options>();
     CLI::App* const volumes = program.add_subcommand(
-        "volumes", "Show or mend the names of the start-up disk and of mounted volumes");
-    CLI::Option* const mend =
-        volumes->add_flag("--mend", options->mend, "Make missing links, remove stale ones");
-    volumes->add_flag("--json", options->asJson, "As JSON")->excludes(mend);
-    volumes->add_option("--folder", options->folder, "Another folder than /Volumes, absolute")
+        "volumes",
+        translated("Show or mend the names of the start-up disk and of mounted volumes"));
+    CLI::Option* const mend = volumes->add_flag(
+        "--mend", options->mend, translated("Make missing links, remove stale ones"));
+    volumes->add_flag("--json", options->asJson, translated("As JSON"))->excludes(mend);
+    volumes
+        ->add_option("--folder", options->folder,
+                     translated("Another folder than /Volumes, absolute"))
         ->check([](const std::string& path) {
-            return !path.empty() && path[0] == '/' ? "" : path + " does not begin with /";
+            return !path.empty() && path[0] == '/' ? ""
+                                                   : translated("%1 does not begin with /", path);
         });
     volumes->callback([options, &result] { result = run(*options); });
-    volumes->footer(kHelp);
+    volumes->footer(translated(kHelp));
 }
 
 }  // namespace tav::tool

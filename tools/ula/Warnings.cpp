@@ -2,6 +2,7 @@
 #include "tools/ula/Warnings.h"
 
 #include "tools/ula/DisplayText.h"
+#include "tools/ula/Translation.h"
 #include "ula/foundation/debug/Log.h"
 
 #include <cstdio>
@@ -21,16 +22,19 @@ Warnings::Warnings(const std::string& path) : _path(displayText(path)) {
 Warnings::~Warnings() {
     silenceLog();
     if (_count > kMost)
-        std::fprintf(stderr, "ula: %s: warning: and %zu more like these\n", _path.c_str(),
-                     _count - kMost);
+        tell(translated("and %1 more like these", std::to_string(_count - kMost)));
+}
+
+void Warnings::tell(const std::string& text) const {
+    const std::string line = translated("%1: warning: %2", _path, text);
+    std::fprintf(stderr, "ula: %s\n", line.c_str());
 }
 
 void Warnings::take(const debug::LogRecord& record) {
     if (record.level != debug::LogLevelUnrecognised && record.level != debug::LogLevelWarning)
         return;
     if (++_count <= kMost)
-        std::fprintf(stderr, "ula: %s: warning: %s\n", _path.c_str(),
-                     displayText(record.text).c_str());
+        tell(displayText(record.text));
 }
 
 void silenceLog() {

@@ -21,6 +21,7 @@ public:
 
 private:
     void take(const debug::LogRecord& record);
+    void tell(const std::string& text) const;
 
     std::string _path;
     std::size_t _count = 0;

@@ -2,6 +2,7 @@
 #include "tools/ula/WatchCommand.h"
 
 #include "tools/ula/DisplayText.h"
+#include "tools/ula/Translation.h"
 #include "tools/ula/WatchPrinter.h"
 #include "ula/DriveWatcher.h"
 #include "ula/FileSystemWatcher.h"
@@ -22,7 +23,7 @@ namespace {
 
 using namespace ula;
 
-constexpr const char* kHelp = R"(Examples:
+constexpr const char* kHelp = translatable(R"(Examples:
   ula watch notes.txt             one item alone
   ula watch -r Pictures           a folder and everything below it
   ula watch -r . --ignore .git --ignore '*.tmp'
@@ -31,7 +32,7 @@ constexpr const char* kHelp = R"(Examples:
 
 One line an event, until Ctrl-C. "rescan" says that more has happened at and below a path than
 could be told: read it again. Exit codes: 0 ended by Ctrl-C; 1 nothing is left to watch;
-3 it cannot be watched.)";
+3 it cannot be watched.)");
 
 struct Options {
     std::vector<std::string> paths;
@@ -163,8 +164,8 @@ public:
             throw *_printer.failure();
         if (_isForever || _left > 0)
             return ExitOk;
-        throw CommandError{ExitDiffers, "nothing is left to watch",
-                           "'ula watch -r' on the folder above tells when it is back"};
+        throw CommandError{ExitDiffers, translated("nothing is left to watch"),
+                           translated("'ula watch -r' on the folder above tells when it is back")};
     }
 
 private:
@@ -182,8 +183,9 @@ private:
         std::error_code error;
         const std::string absolute = std::filesystem::absolute(path, error).lexically_normal();
         if (!std::filesystem::exists(absolute, error))
-            throw CommandError{ExitCannotRead, "cannot watch \"" + path + "\": it is not there",
-                               "'ula watch -r' on the folder above tells when it comes"};
+            throw CommandError{
+                ExitCannotRead, translated("cannot watch \"%1\": it is not there", path),
+                translated("'ula watch -r' on the folder above tells when it comes")};
         ++_left;
         _items.push_back(std::make_unique<WatchedItem>(absolute, _printer, _left));
     }
@@ -209,8 +211,8 @@ private:
 
 ExitCode run(Options& options) {
     if (options.paths.empty() && !options.drives)
-        throw CommandError{ExitUsage, "there is nothing to watch",
-                           "give paths, or --drives; see 'ula watch --help'"};
+        throw CommandError{ExitUsage, translated("there is nothing to watch"),
+                           translated("give paths, or --drives; see 'ula watch --help'")};
     options.tree.settle = std::chrono::milliseconds(options.settleMs);
     const Interrupts interrupts;
     return WatchSession(options).run();
@@ -220,23 +222,25 @@ ExitCode run(Options& options) {
 
 void addWatchCommand(CLI::App& program, ExitCode& result) {
     const auto options = std::make_shared<Options>();
-    CLI::App* const watch =
-        program.add_subcommand("watch", "Tell what changes, one line at a time, until Ctrl-C");
-    watch->add_option("path", options->paths, "Files and folders");
-    CLI::Option* const recursive =
-        watch->add_flag("-r,--recursive", options->recursive, "Everything below folders, too");
+    CLI::App* const watch = program.add_subcommand(
+        "watch", translated("Tell what changes, one line at a time, until Ctrl-C"));
+    watch->add_option("path", options->paths, translated("Files and folders"));
+    CLI::Option* const recursive = watch->add_flag("-r,--recursive", options->recursive,
+                                                   translated("Everything below folders, too"));
     watch
-        ->add_option("--ignore", options->tree.ignore, "Leave out what has such a name; repeatable")
+        ->add_option("--ignore", options->tree.ignore,
+                     translated("Leave out what has such a name; repeatable"))
         ->needs(recursive)
         ->allow_extra_args(false);
     watch
-        ->add_option("--settle", options->settleMs, "Files when unchanged for so many milliseconds")
+        ->add_option("--settle", options->settleMs,
+                     translated("Files when unchanged for so many milliseconds"))
         ->needs(recursive)
         ->check(CLI::Range(0, 3600000));
-    watch->add_flag("--drives", options->drives, "Volumes that come and go");
-    watch->add_flag("--json", options->asJson, "A JSON object a line");
+    watch->add_flag("--drives", options->drives, translated("Volumes that come and go"));
+    watch->add_flag("--json", options->asJson, translated("A JSON object a line"));
     watch->callback([options, &result] { result = run(*options); });
-    watch->footer(kHelp);
+    watch->footer(translated(kHelp));
 }
 
 }  // namespace tav::tool

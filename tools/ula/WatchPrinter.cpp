@@ -2,6 +2,7 @@
 #include "tools/ula/WatchPrinter.h"
 
 #include "tools/ula/DisplayText.h"
+#include "tools/ula/JsonOutput.h"
 #include "tools/ula/StandardOutput.h"
 
 #include <nlohmann/json.hpp>
@@ -14,7 +15,7 @@ constexpr std::size_t kEventWidth = 10;
 
 }  // namespace
 
-std::string WatchPrinter::text(const Line& line) const {
+void WatchPrinter::printText(const Line& line) const {
     std::string text = padded(line.event, kEventWidth) + displayText(line.path);
     if (!line.newPath.empty())
         text += " -> " + displayText(line.newPath);
@@ -22,18 +23,18 @@ std::string WatchPrinter::text(const Line& line) const {
         text += "/";
     if (!line.title.empty())
         text += "  \"" + displayText(line.title) + "\"";
-    return text + "\n";
+    print(text + "\n");
 }
 
-std::string WatchPrinter::json(const Line& line) const {
-    nlohmann::ordered_json object{{"event", line.event}, {"path", displayText(line.path)}};
+void WatchPrinter::printJson(const Line& line) const {
+    Json object{{"event", line.event}, {"path", line.path}};
     if (!line.newPath.empty())
-        object["newPath"] = displayText(line.newPath);
+        object["newPath"] = line.newPath;
     if (line.isFolder)
         object["folder"] = *line.isFolder;
     if (!line.title.empty())
-        object["title"] = displayText(line.title);
-    return object.dump() + "\n";
+        object["title"] = line.title;
+    printJsonLine(object);
 }
 
 void WatchPrinter::tell(const Line& line) {
@@ -41,7 +42,7 @@ void WatchPrinter::tell(const Line& line) {
     if (_failure)
         return;
     try {
-        print(_asJson ? json(line) : text(line));
+        _asJson ? printJson(line) : printText(line);
         finishOutput();
     } catch (const CommandError& error) {
         _failure = error;

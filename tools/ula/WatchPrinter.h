@@ -31,8 +31,8 @@ public:
     const std::optional<CommandError>& failure() const { return _failure; }
 
 private:
-    std::string text(const Line& line) const;
-    std::string json(const Line& line) const;
+    void printText(const Line& line) const;
+    void printJson(const Line& line) const;
 
     const bool _asJson;
     const std::function<void()> _onFailure;
