@@ -81,13 +81,13 @@ mkdir "$folder/.config"
 printf 'XDG_DOCUMENTS_DIR="$HOME/Dokumente"\nXDG_PICTURES_DIR="$HOME/Bilder"\n' \
     >"$folder/.config/user-dirs.dirs"
 show folders | grep -E 'ula|Dokumente|Bilder' || true
-"$ula" folders --json | holds "it['pictures'] == '$folder/Bilder'" "the pictures are elsewhere"
+"$ula" folders --json | holds "it['folders']['pictures'] == '$folder/Bilder'" "the pictures are elsewhere"
 
 printf '\n'
 LANG=de_AT.UTF-8 show system
 LANG=de_AT.UTF-8 "$ula" system --json |
-    holds "it['language'] == 'Deutsch' and it['countryCode'] == 'AT'" "language or country is wrong"
-"$ula" system --json | holds "it['processor']['count'] == $(getconf _NPROCESSORS_ONLN)" \
+    holds "it['system']['language'] == 'Deutsch' and it['system']['countryCode'] == 'AT'" "language or country is wrong"
+"$ula" system --json | holds "it['system']['processor']['count'] == $(getconf _NPROCESSORS_ONLN)" \
     "the processors are miscounted"
 
 printf '\n'
@@ -95,12 +95,12 @@ if two_heads; then
     show screens
     "$ula" screens --draw "$folder/two.png"
     printf '  $ ula screens --draw two.png     %s bytes\n' "$(stat -c %s "$folder/two.png")"
-    "$ula" screens --json | holds "len(it) == 2 and it[1]['bounds']['left'] == 1280" \
+    "$ula" screens --json | holds "len(it['screens']) == 2 and it['screens'][1]['bounds']['left'] == 1280" \
         "the second display is not where it was put"
     printf '    the second one is pulled out:\n'
     xrandr --output DUMMY1 --off
     show screens | tail -n +2
-    "$ula" screens --json | holds "len(it) == 1 and it[0]['primary']" "the second display stayed"
+    "$ula" screens --json | holds "len(it['screens']) == 1 and it['screens'][0]['primary']" "the second display stayed"
 else
     stop_server
     start_server Xvfb -screen 0 1280x1024x24 || wrong "no X server: $(tail -n 1 "$folder/server.log")"
@@ -110,7 +110,7 @@ else
 fi
 stop_server
 unset DISPLAY
-{ "$ula" screens --json 2>/dev/null || true; } | holds "it == []" "there are displays without a server"
+{ "$ula" screens --json 2>/dev/null || true; } | holds "it['screens'] == []" "there are displays without a server"
 
 printf '\n'
 settings() { "$ula" settings --plist Example Photos "$@"; }
