@@ -3,6 +3,7 @@
 //   demo-modal [JOBS]     100,000 without it
 #import <AppKit/AppKit.h>
 
+#import "examples/WakeApplication.h"
 #include "examples/demo/Report.h"
 
 #include <algorithm>
@@ -26,17 +27,7 @@ constexpr int kPendingBatches = 16;
 
 void closeAlert() {
     [NSApp stopModal];
-    // The modal session looks at its state after an event.
-    [NSApp postEvent:[NSEvent otherEventWithType:NSApplicationDefined
-                                        location:NSZeroPoint
-                                   modifierFlags:0
-                                       timestamp:0
-                                    windowNumber:0
-                                         context:nil
-                                         subtype:0
-                                           data1:0
-                                           data2:0]
-             atStart:NO];
+    wakeApplication();
 }
 
 /// The jobs, and what the main thread has seen of them.

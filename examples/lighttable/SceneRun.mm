@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #import "examples/lighttable/SceneRun.h"
 
+#import "examples/WakeApplication.h"
 #import "examples/lighttable/WindowPicture.h"
 
 #include <cstdio>
@@ -89,17 +90,7 @@ void SceneRun::end(int exitCode) {
     _exitCode = exitCode;
     _timer.reset();
     [NSApp stop:nil];
-    // The application looks after an event.
-    [NSApp postEvent:[NSEvent otherEventWithType:NSApplicationDefined
-                                        location:NSZeroPoint
-                                   modifierFlags:0
-                                       timestamp:0
-                                    windowNumber:0
-                                         context:nil
-                                         subtype:0
-                                           data1:0
-                                           data2:0]
-             atStart:NO];
+    wakeApplication();
 }
 
 }  // namespace lighttable
