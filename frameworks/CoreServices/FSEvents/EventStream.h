@@ -98,7 +98,8 @@ private:
     bool _isTold = false;
     bool _isUrgent = false;
     Clock::time_point _pendingSince;
-    Clock::time_point _takenAt;
+    // Long ago: the clock may begin with the computer, which may run for less than the latency.
+    Clock::time_point _takenAt = Clock::time_point::min();
     std::atomic<FSEventStreamEventId> _latestId = 0;
 
     // Guarded by the collector's lock. The loops and modes are retained.
