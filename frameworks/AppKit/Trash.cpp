@@ -103,9 +103,10 @@ bool hasFolder(const std::string& path, const std::string& folder) {
 // A trash folder of the user's, what is in one, and what the home trash is in.
 bool touchesTrash(const std::string& path, const TrashPlaces& places) {
     const std::string& home = places.homeTrash;
+    bool touchesHome =
+        !home.empty() && (path == home || isWithin(path, home) || isWithin(home, path));
     std::string user = std::to_string(places.user);
-    return path == home || isWithin(path, home) || isWithin(home, path) ||
-           hasFolder(path, "/.Trash-" + user) || hasFolder(path, "/.Trash/" + user);
+    return touchesHome || hasFolder(path, "/.Trash-" + user) || hasFolder(path, "/.Trash/" + user);
 }
 
 // What the nearest folder of a path that exists is on: where the rest would be made.

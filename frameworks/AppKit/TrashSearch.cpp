@@ -46,7 +46,9 @@ bool isOwnFolder(const std::string& path, uid_t user) {
 }
 
 std::vector<TrashToSearch> trashesFor(const std::string& path, const TrashPlaces& places) {
-    std::vector<TrashToSearch> trashes{{places.homeTrash, ""}};
+    std::vector<TrashToSearch> trashes;
+    if (!places.homeTrash.empty())
+        trashes.push_back({places.homeTrash, ""});
     std::string user = std::to_string(places.user);
     for (const auto& mount : coreservices::parseMountInfo(coreservices::readMountInfo())) {
         std::string top = mount.point == "/" ? "/" : mount.point + "/";
