@@ -23,7 +23,7 @@ constexpr char kInterface[] = "com.canonical.Unity.LauncherEntry";
 
 // Null where there is none. One for the process: a dock drops what is shown when it is closed.
 GDBusConnection* sessionBus() {
-    static GDBusConnection* const bus = connectToSessionBus();
+    static GDBusConnection* const bus = connectToSessionBus().release();
     return bus;
 }
 
@@ -46,7 +46,7 @@ void emit(double fraction, bool isVisible) {
                                   g_variant_new("(sa{sv})", entry.c_str(), &properties), nullptr);
     // Programs take it away and end: it would be lost with the thread that sends it.
     if (!isVisible)
-        g_dbus_connection_flush_sync(bus, nullptr, nullptr);
+        flush(bus);
 }
 
 // A file that is there while progress is shown, with the number of the process. Empty where there
