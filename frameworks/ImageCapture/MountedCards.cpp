@@ -59,7 +59,8 @@ std::vector<FoundDevice> MountedCards::look() {
     std::vector<FoundDevice> found;
     std::set<std::string> devices;
     const std::map<uint64_t, uint64_t> serials = coreservices::mountSerials();
-    for (const Mount& mount : *coreservices::currentMounts()) {
+    const coreservices::MountList mounts = coreservices::currentMounts();
+    for (const Mount& mount : *mounts) {
         if (!mayBeCard(mount) || devices.contains(mount.device))
             continue;
         std::string pictures = askForPictures(mount);

@@ -64,7 +64,8 @@ std::vector<MountChange> MountChanges::take() {
 
 std::vector<std::string> mountsNotToFollow() {
     std::vector<std::string> points;
-    for (const Mount& mount : *coreservices::currentMounts()) {
+    const coreservices::MountList mounts = coreservices::currentMounts();
+    for (const Mount& mount : *mounts) {
         const bool isKernels = std::find(kKernelFileSystems.begin(), kKernelFileSystems.end(),
                                          mount.type) != kKernelFileSystems.end();
         if (isKernels || coreservices::mayStall(mount))
