@@ -4,7 +4,7 @@
 #include "AppKit/ProcessTable.h"
 #include "AppKit/RunningApplications.h"
 #include "AppKit/SessionBus.h"
-#include "CoreFoundation/Descriptor.h"
+#include "CoreFoundation/WholeContent.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -64,20 +64,19 @@ void mark() {
         return;
     const cf::Descriptor file(
         open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOFOLLOW, 0600));
-    const std::string text = std::to_string(getpid());
     // Without the mark a dock that does not notice the end of programs shows what was last.
-    if (file && write(file.get(), text.data(), text.size()) < 0)
+    if (file && !cf::writeAll(file.get(), std::to_string(getpid())))
         unlink(path.c_str());
 }
 
 // The one that shows progress still runs.
 bool isAlive(const std::string& path) {
     const cf::Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW));
-    char text[16] = {};
-    if (!file || read(file.get(), text, sizeof text - 1) <= 0)
+    const std::string text = file ? cf::readUpTo(file.get(), 15) : "";
+    if (text.empty())
         return false;
     const ProcessTable processes;
-    const pid_t process = atoi(text);
+    const pid_t process = atoi(text.c_str());
     return process != getpid() && processes.program(process) == processes.program(getpid());
 }
 

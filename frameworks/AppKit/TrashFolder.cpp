@@ -3,6 +3,7 @@
 
 #include "AppKit/MoveItem.h"
 #include "AppKit/TrashInfo.h"
+#include "CoreFoundation/WholeContent.h"
 
 #include <cerrno>
 #include <climits>
@@ -62,16 +63,6 @@ cf::Descriptor openShared(int top, uid_t user) {
 cf::Descriptor openOwn(int top, uid_t user) {
     cf::Descriptor own = openOrMake(top, ".Trash-" + std::to_string(user));
     return own && belongsTo(own.get(), user) ? std::move(own) : cf::Descriptor();
-}
-
-bool writeAll(int file, const std::string& text) {
-    for (size_t done = 0; done < text.size();) {
-        ssize_t written = write(file, text.data() + done, text.size() - done);
-        if (written < 0 && errno != EINTR)
-            return false;
-        done += written > 0 ? static_cast<size_t>(written) : 0;
-    }
-    return true;
 }
 
 size_t longestName(int folder) {
@@ -156,7 +147,7 @@ int TrashFolder::writeInfo(const std::string& name, const std::string& text) con
     if (!file)
         return errno;
     // Some file systems tell of a full disk only when the file is closed.
-    if (writeAll(file.get(), text) && ::close(file.release()) == 0)
+    if (cf::writeAll(file.get(), text) && ::close(file.release()) == 0)
         return 0;
     int error = errno;
     unlinkat(_info.get(), name.c_str(), 0);
