@@ -4,6 +4,7 @@
 #include "AppKit/MoveItem.h"
 #include "AppKit/TrashFolder.h"
 #include "CoreFoundation/Descriptor.h"
+#include "CoreServices/MountLookup.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -124,9 +125,10 @@ std::optional<struct stat> deviceOf(std::string path) {
 std::optional<coreservices::Mount> mountOf(const struct statx& info) {
     if ((info.stx_mask & STATX_MNT_ID) == 0)
         return std::nullopt;
-    for (coreservices::Mount& mount : coreservices::parseMountInfo(coreservices::readMountInfo()))
+    const coreservices::MountList mounts = coreservices::currentMounts();
+    for (const coreservices::Mount& mount : *mounts)
         if (mount.id == info.stx_mnt_id)
-            return std::move(mount);
+            return mount;
     return std::nullopt;
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "AppKit/Trash.h"
 #include "AppKit/TrashInfo.h"
+#include "CoreServices/MountLookup.h"
 
 #include <algorithm>
 #include <fcntl.h>
@@ -50,7 +51,8 @@ std::vector<TrashToSearch> trashesFor(const std::string& path, const TrashPlaces
     if (!places.homeTrash.empty())
         trashes.push_back({places.homeTrash, ""});
     std::string user = std::to_string(places.user);
-    for (const auto& mount : coreservices::parseMountInfo(coreservices::readMountInfo())) {
+    const coreservices::MountList mounts = coreservices::currentMounts();
+    for (const coreservices::Mount& mount : *mounts) {
         std::string top = mount.point == "/" ? "/" : mount.point + "/";
         if (path.compare(0, top.size(), top) != 0 || !places.mayHoldTrash(mount))
             continue;

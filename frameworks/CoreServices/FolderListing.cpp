@@ -5,7 +5,7 @@
 #include "CoreServices/AccessRights.h"
 #include "CoreServices/AliasFile.h"
 #include "CoreServices/HiddenNames.h"
-#include "CoreServices/MountInfo.h"
+#include "CoreServices/MountLookup.h"
 #include "CoreServices/Patience.h"
 #include "CoreServices/StallingMount.h"
 #include "CoreServices/VolumeLinks.h"
@@ -221,7 +221,7 @@ void FolderListing::lookAtLink(const FolderEntry& entry, EntryFacts& facts) {
 bool FolderListing::answers(const FolderEntry& entry) {
     Folder& folder = *_folder;
     if (!folder.mounts.has_value()) {
-        folder.mounts = parseMountInfo(readMountInfo());
+        folder.mounts = *currentMounts();
         if (std::none_of(folder.mounts->begin(), folder.mounts->end(), mayStall))
             folder.mounts->clear();
         folder.stallingMount = stallingMountOn(folder.path, *folder.mounts);
