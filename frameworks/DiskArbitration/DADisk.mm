@@ -1,14 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "CoreFoundation/AutoreleasePool.h"
 #include "CoreFoundation/Guarded.h"
+#include "CoreFoundation/PercentEscapes.h"
 #include "DiskArbitration/Description.h"
 
 #include <DiskArbitration/DADisk.h>
 
 #import <Foundation/Foundation.h>
-#include <cctype>
-#include <cstdio>
-#include <cstring>
 
 using diskarbitration::BlockDevice;
 using diskarbitration::Description;
@@ -45,22 +43,12 @@ NSString* textOf(const std::string& bytes) {
     return [NSString stringWithUTF8String:bytes.c_str()];
 }
 
-bool isPlain(unsigned char c) {
-    return c < 0x80 && (isalnum(c) != 0 || strchr("/-._~", c) != nullptr);
-}
-
 // Written out: GNUstep looks at the folder even when it is told that it is one, and the server
 // behind it may be gone. Nil for a path that is no text.
 NSURL* folderURL(const std::string& path) {
     if (textOf(path) == nil)
         return nil;
-    std::string text = "file://";
-    for (char c : path) {
-        auto byte = static_cast<unsigned char>(c);
-        char escape[4];
-        snprintf(escape, sizeof escape, "%%%02X", byte);
-        text += isPlain(byte) ? std::string(1, c) : escape;
-    }
+    const std::string text = "file://" + cf::percentEncoded(path);
     return [NSURL URLWithString:textOf(text.back() == '/' ? text : text + "/")];
 }
 
