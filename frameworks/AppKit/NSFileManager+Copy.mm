@@ -16,7 +16,6 @@
 #include <string>
 #include <unistd.h>
 
-using cf::Descriptor;
 using appkit::Place;
 
 namespace {
