@@ -96,10 +96,10 @@ void replaceShownIcon(NSImage* image) {
 
 }  // namespace
 
-@interface ULApplicationIcon : NSObject
+@interface ULAApplicationIcon : NSObject
 @end
 
-@implementation ULApplicationIcon
+@implementation ULAApplicationIcon
 
 + (void)progressDidChange:(NSNotification*)notification {
     NSNumber* fraction = [[notification userInfo] objectForKey:@"fraction"];
@@ -113,7 +113,7 @@ static void listenForProgress() {
     if (isListening)
         return;
     isListening = true;
-    [[NSNotificationCenter defaultCenter] addObserver:[ULApplicationIcon class]
+    [[NSNotificationCenter defaultCenter] addObserver:[ULAApplicationIcon class]
                                              selector:@selector(progressDidChange:)
                                                  name:kProgressDidChange
                                                object:nil];

@@ -13,7 +13,7 @@
 
 using appkit::RunningApplication;
 
-@interface ULRunningApplication : NSRunningApplication {
+@interface ULARunningApplication : NSRunningApplication {
     RunningApplication _application;
 }
 - (id)initWithApplication:(const RunningApplication&)application;
@@ -36,7 +36,7 @@ NSArray* objectsWhere(Condition isWanted) {
     NSMutableArray* list = [NSMutableArray array];
     for (const RunningApplication& application : appkit::runningApplications())
         if (isWanted(application))
-            [list addObject:[[[ULRunningApplication alloc] initWithApplication:application]
+            [list addObject:[[[ULARunningApplication alloc] initWithApplication:application]
                                 autorelease]];
     return list;
 }
@@ -71,7 +71,7 @@ void replaceClassMethod(SEL selector, Function function) {
 
 }  // namespace
 
-@implementation ULRunningApplication
+@implementation ULARunningApplication
 
 + (void)load {
     replaceClassMethod(@selector(runningApplicationsWithBundleIdentifier:),
@@ -130,9 +130,9 @@ void replaceClassMethod(SEL selector, Function function) {
 }
 
 - (BOOL)isEqual:(id)other {
-    return [other isKindOfClass:[ULRunningApplication class]] &&
+    return [other isKindOfClass:[ULARunningApplication class]] &&
            [other processIdentifier] == _application.process &&
-           static_cast<ULRunningApplication*>(other)->_application.startTicks ==
+           static_cast<ULARunningApplication*>(other)->_application.startTicks ==
                _application.startTicks;
 }
 

@@ -20,10 +20,10 @@ NSArray* screens = nil;
 
 // A display that is as it was keeps its screen, so that those who hold it find it in the list.
 NSScreen* screenOf(const displays::Display& display, int mainHeight) {
-    for (ULDisplayScreen* known in screens)
+    for (ULADisplayScreen* known in screens)
         if ([known display] == display && [known mainHeight] == mainHeight)
             return [[known retain] autorelease];
-    return [[[ULDisplayScreen alloc] initWithDisplay:display mainHeight:mainHeight] autorelease];
+    return [[[ULADisplayScreen alloc] initWithDisplay:display mainHeight:mainHeight] autorelease];
 }
 
 NSArray* screensFrom(const displays::Displays& displays) {
@@ -62,10 +62,10 @@ void replaceClassMethod(SEL selector, Function function) {
 
 }  // namespace
 
-@interface ULScreens : NSObject
+@interface ULAScreens : NSObject
 @end
 
-@implementation ULScreens
+@implementation ULAScreens
 
 + (void)load {
     replaceClassMethod(@selector(screens), currentScreens);

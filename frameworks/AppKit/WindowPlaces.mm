@@ -109,10 +109,10 @@ void chooseAndMend(id self, SEL selector, Class type) {
 
 }  // namespace
 
-@interface ULWindowPlaces : NSObject
+@interface ULAWindowPlaces : NSObject
 @end
 
-@implementation ULWindowPlaces
+@implementation ULAWindowPlaces
 
 + (void)load {
     Method const method =

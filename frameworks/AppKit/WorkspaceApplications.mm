@@ -47,10 +47,10 @@ BOOL launchApplication(id self, SEL command, NSString* name) {
 
 }  // namespace
 
-@interface ULWorkspaceApplications : NSObject
+@interface ULAWorkspaceApplications : NSObject
 @end
 
-@implementation ULWorkspaceApplications
+@implementation ULAWorkspaceApplications
 
 + (void)load {
     appkit::replaceWorkspaceMethod(@selector(launchedApplications), launchedApplications);

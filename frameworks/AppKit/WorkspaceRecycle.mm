@@ -50,10 +50,10 @@ BOOL performFileOperation(id self, SEL command, NSString* operation, NSString* s
 
 }  // namespace
 
-@interface ULWorkspaceRecycle : NSObject
+@interface ULAWorkspaceRecycle : NSObject
 @end
 
-@implementation ULWorkspaceRecycle
+@implementation ULAWorkspaceRecycle
 
 // Looked up, not sent a message: that would initialize the workspace before the program has begun.
 + (void)load {

@@ -213,10 +213,10 @@ const std::vector<std::string>* volumesBeingTold() {
 
 }  // namespace appkit
 
-@interface ULWorkspaceVolumeNotifications : NSObject
+@interface ULAWorkspaceVolumeNotifications : NSObject
 @end
 
-@implementation ULWorkspaceVolumeNotifications
+@implementation ULAWorkspaceVolumeNotifications
 
 + (void)load {
     originalNotificationCenter =

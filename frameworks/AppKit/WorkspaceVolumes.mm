@@ -115,10 +115,10 @@ BOOL getFileSystemInfo(id, SEL, NSString* path, BOOL* removable, BOOL* writable,
 
 }  // namespace
 
-@interface ULWorkspaceVolumes : NSObject
+@interface ULAWorkspaceVolumes : NSObject
 @end
 
-@implementation ULWorkspaceVolumes
+@implementation ULAWorkspaceVolumes
 
 + (void)load {
     originalIconForFile = appkit::replaceWorkspaceMethod(@selector(iconForFile:), iconForFile);

@@ -68,10 +68,10 @@ void replaceMethod(SEL selector, Function function, Function& original) {
 
 }  // namespace
 
-@interface ULFileManagerSpace : NSObject
+@interface ULAFileManagerSpace : NSObject
 @end
 
-@implementation ULFileManagerSpace
+@implementation ULAFileManagerSpace
 
 + (void)load {
     replaceMethod(@selector(fileSystemAttributesAtPath:), fileSystemAttributes, originalAttributes);

@@ -23,10 +23,10 @@ NSString* resolveSymlinks(NSString* self, SEL selector) {
 }  // namespace
 
 // A category of its own would lose GNUstep's method.
-@interface UlaPathResolution : NSObject
+@interface ULAPathResolution : NSObject
 @end
 
-@implementation UlaPathResolution
+@implementation ULAPathResolution
 
 + (void)load {
     const Method method =

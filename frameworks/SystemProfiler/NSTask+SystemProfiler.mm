@@ -75,10 +75,10 @@ void launch(id task, SEL selector) {
 
 }  // namespace
 
-@interface UlaReportTask : NSObject
+@interface ULAReportTask : NSObject
 @end
 
-@implementation UlaReportTask
+@implementation ULAReportTask
 
 // Tasks are made of a class below the public one.
 + (void)load {
