@@ -6,7 +6,7 @@
 #import <AppKit/AppKit.h>
 
 #include "AppKit/LauncherProgress.h"
-#include "AppKit/ReplaceWorkspaceMethod.h"
+#include "Foundation/ReplaceMethod.h"
 
 #include <algorithm>
 
@@ -138,11 +138,12 @@ static void finishLaunching(id self, SEL command) {
 
 + (void)load {
     const char* name = "NSApplication";
-    originalSet =
-        appkit::replaceMethod(name, @selector(setApplicationIconImage:), setApplicationIconImage);
-    originalGet =
-        appkit::replaceMethod(name, @selector(applicationIconImage), applicationIconImage);
-    originalFinish = appkit::replaceMethod(name, @selector(finishLaunching), finishLaunching);
+    originalSet = foundation::replaceInstanceMethod(name, @selector(setApplicationIconImage:),
+                                                    setApplicationIconImage);
+    originalGet = foundation::replaceInstanceMethod(name, @selector(applicationIconImage),
+                                                    applicationIconImage);
+    originalFinish =
+        foundation::replaceInstanceMethod(name, @selector(finishLaunching), finishLaunching);
 }
 
 @end

@@ -5,8 +5,8 @@
 
 #include "AppKit/LaunchApplication.h"
 #include "AppKit/ProcessTable.h"
-#include "AppKit/ReplaceWorkspaceMethod.h"
 #include "AppKit/RunningApplications.h"
+#include "Foundation/ReplaceMethod.h"
 
 #include <csignal>
 #include <unistd.h>
@@ -62,24 +62,21 @@ id currentApplication(id self, SEL) {
     return runningApplicationWithProcess(self, nullptr, getpid());
 }
 
-template <class Function>
-void replaceClassMethod(SEL selector, Function function) {
-    Class const applications = objc_getClass("NSRunningApplication");
-    method_setImplementation(class_getClassMethod(applications, selector),
-                             reinterpret_cast<IMP>(function));
-}
-
 }  // namespace
 
 @implementation ULARunningApplication
 
 + (void)load {
-    replaceClassMethod(@selector(runningApplicationsWithBundleIdentifier:),
-                       runningApplicationsWithIdentifier);
-    replaceClassMethod(@selector(runningApplicationWithProcessIdentifier:),
-                       runningApplicationWithProcess);
-    replaceClassMethod(@selector(currentApplication), currentApplication);
-    appkit::replaceWorkspaceMethod(@selector(runningApplications), runningApplications);
+    const char* const applications = "NSRunningApplication";
+    foundation::replaceClassMethod(applications,
+                                   @selector(runningApplicationsWithBundleIdentifier:),
+                                   runningApplicationsWithIdentifier);
+    foundation::replaceClassMethod(applications,
+                                   @selector(runningApplicationWithProcessIdentifier:),
+                                   runningApplicationWithProcess);
+    foundation::replaceClassMethod(applications, @selector(currentApplication), currentApplication);
+    foundation::replaceInstanceMethod("NSWorkspace", @selector(runningApplications),
+                                      runningApplications);
 }
 
 - (id)initWithApplication:(const RunningApplication&)application {

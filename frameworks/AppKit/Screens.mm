@@ -6,9 +6,9 @@
 
 #import "AppKit/DisplayScreen.h"
 #include "ApplicationServices/DisplayList.h"
+#include "Foundation/ReplaceMethod.h"
 
 #include <mutex>
-#include <objc/runtime.h>
 
 using displays::DisplayList;
 
@@ -54,12 +54,6 @@ NSScreen* mainScreen(id, SEL) {
     return [all count] > 0 ? [all objectAtIndex:0] : nil;
 }
 
-template <class Function>
-void replaceClassMethod(SEL selector, Function function) {
-    Method method = class_getClassMethod(objc_getClass("NSScreen"), selector);
-    method_setImplementation(method, reinterpret_cast<IMP>(function));
-}
-
 }  // namespace
 
 @interface ULAScreens : NSObject
@@ -68,8 +62,8 @@ void replaceClassMethod(SEL selector, Function function) {
 @implementation ULAScreens
 
 + (void)load {
-    replaceClassMethod(@selector(screens), currentScreens);
-    replaceClassMethod(@selector(mainScreen), mainScreen);
+    foundation::replaceClassMethod("NSScreen", @selector(screens), currentScreens);
+    foundation::replaceClassMethod("NSScreen", @selector(mainScreen), mainScreen);
 }
 
 @end

@@ -3,13 +3,13 @@
 // does so from the moment that somebody first asks for it, on the main run loop.
 #import <AppKit/AppKit.h>
 
-#include "AppKit/ReplaceWorkspaceMethod.h"
 #include "AppKit/ToldVolumes.h"
 #include "AppKit/VolumeNotifications.h"
 #include "AppKit/VolumeWatch.h"
 #include "CoreFoundation/AutoreleasePool.h"
 #include "CoreFoundation/RunLoopDescriptor.h"
 #include "CoreServices/MountSerials.h"
+#include "Foundation/ReplaceMethod.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -219,8 +219,8 @@ const std::vector<std::string>* volumesBeingTold() {
 @implementation ULAWorkspaceVolumeNotifications
 
 + (void)load {
-    originalNotificationCenter =
-        appkit::replaceWorkspaceMethod(@selector(notificationCenter), notificationCenter);
+    originalNotificationCenter = foundation::replaceInstanceMethod(
+        "NSWorkspace", @selector(notificationCenter), notificationCenter);
 }
 
 @end

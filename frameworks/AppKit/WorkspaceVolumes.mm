@@ -6,9 +6,9 @@
 
 #include "AppKit/IconPixels.h"
 #include "AppKit/IconTheme.h"
-#include "AppKit/ReplaceWorkspaceMethod.h"
 #include "AppKit/VolumeFacts.h"
 #include "AppKit/VolumeNotifications.h"
+#include "Foundation/ReplaceMethod.h"
 
 #include <cstring>
 #include <map>
@@ -121,9 +121,12 @@ BOOL getFileSystemInfo(id, SEL, NSString* path, BOOL* removable, BOOL* writable,
 @implementation ULAWorkspaceVolumes
 
 + (void)load {
-    originalIconForFile = appkit::replaceWorkspaceMethod(@selector(iconForFile:), iconForFile);
-    appkit::replaceWorkspaceMethod(@selector(mountedLocalVolumePaths), mountedLocalVolumePaths);
-    appkit::replaceWorkspaceMethod(
+    originalIconForFile =
+        foundation::replaceInstanceMethod("NSWorkspace", @selector(iconForFile:), iconForFile);
+    foundation::replaceInstanceMethod("NSWorkspace", @selector(mountedLocalVolumePaths),
+                                      mountedLocalVolumePaths);
+    foundation::replaceInstanceMethod(
+        "NSWorkspace",
         @selector(getFileSystemInfoForPath:isRemovable:isWritable:isUnmountable:description:type:),
         getFileSystemInfo);
 }

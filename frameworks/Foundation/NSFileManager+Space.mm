@@ -5,9 +5,9 @@
 
 #include "CoreServices/MountLookup.h"
 #include "Foundation/FileSystemSpace.h"
+#include "Foundation/ReplaceMethod.h"
 
 #include <cerrno>
-#include <objc/runtime.h>
 
 namespace {
 
@@ -59,13 +59,6 @@ NSDictionary* fileSystemAttributesOrError(id self, SEL command, NSString* path, 
     return answer;
 }
 
-template <class Function>
-void replaceMethod(SEL selector, Function function, Function& original) {
-    Method method = class_getInstanceMethod(objc_getClass("NSFileManager"), selector);
-    original = reinterpret_cast<Function>(
-        method_setImplementation(method, reinterpret_cast<IMP>(function)));
-}
-
 }  // namespace
 
 @interface ULAFileManagerSpace : NSObject
@@ -74,9 +67,11 @@ void replaceMethod(SEL selector, Function function, Function& original) {
 @implementation ULAFileManagerSpace
 
 + (void)load {
-    replaceMethod(@selector(fileSystemAttributesAtPath:), fileSystemAttributes, originalAttributes);
-    replaceMethod(@selector(attributesOfFileSystemForPath:error:), fileSystemAttributesOrError,
-                  originalAttributesOrError);
+    originalAttributes = foundation::replaceInstanceMethod(
+        "NSFileManager", @selector(fileSystemAttributesAtPath:), fileSystemAttributes);
+    originalAttributesOrError = foundation::replaceInstanceMethod(
+        "NSFileManager", @selector(attributesOfFileSystemForPath:error:),
+        fileSystemAttributesOrError);
 }
 
 @end

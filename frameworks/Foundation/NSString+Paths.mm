@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "CoreServices/VolumeLinks.h"
+#include "Foundation/ReplaceMethod.h"
 
 #import <Foundation/Foundation.h>
-#import <objc/runtime.h>
 
 namespace {
 
@@ -29,10 +29,8 @@ NSString* resolveSymlinks(NSString* self, SEL selector) {
 @implementation ULAPathResolution
 
 + (void)load {
-    const Method method =
-        class_getInstanceMethod([NSString class], @selector(stringByResolvingSymlinksInPath));
-    answerOfGNUstep = reinterpret_cast<Resolve>(
-        method_setImplementation(method, reinterpret_cast<IMP>(resolveSymlinks)));
+    answerOfGNUstep = foundation::replaceInstanceMethod(
+        "NSString", @selector(stringByResolvingSymlinksInPath), resolveSymlinks);
 }
 
 @end

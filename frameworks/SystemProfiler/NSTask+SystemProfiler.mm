@@ -3,6 +3,7 @@
 // process writes the report itself, and whole before the launch returns: a reader that does not
 // wait for the program's end finds it.
 #include "CoreFoundation/WholeContent.h"
+#include "Foundation/ReplaceMethod.h"
 #include "SystemProfiler/HardwareReport.h"
 
 #import <Foundation/Foundation.h>
@@ -83,10 +84,9 @@ void launch(id task, SEL selector) {
 // Tasks are made of a class below the public one.
 + (void)load {
     Class const concrete = objc_getClass("NSConcreteUnixTask");
-    const Method method =
-        class_getInstanceMethod(concrete != Nil ? concrete : [NSTask class], @selector(launch));
-    launchOfGNUstep =
-        reinterpret_cast<Launch>(method_setImplementation(method, reinterpret_cast<IMP>(launch)));
+    const Method method = class_getInstanceMethod(
+        concrete != Nil ? concrete : objc_getClass("NSTask"), @selector(launch));
+    launchOfGNUstep = foundation::replaceMethod(method, launch);
 }
 
 @end
