@@ -3,7 +3,7 @@
 #include "RunLoop.h"
 
 #include "Clock.h"
-#include "Descriptor.h"
+#include "DescriptorCalls.h"
 #include "Membership.h"
 #include "ThreadRunLoop.h"
 
