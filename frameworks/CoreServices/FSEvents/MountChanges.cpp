@@ -9,7 +9,6 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <string_view>
-#include <unistd.h>
 #include <utility>
 
 namespace fsevents {
@@ -43,14 +42,9 @@ MountChanges::MountChanges()
       _known(coreservices::parseMountInfo(coreservices::readMountInfo())) {
 }
 
-MountChanges::~MountChanges() {
-    if (_descriptor >= 0)
-        close(_descriptor);
-}
-
 std::vector<MountChange> MountChanges::take() {
-    pollfd table{_descriptor, POLLPRI, 0};
-    if (_descriptor >= 0 && poll(&table, 1, 0) > 0)
+    pollfd table{_descriptor.get(), POLLPRI, 0};
+    if (_descriptor && poll(&table, 1, 0) > 0)
         note(table.revents);
     if (!std::exchange(_isChanged, false))
         return {};
