@@ -4,6 +4,7 @@
 #include "AppKit/MoveItem.h"
 #include "AppKit/TrashFolder.h"
 #include "CoreFoundation/Descriptor.h"
+#include "CoreFoundation/DescriptorPath.h"
 #include "CoreServices/MountLookup.h"
 
 #include <algorithm>
@@ -83,7 +84,7 @@ int findItem(const std::string& path, ItemPlace* place) {
     place->folder = cf::Descriptor(open(folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
     if (!place->folder)
         return errno;
-    place->item = {place->folder.get(), leaf, pathOf(place->folder.get())};
+    place->item = {place->folder.get(), leaf, cf::pathOfDescriptor(place->folder.get())};
     place->item.path += place->item.path == "/" ? leaf : "/" + leaf;
     bool known = readInfo(place->item.folder, "", AT_EMPTY_PATH, &place->folderInfo) &&
                  readInfo(place->item.folder, leaf.c_str(), AT_SYMLINK_NOFOLLOW, &place->itemInfo);
@@ -173,6 +174,18 @@ TrashOutcome moveToTrash(const std::string& path, const TrashPlaces& places) {
             return outcome;
     }
     return putIntoTop(place, places);
+}
+
+bool recycle(const std::vector<std::string>& paths) noexcept {
+    try {
+        bool all = true;
+        const TrashPlaces places = TrashPlaces::ofProcess();
+        for (const std::string& path : paths)
+            all = moveToTrash(path, places).done() && all;
+        return all;
+    } catch (...) {
+        return false;
+    }
 }
 
 std::string TrashOutcome::explanation() const {

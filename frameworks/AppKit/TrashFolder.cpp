@@ -3,6 +3,7 @@
 
 #include "AppKit/MoveItem.h"
 #include "AppKit/TrashInfo.h"
+#include "CoreFoundation/DescriptorPath.h"
 #include "CoreFoundation/WholeContent.h"
 
 #include <cerrno>
@@ -72,13 +73,6 @@ size_t longestName(int folder) {
 
 }  // namespace
 
-std::string pathOf(int descriptor) {
-    char path[PATH_MAX];
-    std::string link = "/proc/self/fd/" + std::to_string(descriptor);
-    ssize_t length = readlink(link.c_str(), path, sizeof path);
-    return length > 0 ? std::string(path, static_cast<size_t>(length)) : std::string();
-}
-
 TrashFolder::TrashFolder(cf::Descriptor folder, std::string path, std::string top)
     : _path(std::move(path)),
       _top(std::move(top)),
@@ -91,7 +85,7 @@ std::optional<TrashFolder> TrashFolder::open(cf::Descriptor folder, std::string 
     *error = errno;
     if (!folder)
         return std::nullopt;
-    std::string path = pathOf(folder.get());
+    std::string path = cf::pathOfDescriptor(folder.get());
     TrashFolder trash(std::move(folder), std::move(path), std::move(top));
     *error = errno;
     if (!trash._files || !trash._info)
