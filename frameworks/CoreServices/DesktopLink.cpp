@@ -19,14 +19,6 @@ constexpr std::string_view kFolderIcons[] = {"folder",       "inode-directory", 
                                              "user-desktop", "gtk-directory",   "stock_folder"};
 constexpr std::string_view kDiskIcons[] = {"drive-", "media-", "gnome-dev-", "network-server"};
 
-bool startsWith(std::string_view text, std::string_view start) {
-    return text.substr(0, start.size()) == start;
-}
-
-bool endsWith(std::string_view text, std::string_view end) {
-    return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
-}
-
 std::string_view trimmed(std::string_view text) {
     size_t first = text.find_first_not_of(" \t\r");
     if (first == std::string_view::npos)
@@ -90,7 +82,7 @@ void take(Entry& entry, std::string_view key, std::string_view value) {
         entry.icon = value;
     else if (key == "Hidden")
         entry.deleted = value == "true";
-    else if (endsWith(key, "MimeType"))
+    else if (key.ends_with("MimeType"))
         entry.mimeTypes = value;
 }
 
@@ -118,7 +110,7 @@ Entry readEntry(std::string_view text) {
 template <size_t Count>
 bool startsWithAny(std::string_view text, const std::string_view (&starts)[Count]) {
     return std::any_of(std::begin(starts), std::end(starts),
-                       [text](std::string_view start) { return startsWith(text, start); });
+                       [text](std::string_view start) { return text.starts_with(start); });
 }
 
 AliasKind hintOf(const Entry& entry, bool onNetwork) {
@@ -126,7 +118,7 @@ AliasKind hintOf(const Entry& entry, bool onNetwork) {
     icon.remove_prefix(std::min(icon.size(), icon.rfind('/') + 1));
     if (startsWithAny(icon, kDiskIcons))
         return AliasKind::Disk;
-    bool folder = onNetwork || endsWith(entry.url, "/") || startsWithAny(icon, kFolderIcons) ||
+    bool folder = onNetwork || entry.url.ends_with("/") || startsWithAny(icon, kFolderIcons) ||
                   entry.mimeTypes.find("inode/directory") != std::string::npos;
     return folder ? AliasKind::Folder : AliasKind::File;
 }
@@ -147,7 +139,7 @@ bool isNetworkPlace(std::string_view url) {
     std::string scheme = schemeOf(url);
     bool known = std::find(std::begin(kNetworkSchemes), std::end(kNetworkSchemes), scheme) !=
                  std::end(kNetworkSchemes);
-    return known && startsWith(url.substr(scheme.size()), "://") &&
+    return known && url.substr(scheme.size()).starts_with("://") &&
            url.size() > scheme.size() + 3 && url.find('\0') == std::string_view::npos;
 }
 
@@ -164,7 +156,7 @@ std::string localPath(std::string_view url) {
     std::string path(url);
     if (schemeOf(url) == "file") {
         std::string_view rest = url.substr(5);
-        if (startsWith(rest, "//")) {
+        if (rest.starts_with("//")) {
             size_t slash = std::min(rest.find('/', 2), rest.size());
             if (!isThisHost(rest.substr(2, slash - 2)))
                 return {};
