@@ -91,10 +91,6 @@ private:
 constexpr ExtensionTable kExtensions;
 static_assert(kExtensions.contains(packed("JPG")) && !kExtensions.contains(packed("alias")));
 
-bool endsWith(std::string_view text, std::string_view end) {
-    return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
-}
-
 // Read from its end: extensions are short, and names are not.
 bool hasOrdinaryExtension(std::string_view name) {
     size_t longest = std::min(name.size(), kLongestExtension + 1);
@@ -215,7 +211,7 @@ std::optional<AliasContent> readMacAlias(const std::string& path, const RegularF
 bool mayBeAliasFile(std::string_view name, uint64_t size, Companion companion) {
     if (size > kLargestAlias)
         return false;
-    if (endsWith(name, kDesktopSuffix))
+    if (name.ends_with(kDesktopSuffix))
         return size > 0;
     if (size == 0 ? companion == Companion::Absent : size < kSmallestAlias)
         return false;
@@ -227,7 +223,7 @@ std::optional<AliasContent> readAliasFile(const std::string& path) {
     RegularFile file(path);
     if (!file.isOpen() || !mayBeAliasFile(leafOf(path), file.size()))
         return std::nullopt;
-    return endsWith(path, kDesktopSuffix) ? readDesktopLink(file) : readMacAlias(path, file);
+    return path.ends_with(kDesktopSuffix) ? readDesktopLink(file) : readMacAlias(path, file);
 }
 
 bool isAliasFile(const std::string& path) {

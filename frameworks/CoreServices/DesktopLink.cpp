@@ -23,10 +23,6 @@ bool startsWith(std::string_view text, std::string_view start) {
     return text.substr(0, start.size()) == start;
 }
 
-bool endsWith(std::string_view text, std::string_view end) {
-    return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
-}
-
 std::string_view trimmed(std::string_view text) {
     size_t first = text.find_first_not_of(" \t\r");
     if (first == std::string_view::npos)
@@ -90,7 +86,7 @@ void take(Entry& entry, std::string_view key, std::string_view value) {
         entry.icon = value;
     else if (key == "Hidden")
         entry.deleted = value == "true";
-    else if (endsWith(key, "MimeType"))
+    else if (key.ends_with("MimeType"))
         entry.mimeTypes = value;
 }
 
@@ -126,7 +122,7 @@ AliasKind hintOf(const Entry& entry, bool onNetwork) {
     icon.remove_prefix(std::min(icon.size(), icon.rfind('/') + 1));
     if (startsWithAny(icon, kDiskIcons))
         return AliasKind::Disk;
-    bool folder = onNetwork || endsWith(entry.url, "/") || startsWithAny(icon, kFolderIcons) ||
+    bool folder = onNetwork || entry.url.ends_with('/') || startsWithAny(icon, kFolderIcons) ||
                   entry.mimeTypes.find("inode/directory") != std::string::npos;
     return folder ? AliasKind::Folder : AliasKind::File;
 }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "CoreServices/StallingMount.h"
 
+#include "CoreServices/MostLinks.h"
+
 #include <algorithm>
 #include <climits>
 #include <string_view>
@@ -9,9 +11,6 @@
 namespace coreservices {
 
 namespace {
-
-// As many links as the kernel follows.
-constexpr int kMostLinks = 40;
 
 constexpr std::string_view kStallingTypes[] = {"9p",   "afs",  "autofs",    "ceph",  "cifs",
                                                "coda", "fuse", "fuseblk",   "davfs", "nfs",

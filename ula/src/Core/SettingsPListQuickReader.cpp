@@ -15,9 +15,9 @@ namespace {
 
 using Setting = SettingsBase::Setting;
 
-class QuickReader : private XmlCursor {
+class PListQuickReader : private XmlCursor {
 public:
-    explicit QuickReader(const xml::XmlText& text) : XmlCursor(text) {}
+    explicit PListQuickReader(const xml::XmlText& text) : XmlCursor(text) {}
 
     bool read(SettingsBase::GroupMap& settings) {
         return skipProlog() && take("<plist version=\"1.0\">") && readGroups(settings) &&
@@ -38,7 +38,7 @@ private:
 };
 
 /// The document type is one of the two that lists have had.
-bool QuickReader::skipProlog() {
+bool PListQuickReader::skipProlog() {
     if (!takeHere(xml::XmlWriter::kDeclaration) && rest().starts_with("<?"))
         return false;
     if (!take("<!DOCTYPE plist PUBLIC \"-//Apple"))
@@ -48,7 +48,7 @@ bool QuickReader::skipProlog() {
                     "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">");
 }
 
-bool QuickReader::readGroups(SettingsBase::GroupMap& settings) {
+bool PListQuickReader::readGroups(SettingsBase::GroupMap& settings) {
     if (take("<dict/>"))
         return true;
     if (!takeHere("<dict>"))
@@ -63,7 +63,7 @@ bool QuickReader::readGroups(SettingsBase::GroupMap& settings) {
     return true;
 }
 
-bool QuickReader::readKeys(SettingsBase::KeyMap& keys) {
+bool PListQuickReader::readKeys(SettingsBase::KeyMap& keys) {
     if (take("<dict/>"))
         return true;
     if (!takeHere("<dict>"))
@@ -79,7 +79,7 @@ bool QuickReader::readKeys(SettingsBase::KeyMap& keys) {
     return true;
 }
 
-bool QuickReader::readKey(FastString& name) {
+bool PListQuickReader::readKey(FastString& name) {
     std::string_view content;
     if (!take("<key>") || !readContent("</key>", content))
         return false;
@@ -87,7 +87,7 @@ bool QuickReader::readKey(FastString& name) {
     return true;
 }
 
-bool QuickReader::readSetting(Setting& setting) {
+bool PListQuickReader::readSetting(Setting& setting) {
     if (take("<integer>"))
         return readInteger(setting);
     if (takeHere("<true/>"))
@@ -110,7 +110,7 @@ bool QuickReader::readSetting(Setting& setting) {
 }
 
 /// The store has 32 bits for it: the lower ones.
-bool QuickReader::readInteger(Setting& setting) {
+bool PListQuickReader::readInteger(Setting& setting) {
     std::int64_t number = 0;
     const auto [stop, error] = std::from_chars(_next, _end, number);
     if (error != std::errc())
@@ -121,7 +121,7 @@ bool QuickReader::readInteger(Setting& setting) {
 }
 
 /// What begins with no digit may be infinite, or no number.
-bool QuickReader::readReal(Setting& setting) {
+bool PListQuickReader::readReal(Setting& setting) {
     double number = 0;
     const char* const digit = _next + (rest().starts_with('-') ? 1 : 0);
     if (digit >= _end || *digit < '0' || *digit > '9')
@@ -134,7 +134,7 @@ bool QuickReader::readReal(Setting& setting) {
     return takeHere("</real>");
 }
 
-bool QuickReader::readStringArray(Setting& setting) {
+bool PListQuickReader::readStringArray(Setting& setting) {
     std::vector<FastString> texts;
     std::string_view content;
     while (!take("</array>")) {
@@ -148,7 +148,7 @@ bool QuickReader::readStringArray(Setting& setting) {
     return true;
 }
 
-bool QuickReader::readContent(std::string_view end, std::string_view& content) {
+bool PListQuickReader::readContent(std::string_view end, std::string_view& content) {
     char* const begin = _next;
     while (_next < _end && *_next != '<' && *_next != '&')
         ++_next;
@@ -158,7 +158,7 @@ bool QuickReader::readContent(std::string_view end, std::string_view& content) {
 
 /// Goes on where the first reference stands, decoding in place: a reference is never shorter than
 /// its character.
-bool QuickReader::decodeRest(char* begin, std::string_view& content) {
+bool PListQuickReader::decodeRest(char* begin, std::string_view& content) {
     char* out = _next;
     while (_next < _end && *_next != '<') {
         if (*_next != '&') {
@@ -185,7 +185,7 @@ bool readPropertyListQuickly(const FastString& path, SettingsBase::GroupMap& set
         xml::findInvalidCharacter(text.view()) != FastString::npos)
         return false;
     SettingsBase::GroupMap read;
-    if (!QuickReader(text).read(read))
+    if (!PListQuickReader(text).read(read))
         return false;
     settings.swap(read);
     return true;

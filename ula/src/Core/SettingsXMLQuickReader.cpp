@@ -24,9 +24,9 @@ constexpr std::array<bool, 256> kSpecial = [] {
     return bytes;
 }();
 
-class QuickReader : private XmlCursor {
+class XMLQuickReader : private XmlCursor {
 public:
-    explicit QuickReader(const xml::XmlText& text) : XmlCursor(text) {}
+    explicit XMLQuickReader(const xml::XmlText& text) : XmlCursor(text) {}
 
     bool read() { return skipDeclaration() && take("<settings>") && readGroups() && atEnd(); }
     void mergeInto(SettingsBase::GroupMap& settings) {
@@ -54,18 +54,18 @@ private:
     std::vector<Group> _groups;
 };
 
-bool QuickReader::skipDeclaration() {
+bool XMLQuickReader::skipDeclaration() {
     return takeHere(xml::XmlWriter::kDeclaration) || !takeHere("<?");
 }
 
-bool QuickReader::readGroups() {
+bool XMLQuickReader::readGroups() {
     while (!take("</settings>"))
         if (!readGroup())
             return false;
     return true;
 }
 
-bool QuickReader::readGroup() {
+bool XMLQuickReader::readGroup() {
     std::string_view name;
     if (!takeHere("<group name=") || !readAttributeValue(name))
         return false;
@@ -82,7 +82,7 @@ bool QuickReader::readGroup() {
     return true;
 }
 
-bool QuickReader::readKey(SettingsBase::KeyMap& keys) {
+bool XMLQuickReader::readKey(SettingsBase::KeyMap& keys) {
     std::string_view name;
     std::string_view typeText;
     if (!takeHere("<key name=") || !readAttributeValue(name) || !takeHere(" type=") ||
@@ -108,7 +108,7 @@ bool parse(std::string_view text, Number& number) {
     return error == std::errc() && stop == end;
 }
 
-bool QuickReader::readSetting(SettingsType type, Setting& setting) {
+bool XMLQuickReader::readSetting(SettingsType type, Setting& setting) {
     if (type == SETTINGSTYPE_STRING_ARRAY)
         return readStringArray(setting);
     std::string_view value;
@@ -132,7 +132,7 @@ bool QuickReader::readSetting(SettingsType type, Setting& setting) {
     }
 }
 
-bool QuickReader::readStringArray(Setting& setting) {
+bool XMLQuickReader::readStringArray(Setting& setting) {
     std::vector<FastString> texts;
     std::string_view value;
     skipBlanks();
@@ -147,11 +147,11 @@ bool QuickReader::readStringArray(Setting& setting) {
     return true;
 }
 
-bool QuickReader::readValue(std::string_view& value) {
+bool XMLQuickReader::readValue(std::string_view& value) {
     return take("<value value=") && readAttributeValue(value) && takeHere("/>");
 }
 
-bool QuickReader::readAttributeValue(std::string_view& value) {
+bool XMLQuickReader::readAttributeValue(std::string_view& value) {
     if (!takeHere("\""))
         return false;
     char* const begin = _next;
@@ -163,7 +163,7 @@ bool QuickReader::readAttributeValue(std::string_view& value) {
 
 /// Goes on where the first reference stands, decoding in place: a reference is never shorter than
 /// its character.
-bool QuickReader::decodeRest(char* begin, std::string_view& value) {
+bool XMLQuickReader::decodeRest(char* begin, std::string_view& value) {
     char* out = _next;
     while (_next < _end && *_next != '"') {
         if (!kSpecial[static_cast<unsigned char>(*_next)]) {
@@ -192,7 +192,7 @@ bool readSettingsQuickly(const FastString& path, SettingsBase::GroupMap& setting
     if (!xml::readXmlFile(path, text, ignored) ||
         xml::findInvalidCharacter(text.view()) != FastString::npos)
         return false;
-    QuickReader reader(text);
+    XMLQuickReader reader(text);
     if (!reader.read())
         return false;
     reader.mergeInto(settings);
