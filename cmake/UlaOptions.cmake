@@ -11,7 +11,8 @@ option(ULA_BUILD_EXAMPLES "Build the examples" ON)
 option(ULA_BUILD_BENCHMARKS "Build the benchmarks and their peers" OFF)
 option(ULA_BUILD_FUZZERS "Build the fuzz targets (clang only)" OFF)
 option(ULA_PRECOMPILE_HEADERS "Compile what most sources include once for all, with clang" OFF)
-option(ULA_COMPILE_TOGETHER "Compile a dozen of a library's sources at a time: for one build" OFF)
+option(ULA_COMPILE_TOGETHER "Compile a dozen of a library's sources at a time: for one build"
+       $ENV{ULA_COMPILE_TOGETHER})
 option(ULA_WARNINGS_AS_ERRORS "Treat warnings as errors" OFF)
 set(ULA_SANITIZE "" CACHE STRING "Sanitizers to build with, e.g. address,undefined or thread")
 
