@@ -9,6 +9,7 @@
 #include <QFileSystemWatcher>
 #include <QTimer>
 #include <csignal>
+#include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
 #include <gio/gio.h>
@@ -108,9 +109,12 @@ class Inotifywait {
 public:
     Inotifywait(const std::string& top, TreeReport& report) : _report(report) {
         int messages[2];
-        if (pipe2(_lines, O_CLOEXEC) != 0 || pipe2(messages, O_CLOEXEC) != 0)
+        // A contestant that fails ends by itself; killing "process -1" would end all others.
+        if (pipe2(_lines, O_CLOEXEC) != 0 || pipe2(messages, O_CLOEXEC) != 0 ||
+            (_process = fork()) < 0) {
             perror("inotifywait");
-        _process = fork();
+            std::abort();
+        }
         if (_process == 0)
             run(top, messages[1]);
         close(_lines[1]);
