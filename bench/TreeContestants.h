@@ -205,16 +205,7 @@ public:
             g_object_unref(monitor);
     }
 
-    void serve() {
-        GMainLoop* const loop = g_main_loop_new(nullptr, FALSE);
-        const auto quit = [](gpointer held) -> gboolean {
-            g_main_loop_quit(static_cast<GMainLoop*>(held));
-            return G_SOURCE_REMOVE;
-        };
-        g_timeout_add(static_cast<guint>(kMoment.count()), quit, loop);
-        g_main_loop_run(loop);
-        g_main_loop_unref(loop);
-    }
+    void serve() { runGLibFor(kMoment); }
     double bytes() const { return residentBytes(); }
 
 private:
