@@ -3,6 +3,7 @@
 // the same card, a disk image. Each contestant starts with an empty folder. gphoto2 and cp leave
 // the pictures in the system's memory: "+sync" has them on the disk, where ours are when it is
 // done. Needs root.
+#include "bench/ScratchFolder.h"
 #include "tests/support/Mounts.h"
 #include "ula/ImportSession.h"
 
@@ -35,9 +36,10 @@ void run(const std::string& command) {
 
 class Card : public tav::test::Mounted {
 public:
-    Card(const std::string& name, int count, std::size_t size, const fs::path& folder)
+    Card(const std::string& name, int count, std::size_t size,
+         const tav::bench::ScratchFolder& folder)
         : Mounted("/Volumes/" + name), _name(name) {
-        const std::string image = (folder / name).string();
+        const std::string image = folder / name;
         run("truncate -s 600M " + image + " && mkfs.ext4 -q " + image);
         run("mount -o loop " + image + " " + _point);
         fs::create_directories(_point + "/DCIM/100BENCH");
@@ -63,12 +65,10 @@ struct World {
     World() {
         if (!kNoMounts.empty())
             throw std::runtime_error("needs root: " + kNoMounts);
-        fs::create_directories(folder);
     }
-    ~World() { fs::remove_all(folder); }
 
-    fs::path folder = fs::temp_directory_path() / ("ula-cameras-" + std::to_string(getpid()));
-    Card large{"Large", kPictures, kPictureSize, (fs::create_directories(folder), folder)};
+    const tav::bench::ScratchFolder folder{fs::temp_directory_path()};
+    Card large{"Large", kPictures, kPictureSize, folder};
     Card many{"Many", kListed, 100, folder};
 };
 
