@@ -83,6 +83,14 @@ TEST_F(CamerasTool, ImportsByNameIntoFoldersOfDays) {
     EXPECT_TRUE(fs::exists(folder / "Pictures/2009/03-15/IMG_1.JPG"));
 }
 
+TEST_F(CamerasTool, FoldersNamesAndDatesMayBeginWithBrackets) {
+    fs::rename(folder.path() / "camera/DCIM/100TEST/IMG_1.JPG",
+               folder.path() / "camera/DCIM/100TEST/[1].JPG");
+    const ToolResult result =
+        onCamera({"import", "[New]", "--name", "[1].JPG", "--dates", "[%Y]", "--json"});
+    EXPECT_THAT(result.output, HasSubstr("\"path\":\"[New]/[2009]/[1].JPG\""));
+}
+
 TEST_F(CamerasTool, TellsEachFileAsJson) {
     const ToolResult result = onCamera({"import", "Pictures", "--name", "IMG_1.JPG", "--json"});
     EXPECT_THAT(

@@ -119,6 +119,18 @@ TEST_F(TrashTool, ReceiptsOfALaterVersionAreRefused) {
                  "     restore them with the ula that wrote them\n");
 }
 
+TEST_F(TrashTool, NamesMayLookLikeLists) {
+    for (const char* const name : {"[a,b]", "{}", "[half"})
+        write(name, name);
+    write("[gone].json", run({"trash", "[a,b]", "{}", "[half", "--json"}).output);
+    expectResult(run({"trash", "--restore", "[gone].json"}), 0,
+                 (folder / "[a,b]") + "\n" + (folder / "{}") + "\n" + (folder / "[half") + "\n",
+                 "");
+    EXPECT_EQ(read("[a,b]"), "[a,b]");
+    run({"trash", "[a,b]"});
+    expectResult(run({"trash", "--restore-path=[a,b]"}), 0, (folder / "[a,b]") + "\n", "");
+}
+
 TEST_F(TrashTool, WhatHasTakenAPlaceStays) {
     write("one.txt", "old");
     const std::string receipts = run({"trash", "one.txt", "--json"}).output;

@@ -102,6 +102,12 @@ TEST_F(ScreensTool, DrawingAndJsonGoTogether) {
     EXPECT_TRUE(Picture(folder / "desk.png").exists());
 }
 
+TEST_F(ScreensTool, ThePicturesNameMayBeginWithABracket) {
+    const DisplayServer server("800x600x24");
+    EXPECT_EQ(run({"screens", "--draw", "[desk].png"}).code, 0);
+    EXPECT_TRUE(Picture(folder / "[desk].png").exists());
+}
+
 TEST_F(ScreensTool, PictureThatCannotBeWrittenIsTold) {
     const DisplayServer server("800x600x24");
     const ToolResult result = run({"screens", "--draw", "missing/desk.png"});

@@ -32,6 +32,11 @@ TEST_F(SettingsToolError, WrongUsageIsExitCodeTwo) {
     EXPECT_TRUE(folder.names().empty());
 }
 
+TEST_F(SettingsToolError, AnArgumentThatLooksLikeAListIsQuotedAsItIs) {
+    expectUsageError({"settings", "a.xml", "[frob]"},
+                     "The following argument was not expected: [frob]");
+}
+
 TEST_F(SettingsToolError, AValueThatDoesNotFitIsRefused) {
     settings({"a.xml", "set", "G", "k", "1"});
     const std::string before = read("a.xml");

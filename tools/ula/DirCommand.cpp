@@ -3,7 +3,6 @@
 
 #include "tools/ula/DisplayText.h"
 #include "tools/ula/JsonOutput.h"
-#include "tools/ula/SettingsCommand.h"
 #include "tools/ula/StandardOutput.h"
 #include "tools/ula/Terminal.h"
 #include "tools/ula/Translation.h"
@@ -202,8 +201,7 @@ void addDirCommand(CLI::App& program, ExitCode& result) {
     const auto options = std::make_shared<Options>();
     CLI::App* const dir =
         program.add_subcommand("dir", translated("List a folder as a folder browser sees it"));
-    dir->add_option("PATH", options->path, translated("The folder; this one when not given"))
-        ->transform(&unprotectArgument);
+    dir->add_option("PATH", options->path, translated("The folder; this one when not given"));
     dir->add_flag("-a,--all", options->all, translated("Hidden items too"));
     dir->add_flag("-R,--recursive", options->recursive, translated("What is in its folders, too"));
     dir->add_flag("--sort", options->sorted, translated("In the Finder's order"));

@@ -4,7 +4,6 @@
 #include "tools/ula/DisplayText.h"
 #include "tools/ula/JsonOutput.h"
 #include "tools/ula/SecretInput.h"
-#include "tools/ula/SettingsCommand.h"
 #include "tools/ula/StandardOutput.h"
 #include "tools/ula/Translation.h"
 #include "tools/ula/Warnings.h"
@@ -260,14 +259,11 @@ CLI::App* addAction(CLI::App* secret, const char* name, const char* text, Run ru
 void addItemOptions(CLI::App* action, const std::shared_ptr<Options>& options) {
     action->add_option("NAME", options->name, translated("What the secret is for"))
         ->required()
-        ->transform(&unprotectArgument)
         ->check([](const std::string& name) {
             return name.empty() ? translated("NAME is empty") : "";
         });
-    action->add_option("--account", options->account, translated("Whose password; a note without"))
-        ->transform(&unprotectArgument);
-    action->add_option("--qualifier", options->qualifier, translated("The application's own"))
-        ->transform(&unprotectArgument);
+    action->add_option("--account", options->account, translated("Whose password; a note without"));
+    action->add_option("--qualifier", options->qualifier, translated("The application's own"));
 }
 
 void addItemActions(CLI::App* secret, const std::shared_ptr<Options>& options, ExitCode& result) {
@@ -298,15 +294,13 @@ void addSecretCommand(CLI::App& program, ExitCode& result) {
     CLI::App* const lister =
         addAction(secret, "list", translatable("List names"), list, options, result);
     lister->add_flag("--json", options->asJson, translated("As JSON"));
-    lister
-        ->add_option_function<std::string>(
-            "--qualifier",
-            [options](const std::string& qualifier) {
-                options->qualifier = qualifier;
-                options->hasQualifier = true;
-            },
-            translated("Only names with it"))
-        ->transform(&unprotectArgument);
+    lister->add_option_function<std::string>(
+        "--qualifier",
+        [options](const std::string& qualifier) {
+            options->qualifier = qualifier;
+            options->hasQualifier = true;
+        },
+        translated("Only names with it"));
     addAction(secret, "where", translatable("Show where secrets are kept"), where, options, result)
         ->add_flag("--json", options->asJson, translated("As JSON"));
     addAction(secret, "move", translatable("Move every item to one keychain"), move, options,

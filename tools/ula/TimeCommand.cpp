@@ -4,7 +4,6 @@
 #include "tools/ula/DisplayText.h"
 #include "tools/ula/ExifDate.h"
 #include "tools/ula/JsonOutput.h"
-#include "tools/ula/SettingsCommand.h"
 #include "tools/ula/TextTable.h"
 #include "tools/ula/Translation.h"
 #include "ula/ULATime.h"
@@ -168,9 +167,7 @@ void addTimeCommand(CLI::App& program, ExitCode& result) {
     const auto options = std::make_shared<Options>();
     CLI::App* const time = program.add_subcommand(
         "time", translated("Show when pictures were taken, and files were made and changed"));
-    time->add_option("FILE", options->files, translated("Pictures and other files"))
-        ->transform(&unprotectArgument)
-        ->required();
+    time->add_option("FILE", options->files, translated("Pictures and other files"))->required();
     time->add_flag("--json", options->asJson, translated("As JSON"));
     time->callback([options, &result] { result = run(*options); });
     time->footer(translated(kHelp));

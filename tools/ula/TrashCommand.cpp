@@ -3,7 +3,6 @@
 
 #include "tools/ula/DisplayText.h"
 #include "tools/ula/JsonOutput.h"
-#include "tools/ula/SettingsCommand.h"
 #include "tools/ula/StandardOutput.h"
 #include "tools/ula/Translation.h"
 #include "ula/RecycleBin.h"
@@ -182,8 +181,7 @@ void addTrashCommand(CLI::App& program, ExitCode& result) {
     CLI::App* const trash = program.add_subcommand(
         "trash", translated("Move files and folders to the trash, and back"));
     CLI::Option* const files =
-        trash->add_option("FILE", options->files, translated("What is to go"))
-            ->transform(&unprotectArgument);
+        trash->add_option("FILE", options->files, translated("What is to go"));
     trash->add_flag("--json", options->asJson, translated("Print receipts, as JSON"));
     CLI::Option* const receipts =
         trash
@@ -194,7 +192,6 @@ void addTrashCommand(CLI::App& program, ExitCode& result) {
     trash
         ->add_option("--restore-path", options->paths,
                      translated("Put back what was trashed last from these paths"))
-        ->transform(&unprotectArgument)
         ->type_name("PATH")
         ->excludes(files)
         ->excludes(receipts);

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tools/ula/ArgumentProtection.h"
 #include "tools/ula/CamerasCommand.h"
 #include "tools/ula/CompletionCommand.h"
 #include "tools/ula/DirCommand.h"
@@ -79,7 +80,7 @@ ExitCode run(CLI::App& program, const std::vector<std::string>& arguments, const
     } catch (const CLI::Success& success) {
         program.exit(success);  // help and version
     } catch (const CLI::ParseError& error) {
-        return tell({ExitUsage, translatedMessage(error), hintFor(error.what())});
+        return tell({ExitUsage, unprotectMessage(translatedMessage(error)), hintFor(error.what())});
     }
     finishOutput();
     return result;
@@ -115,6 +116,7 @@ int main(int argc, char** argv) {
     addVolumesCommand(program, result);
     addWatchCommand(program, result);
     addCompletionCommand(program, result);
+    unprotectOptions(program);
     // Last, as those that are added take over what stands there.
     program.footer(translated(kHelp));
     try {
