@@ -109,6 +109,13 @@ TEST_F(SettingsToolError, OddValuesAreReadAsZeroWithAWarning) {
                  "ula: a.xml: warning: \"abc\" is not an int in group \"G\", key \"k\"\n");
 }
 
+TEST_F(SettingsToolError, OddValuesAreWarnedOfOnceByUnset) {
+    write("a.xml", "<settings><group name=\"G\"><key name=\"k\" type=\"int\"><value "
+                   "value=\"abc\"/></key></group></settings>");
+    expectResult(settings({"a.xml", "unset", "G", "k"}), 0, "",
+                 "ula: a.xml: warning: \"abc\" is not an int in group \"G\", key \"k\"\n");
+}
+
 TEST_F(SettingsToolError, WhatXmlCannotCarryIsExitCodeFour) {
     settings({"a.xml", "set", "G", "k", "1"});
     const std::string before = read("a.xml");
