@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "tools/ula/CamerasCommand.h"
 
+#include "tools/ula/ByteText.h"
 #include "tools/ula/CameraChoice.h"
 #include "tools/ula/CameraImport.h"
 #include "tools/ula/DisplayText.h"
 #include "tools/ula/JsonOutput.h"
 #include "tools/ula/StandardOutput.h"
-#include "tools/ula/TransferBar.h"
 #include "tools/ula/Translation.h"
 
 #include <CLI/CLI.hpp>
@@ -71,7 +71,7 @@ ExitCode listDevices(const Options& options) {
 
 void printFile(const ImportObject& object, bool asJson) {
     if (!asJson) {
-        print(padded(byteText(object.size), 11) + padded(dateText(object.modified), 21) +
+        print(padded(decimalByteText(object.size), 11) + padded(dateText(object.modified), 21) +
               displayText(pathOf(object)) + "\n");
         return;
     }
