@@ -119,6 +119,18 @@ TEST_F(TrashTool, ReceiptsOfALaterVersionAreRefused) {
                  "     restore them with the ula that wrote them\n");
 }
 
+TEST_F(TrashTool, AWorkingFolderThatHasGoneIsTold) {
+    const fs::path before = fs::current_path();
+    fs::create_directory(folder / "gone");
+    fs::current_path(folder / "gone");
+    fs::remove(folder / "gone");
+    const ToolResult trash = runTool(".", {"trash", "one.txt"});
+    const ToolResult dir = runTool(".", {"dir"});
+    fs::current_path(before);
+    expectResult(trash, 3, "", "ula: one.txt: No such file or directory\n");
+    expectResult(dir, 3, "", "ula: .: No such file or directory\n");
+}
+
 TEST_F(TrashTool, NamesMayLookLikeLists) {
     for (const char* const name : {"[a,b]", "{}", "[half"})
         write(name, name);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tools/ula/DirCommand.h"
 
+#include "tools/ula/AbsolutePath.h"
 #include "tools/ula/DisplayText.h"
 #include "tools/ula/JsonOutput.h"
 #include "tools/ula/StandardOutput.h"
@@ -43,7 +44,7 @@ struct Options {
 
 /// The path as the library names it. Fails: throws where the start-up disk has no name.
 std::string modelPath(const std::string& path) {
-    const std::string absolute = fs::absolute(path).lexically_normal();
+    const std::string absolute = fs::path(absolutePath(path)).lexically_normal();
     if (absolute.compare(0, 9, "/Volumes/") == 0 || absolute == "/Volumes")
         return absolute;
     const std::string disk = "/Volumes/" + ula::NSPathUtilNameSpace::nameForRootDisk();

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tools/ula/TrashCommand.h"
 
+#include "tools/ula/AbsolutePath.h"
 #include "tools/ula/DisplayText.h"
 #include "tools/ula/JsonOutput.h"
 #include "tools/ula/StandardOutput.h"
@@ -9,7 +10,6 @@
 
 #include <CLI/CLI.hpp>
 #include <cstdio>
-#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <iterator>
@@ -61,10 +61,6 @@ Json jsonOf(const RecycleBinResult& result) {
     json["trashed"] = receipt.trashedPath.toStdString();
     json["identity"] = receipt.identity.toStdString();
     return json;
-}
-
-std::string absolutePath(const std::string& path) {
-    return std::filesystem::absolute(path).string();
 }
 
 ExitCode put(const Options& options) {

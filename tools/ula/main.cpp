@@ -24,6 +24,7 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdio>
+#include <exception>
 #include <memory>
 #include <new>
 
@@ -125,5 +126,8 @@ int main(int argc, char** argv) {
         return tell(error);
     } catch (const std::bad_alloc&) {
         return tell({ExitCannotRead, translated("there is not enough memory for this file")});
+    } catch (const std::exception& exception) {
+        // What no command foresaw: even so a line and an exit code, not a core file.
+        return tell({ExitCannotRead, exception.what()});
     }
 }
