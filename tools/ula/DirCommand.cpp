@@ -64,7 +64,7 @@ public:
     }
     bool tell(std::size_t found) {
         constexpr std::size_t kWorthTelling = 20'000;
-        if (found < kWorthTelling || isatty(STDERR_FILENO) == 0)
+        if (found < kWorthTelling || !isTerminal(STDERR_FILENO))
             return true;
         _isShown = true;
         const std::string text = translated("listing: %1 items", std::to_string(found));

@@ -4,6 +4,7 @@
 #include "tools/ula/ByteText.h"
 #include "tools/ula/DisplayText.h"
 #include "tools/ula/JsonOutput.h"
+#include "tools/ula/StandardOutput.h"
 #include "tools/ula/TextTable.h"
 #include "tools/ula/Translation.h"
 
@@ -12,7 +13,6 @@
 #include <CLI/CLI.hpp>
 #include <CoreServices/MountLookup.h>
 #include <CoreServices/Volumes.h>
-#include <cstdio>
 #include <memory>
 #include <nlohmann/json.hpp>
 
@@ -88,13 +88,11 @@ void tellOfNameless() {
     std::string nameless;
     for (const coreservices::VolumeEntry& entry : coreservices::Volumes().list(*mounts))
         if (entry.state == coreservices::VolumeState::Missing && entry.target != "/")
-            nameless += (nameless.empty() ? "" : ", ") + displayText(entry.target);
+            nameless += (nameless.empty() ? "" : ", ") + entry.target;
     if (nameless.empty())
         return;
-    const std::string message =
-        translated("not listed, as without a name in /Volumes: %1", nameless);
-    const std::string cure = translated("'sudo ula volumes --mend' gives them names");
-    std::fprintf(stderr, "ula: %s\n     %s\n", message.c_str(), cure.c_str());
+    printError(translated("not listed, as without a name in /Volumes: %1", nameless),
+               translated("'sudo ula volumes --mend' gives them names"));
 }
 
 ExitCode run(bool asJson) {

@@ -4,6 +4,7 @@
 #include "tools/ula/DisplayText.h"
 #include "tools/ula/ExifDate.h"
 #include "tools/ula/JsonOutput.h"
+#include "tools/ula/StandardOutput.h"
 #include "tools/ula/TextTable.h"
 #include "tools/ula/Translation.h"
 #include "ula/ULATime.h"
@@ -155,8 +156,7 @@ ExitCode run(const Options& options) {
         if (times.error.empty())
             continue;
         code = ExitCannotRead;
-        std::fflush(stdout);
-        std::fprintf(stderr, "ula: %s: %s\n", displayText(times.path).c_str(), times.error.c_str());
+        printError(times.path + ": " + times.error);
     }
     return code;
 }

@@ -9,7 +9,6 @@
 #include "ula/RecycleBin.h"
 
 #include <CLI/CLI.hpp>
-#include <cstdio>
 #include <fstream>
 #include <iostream>
 #include <iterator>
@@ -47,8 +46,7 @@ std::string textOf(const FastString& text) {
 }
 
 void report(const RecycleBinResult& result, const FastString& item) {
-    std::fflush(stdout);
-    std::fprintf(stderr, "ula: %s: %s\n", textOf(item).c_str(), textOf(result.error).c_str());
+    printError(item.toStdString() + ": " + result.error.toStdString());
 }
 
 Json jsonOf(const RecycleBinResult& result) {

@@ -3,7 +3,6 @@
 #include "tools/ula/CamerasCommand.h"
 #include "tools/ula/CompletionCommand.h"
 #include "tools/ula/DirCommand.h"
-#include "tools/ula/DisplayText.h"
 #include "tools/ula/DoctorCommand.h"
 #include "tools/ula/DrivesCommand.h"
 #include "tools/ula/FoldersCommand.h"
@@ -23,7 +22,6 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <cstdio>
 #include <exception>
 #include <memory>
 #include <new>
@@ -55,10 +53,7 @@ Exit codes: 0 done; 1 different, or not there; 2 wrong usage;
 3 a file cannot be read; 4 a file cannot be written.)");
 
 ExitCode tell(const CommandError& error) {
-    std::fflush(stdout);
-    std::fprintf(stderr, "ula: %s\n", displayText(error.message).c_str());
-    if (!error.hint.empty())
-        std::fprintf(stderr, "     %s\n", displayText(error.hint).c_str());
+    printError(error.message, error.hint);
     return error.code;
 }
 
