@@ -47,11 +47,12 @@ protected:
 };
 
 TEST_F(CamerasTool, NothingConnectedIsSaidWithWhatToDo) {
-    expectResult(cameras({}), 1, "",
-                 "ula: no camera and no memory card is connected\n"
-                 "     switch the camera on and choose its transfer mode; a card has to be mounted "
-                 "and have a folder DCIM\n");
-    expectResult(cameras({"--json"}), 0, "{\n  \"version\": 1,\n  \"devices\": []\n}\n", "");
+    const std::string errors =
+        "ula: no camera and no memory card is connected\n"
+        "     switch the camera on and choose its transfer mode; a card has to be mounted "
+        "and have a folder DCIM\n";
+    expectResult(cameras({}), 1, "", errors);
+    expectResult(cameras({"--json"}), 1, "{\n  \"version\": 1,\n  \"devices\": []\n}\n", errors);
 }
 
 TEST_F(CamerasTool, ListsWhatIsConnected) {

@@ -64,8 +64,8 @@ ExitCode listDevices(const Options& options) {
     }
     if (options.asJson)
         printJson("devices", std::move(list));
-    else if (devices.empty())
-        chooseCamera(devices, {});
+    if (devices.empty())
+        chooseCamera(devices, {});  // for its message
     return ExitOk;
 }
 
