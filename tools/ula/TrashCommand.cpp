@@ -91,10 +91,7 @@ std::string readAll(const std::string& path) {
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
-/// Of the first releases, which had no version, the list alone.
 const Json& listOf(const Json& receipts, const std::string& path) {
-    if (receipts.is_array())
-        return receipts;
     if (receipts.at("version") != kJsonVersion)
         throw CommandError{ExitCannotRead,
                            translated("%1: the version of these receipts is not known", path),
