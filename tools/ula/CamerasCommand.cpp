@@ -131,7 +131,7 @@ void addCamerasCommand(CLI::App& program, ExitCode& result) {
         addVerb(cameras, "import", translatable("Bring files over into a folder"), options);
     for (CLI::App* const verb : {files, import})
         verb->add_option("--device", options->device, translated("Its name or number"));
-    import->add_option("folder", options->import.folder, translated("Where to; made if need be"))
+    import->add_option("FOLDER", options->import.folder, translated("Where to; made if need be"))
         ->required();
     import
         ->add_option("--name", options->import.names,
