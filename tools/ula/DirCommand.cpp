@@ -108,10 +108,9 @@ const char* kindOf(const Dir& node) {
 
 /// Of any kind, as lines are printed before the others are known.
 std::size_t kindWidth() {
-    std::size_t width = 10;
-    for (const char* const kind : {kVolume, kLostAlias, kAlias, kLink, kFolder, kFile})
-        width = std::max(width, displayWidth(translated(kind)));
-    return width + 2;
+    constexpr const char* kKinds[] = {kVolume, kLostAlias, kAlias, kLink, kFolder, kFile};
+    constexpr std::size_t kLeast = 10;
+    return std::max(kLeast, widestOf(kKinds, [](auto kind) { return translated(kind); })) + 2;
 }
 
 /// The name, or the last component of a path that is no text.

@@ -146,10 +146,7 @@ constexpr const char* kService = translatable("secret service");
 constexpr const char* kFile = translatable("encrypted file");
 
 std::size_t kindWidth(std::initializer_list<const char*> kinds) {
-    std::size_t width = 0;
-    for (const char* const kind : kinds)
-        width = std::max(width, displayWidth(translated(kind)));
-    return width + 2;
+    return widestOf(kinds, [](const char* kind) { return translated(kind); }) + 2;
 }
 
 void printNames(const std::vector<KeychainItemName>& names) {

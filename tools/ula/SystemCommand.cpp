@@ -12,7 +12,6 @@
 #include <ula/SystemInformation.h>
 
 #include <CLI/CLI.hpp>
-#include <algorithm>
 #include <memory>
 #include <nlohmann/json.hpp>
 
@@ -106,11 +105,9 @@ using Line = std::pair<std::string, std::string>;
 
 void printLines(const std::vector<Line>& lines) {
     const Colours colours = outputColours();
-    std::size_t width = 0;
-    for (const Line& line : lines)
-        width = std::max(width, displayWidth(line.first));
+    const std::size_t width = widestOf(lines, [](const Line& line) { return line.first; }) + 2;
     for (const auto& [name, text] : lines)
-        print(colours.bold + padded(name, width + 2) + colours.plain + text + "\n");
+        print(colours.bold + padded(name, width) + colours.plain + text + "\n");
 }
 
 void printText(const Facts& facts) {
