@@ -79,32 +79,27 @@ private:
     std::string _message;
 };
 
-ExitCode add(const Options& options) {
+/// Asks for the secret, and hands it to `keep`, which takes an account before it or none.
+template <class Keep>
+ExitCode store(const Options& options, const Keep& keep) {
     const Secret secret(readSecret());
     const FastString text = FastString::borrow(secret.text());
     const KeychainLog log;
-    const bool isDone =
-        options.isNote()
-            ? ula::addToKeychain(FastString(options.name), text, FastString(options.qualifier))
-            : ula::addToKeychain(FastString(options.name), FastString(options.account), text,
-                                 FastString(options.qualifier));
+    const FastString name(options.name);
+    const FastString qualifier(options.qualifier);
+    const bool isDone = options.isNote() ? keep(name, text, qualifier)
+                                         : keep(name, FastString(options.account), text, qualifier);
     if (!isDone)
         log.fail(options, ExitCannotWrite);
     return ExitOk;
 }
 
+ExitCode add(const Options& options) {
+    return store(options, [](const auto&... texts) { return ula::addToKeychain(texts...); });
+}
+
 ExitCode edit(const Options& options) {
-    const Secret secret(readSecret());
-    const FastString text = FastString::borrow(secret.text());
-    const KeychainLog log;
-    const bool isDone =
-        options.isNote()
-            ? ula::editKeychain(FastString(options.name), text, FastString(options.qualifier))
-            : ula::editKeychain(FastString(options.name), FastString(options.account), text,
-                                FastString(options.qualifier));
-    if (!isDone)
-        log.fail(options, ExitCannotWrite);
-    return ExitOk;
+    return store(options, [](const auto&... texts) { return ula::editKeychain(texts...); });
 }
 
 ExitCode get(const Options& options) {
