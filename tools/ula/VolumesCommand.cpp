@@ -87,13 +87,13 @@ void mend(const Volumes& volumes, const std::vector<Mount>& mounts) {
 
 ExitCode run(const Options& options) {
     const Volumes volumes(options.folder);
-    const std::vector<Mount> mounts = reachableMounts(parseMountInfo(readMountInfo()));
+    const MountList mounts = currentMounts();
     if (options.mend)
-        mend(volumes, mounts);
+        mend(volumes, *mounts);
     else if (options.asJson)
-        printAsJson(volumes.list(mounts));
+        printAsJson(volumes.list(*mounts));
     else
-        printList(volumes.list(mounts));
+        printList(volumes.list(*mounts));
     return ExitOk;
 }
 
