@@ -108,8 +108,7 @@ ExitCode resultOf(const std::vector<ImportedFile>& files) {
         return file.result == ImportResult::Failed;
     });
     if (failed != files.end()) {
-        const bool isWriting = failed->error.starts_with("cannot write") ||
-                               failed->error.starts_with("cannot replace");
+        const bool isWriting = failed->failure == ImportFailure::Target;
         throw CommandError{isWriting ? ExitCannotWrite : ExitCannotRead,
                            failed->object.name + ": " + failed->error,
                            translated("the same command brings over what is left to do")};
