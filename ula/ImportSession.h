@@ -56,9 +56,17 @@ enum class ImportResult {
     Cancelled,
 };
 
+/// Where it failed.
+enum class ImportFailure {
+    None,
+    Source,  ///< the device did not give the file
+    Target,  ///< it could not be written here, or did not come back from the disk as it was
+};
+
 struct ImportedFile {
     ImportObject object;
     ImportResult result = ImportResult::Failed;
+    ImportFailure failure = ImportFailure::None;
     std::string path;   ///< where it is now; empty unless it was imported or there
     std::string error;  ///< why it failed
 };

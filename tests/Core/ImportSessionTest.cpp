@@ -198,6 +198,8 @@ TEST_F(Import, FileThatCannotBeReadFailsAndTheNextOneArrives) {
     const auto files = import();
     EXPECT_THAT(resultsOf(files), ElementsAre(ImportResult::Failed, ImportResult::Imported));
     EXPECT_EQ(files[0].error, "it is worn out");
+    EXPECT_EQ(files[0].failure, ImportFailure::Source);
+    EXPECT_EQ(files[1].failure, ImportFailure::None);
 }
 
 TEST_F(Import, FileThatIsShorterThanToldFails) {
@@ -221,7 +223,15 @@ TEST_F(Import, DeviceThatGoesFailsTheRestAtOnce) {
 TEST_F(Import, FolderThatCannotBeMadeIsSaid) {
     writeFile(folder / "target", "a file");
     add(1, 10, "a.jpg", "a");
-    EXPECT_THAT(import()[0].error, HasSubstr("cannot write"));
+    const auto files = import();
+    EXPECT_THAT(files[0].error, HasSubstr("cannot write"));
+    EXPECT_EQ(files[0].failure, ImportFailure::Target);
+}
+
+TEST_F(Import, FileThatTheDiskDoesNotTakeIsAFailureOfTheTarget) {
+    fs::create_directory_symlink("/proc", folder / "target");
+    add(1, 10, "a.jpg", "a");
+    EXPECT_EQ(import()[0].failure, ImportFailure::Target);
 }
 
 TEST_F(Import, FileThatTakesTheNameInTheMeantimeStays) {

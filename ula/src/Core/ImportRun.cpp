@@ -76,7 +76,7 @@ void ImportRun::importOne(std::unique_ptr<Transfer> transfer) {
     if (_isCancelled)
         transfer->file.result = ImportResult::Cancelled;
     else if (!_problem.empty())
-        fail(*transfer, _problem);
+        fail(*transfer, ImportFailure::Source, _problem);
     else if (begin(*transfer) && write(*transfer)) {
         _writtenBytes += transfer->object.size;
         _written.push_back(std::move(transfer));
@@ -115,14 +115,15 @@ void ImportRun::finish(Transfer& transfer) {
         return;
     }
     if (!isCommitted)
-        fail(transfer, transfer.target->error());
+        fail(transfer, ImportFailure::Target, transfer.target->error());
     else if (!_options.verify || isIntact(transfer))
         transfer.file.result = ImportResult::Imported;
     _files[transfer.index] = std::move(transfer.file);
 }
 
-void ImportRun::fail(Transfer& transfer, std::string error) {
+void ImportRun::fail(Transfer& transfer, ImportFailure failure, std::string error) {
     transfer.file.result = ImportResult::Failed;
+    transfer.file.failure = failure;
     transfer.file.path.clear();
     transfer.file.error = std::move(error);
 }
@@ -137,7 +138,8 @@ bool ImportRun::readPiece(Transfer& transfer, std::uint64_t offset) {
         return true;
     if (!isRead && _source.isGone())
         _problem = _source.problem();
-    fail(transfer, isRead ? "it is shorter than the device had told" : _source.problem());
+    fail(transfer, ImportFailure::Source,
+         isRead ? "it is shorter than the device had told" : _source.problem());
     return false;
 }
 
@@ -158,7 +160,7 @@ std::string ImportRun::folderFor(const Transfer& transfer) {
 bool ImportRun::choosePlace(Transfer& transfer) {
     const ImportPlace place = _places.choose(transfer.folder, transfer.object);
     if (!place.error.empty()) {
-        fail(transfer, place.error);
+        fail(transfer, ImportFailure::Target, place.error);
         return false;
     }
     transfer.file.path = place.path;
@@ -196,7 +198,7 @@ bool ImportRun::copyBytes(Transfer& transfer) {
             // A name that is taken shows at the end, once more.
             if (transfer.target->exists())
                 return true;
-            fail(transfer, transfer.target->error());
+            fail(transfer, ImportFailure::Target, transfer.target->error());
             return false;
         }
         offset += transfer.piece.size();
@@ -213,7 +215,8 @@ bool ImportRun::isIntact(Transfer& transfer) {
         return true;
     // What is wrong must not look as if it were there the next time.
     unlink(transfer.file.path.c_str());
-    fail(transfer, written ? "the disk gives back something else than was written" : error);
+    fail(transfer, ImportFailure::Target,
+         written ? "the disk gives back something else than was written" : error);
     return false;
 }
 

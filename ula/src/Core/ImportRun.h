@@ -37,7 +37,7 @@ private:
     void settle();
     void finish(Transfer& transfer);
     bool isIntact(Transfer& transfer);
-    void fail(Transfer& transfer, std::string error);
+    void fail(Transfer& transfer, ImportFailure failure, std::string error);
     void tell(const ImportObject& object, std::uint64_t bytes);
 
     ImportSource& _source;
