@@ -51,6 +51,12 @@ if(ULA_SANITIZE)
   add_link_options(-fsanitize=${ULA_SANITIZE})
 endif()
 
+# ula_compile_together(NAME): a library, where the build is asked to.
+function(ula_compile_together name)
+  set_target_properties(${name} PROPERTIES UNITY_BUILD ${ULA_COMPILE_TOGETHER}
+                                           UNITY_BUILD_BATCH_SIZE 12)
+endfunction()
+
 # ula_target(NAME): warnings and the include root for a target of this project. A program built with
 # sanitizers also gets what they are not to report of the system's libraries.
 function(ula_target name)
@@ -63,8 +69,7 @@ function(ula_target name)
     set(exports ${PROJECT_SOURCE_DIR}/cmake/exports.map)
     target_link_options(${name} PRIVATE LINKER:--version-script=${exports})
     set_property(TARGET ${name} APPEND PROPERTY LINK_DEPENDS ${exports})
-    set_target_properties(${name} PROPERTIES UNITY_BUILD ${ULA_COMPILE_TOGETHER}
-                                             UNITY_BUILD_BATCH_SIZE 12)
+    ula_compile_together(${name})
   endif()
   target_link_libraries(${name} PRIVATE $<BUILD_INTERFACE:ula-flags>)
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
