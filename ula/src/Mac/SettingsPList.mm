@@ -76,27 +76,26 @@ std::string SettingsPList::fileName(const FastString& appName, const FastString&
 bool SettingsPList::read() {
     const std::string path = buildFileName(_userScope);
     _lastError.clear();
-    _unreadableFilePending = false;
+    _reasonOfUnkeptFile.reset();
     if (readFile(path, _settings, _lastError))
         return true;
-    keepUnreadableFileAside();
+    keepUnreadableFileAside(_lastError);
     return false;
 }
 
 /// So that a later write loses nothing.
-bool SettingsPList::keepUnreadableFileAside() {
-    const FastString path = buildFileName(_userScope);
-    if (!filesystem::isRegularFile(path))
-        return true;
-    std::string result;
-    _unreadableFilePending = !keepUnreadableFile(path, result);
-    _lastError += _unreadableFilePending ? "; it could not be kept aside: " + result
-                                         : "; kept aside as \"" + result + "\"";
-    return !_unreadableFilePending;
+bool SettingsPList::keepUnreadableFileAside(std::string reason) {
+    std::string note;
+    const bool isKept = keepUnreadableFile(buildFileName(_userScope), note);
+    _lastError = reason + note;
+    _reasonOfUnkeptFile.reset();
+    if (!isKept)
+        _reasonOfUnkeptFile = std::move(reason);
+    return isKept;
 }
 
 bool SettingsPList::write() {
-    if (_unreadableFilePending && !keepUnreadableFileAside())
+    if (_reasonOfUnkeptFile && !keepUnreadableFileAside(*_reasonOfUnkeptFile))
         return false;
     _lastError.clear();
     return writeFile(buildFileName(_userScope), _settings, _keepBackup, _lastError);
