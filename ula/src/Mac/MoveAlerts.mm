@@ -89,7 +89,7 @@ bool askToReplace() {
                                            defaultButton:translated("Continue")
                                          alternateButton:translated("Cancel")
                                              otherButton:nil
-                               informativeTextWithFormat:text];
+                               informativeTextWithFormat:@"%@", text];
     return [alert runModal] == NSAlertDefaultReturn;
 }
 
