@@ -30,6 +30,19 @@ void wipe(char* bytes, std::size_t count) {
         *byte++ = 0;
 }
 
+/// A secret as the platform gives it, and takes it back: it wipes it.
+struct Content {
+    Content() = default;
+    Content(const Content&) = delete;
+    Content& operator=(const Content&) = delete;
+    ~Content() {
+        if (data != nullptr)
+            SecKeychainItemFreeContent(nullptr, data);
+    }
+
+    void* data = nullptr;
+};
+
 /// The text at the beginning, as much of it as the buffer takes.
 FastString textOf(const char* bytes, UInt32 length) {
     char buffer[kBufferSize];
@@ -83,14 +96,12 @@ OSStatus KeychainItem::readFrom(CFTypeRef keychain,
                                 const std::function<void(const char*, UInt32)>& take) const {
     const ScopedARPool pool;
     UInt32 length = 0;
-    void* data = nullptr;
+    Content content;
     const OSStatus status = SecKeychainFindGenericPassword(
         keychain, lengthOf(_service), _service.data(), lengthOf(_account), _account.data(), &length,
-        &data, nullptr);
-    if (status == errSecSuccess && length != 0 && data != nullptr)
-        take(static_cast<const char*>(data), length);
-    if (data != nullptr)
-        SecKeychainItemFreeContent(nullptr, data);
+        &content.data, nullptr);
+    if (status == errSecSuccess && length != 0 && content.data != nullptr)
+        take(static_cast<const char*>(content.data), length);
     return status;
 }
 
