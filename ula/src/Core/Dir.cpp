@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ula/Dir.h"
 
-#include "FinderSort.h"
+#include "ula/src/Core/FinderSort.h"
 
 #include <iostream>
 #include <utility>

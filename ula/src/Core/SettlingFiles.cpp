@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "SettlingFiles.h"
+#include "ula/src/Core/SettlingFiles.h"
 
 #include <algorithm>
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "ula/FastString.h"
 #include "ula/foundation/xml/XmlText.h"
 
 #include <string_view>

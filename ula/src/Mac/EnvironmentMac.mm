@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "ula/Environment.h"
 
-#include "CFOwner.h"
 #import "ula/ObjCHelper.h"
 #include "ula/ScopedARPool.h"
+#include "ula/src/Mac/CFOwner.h"
 
 #include <CoreServices/CoreServices.h>
 #import <Foundation/Foundation.h>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "FileReference.h"
+#include "ula/src/Mac/FileReference.h"
 
-#include "CFOwner.h"
+#include "ula/src/Mac/CFOwner.h"
 
 namespace tav::ula {
 

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "ula/src/Core/FinderSort.h"
 
-#include "FinderOrder.h"
 #import "ula/ObjCHelper.h"
 #include "ula/ScopedARPool.h"
+#include "ula/src/Mac/FinderOrder.h"
 
 #include <CoreServices/TextSortKeys.h>
 #include <numeric>

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "FolderChildren.h"
+#include "ula/src/Mac/FolderChildren.h"
 
-#include "ListedItemFacts.h"
 #include "ula/NSPathUtil.h"
 #include "ula/src/Core/ItemExamination.h"
+#include "ula/src/Mac/ListedItemFacts.h"
 
 namespace tav::ula {
 

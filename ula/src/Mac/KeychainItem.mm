@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
-#include "KeychainItem.h"
+#include "ula/src/Mac/KeychainItem.h"
 
-#include "CFOwner.h"
 #import "ula/ObjCHelper.h"
 #include "ula/ScopedARPool.h"
 #include "ula/foundation/debug/Assertion.h"
 #include "ula/foundation/debug/Log.h"
+#include "ula/src/Mac/CFOwner.h"
 
 #include <cstring>
 

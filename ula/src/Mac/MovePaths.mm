@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "MovePaths.h"
+#include "ula/src/Mac/MovePaths.h"
 
-#include "FileReference.h"
+#include "ula/src/Mac/FileReference.h"
 
 #import <AppKit/AppKit.h>
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-#include "MovePlan.h"
+#include "ula/src/Mac/MovePlan.h"
 
-#include "AppKitVersion.h"
-#include "MovePaths.h"
+#include "ula/src/Mac/AppKitVersion.h"
+#include "ula/src/Mac/MovePaths.h"
 
 namespace tav::ula {
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #import "ula/ObjCHelper.h"
 
-#include "FinderOrder.h"
 #include "ula/foundation/thread/ScratchPad.h"
+#include "ula/src/Mac/FinderOrder.h"
 
 #include <iterator>
 

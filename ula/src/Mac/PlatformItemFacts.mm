@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
-#include "PlatformItemFacts.h"
+#include "ula/src/Mac/PlatformItemFacts.h"
 
-#include "CFOwner.h"
-#include "FileReference.h"
 #include "ula/NSPathUtil.h"
 #import "ula/ObjCHelper.h"
+#include "ula/src/Mac/CFOwner.h"
+#include "ula/src/Mac/FileReference.h"
 
 #include <CoreServices/CoreServices.h>
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-#include "PropertyListFile.h"
+#include "ula/src/Mac/PropertyListFile.h"
 
-#include "CFOwner.h"
 #import "ula/ObjCHelper.h"
+#include "ula/src/Mac/CFOwner.h"
 
 #include <cerrno>
 #include <cstring>

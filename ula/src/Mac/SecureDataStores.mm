@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 // Which items there are, where they lie, and moving them.
-#include "CFOwner.h"
-#include "KeychainItem.h"
 #import "ula/ObjCHelper.h"
 #include "ula/ScopedARPool.h"
 #include "ula/SecureData.h"
+#include "ula/src/Mac/CFOwner.h"
+#include "ula/src/Mac/KeychainItem.h"
 
 #include <algorithm>
 #include <string_view>

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "ula/SettingsPList.h"
 
-#include "PropertyListFile.h"
-#include "SettingsPListReader.h"
 #import "ula/ObjCHelper.h"
 #include "ula/ScopedARPool.h"
 #include "ula/SpecialFolders.h"
@@ -11,6 +9,8 @@
 #include "ula/src/Core/SettingsPListQuickReader.h"
 #include "ula/src/Core/SettingsPListWriter.h"
 #include "ula/src/Core/UnreadableFile.h"
+#include "ula/src/Mac/PropertyListFile.h"
+#include "ula/src/Mac/SettingsPListReader.h"
 
 namespace tav::ula {
 

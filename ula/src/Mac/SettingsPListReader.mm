@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "SettingsPListReader.h"
+#include "ula/src/Mac/SettingsPListReader.h"
 
 #import "ula/ObjCHelper.h"
 
