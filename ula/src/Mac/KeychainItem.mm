@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "ula/src/Mac/KeychainItem.h"
 
-#import "ula/ObjCHelper.h"
 #include "ula/ScopedARPool.h"
 #include "ula/foundation/debug/Assertion.h"
 #include "ula/foundation/debug/Log.h"
+#include "ula/src/Mac/Bridge.h"
 #include "ula/src/Mac/CFOwner.h"
 
 #include <cstring>
@@ -17,7 +17,7 @@ constexpr const char* kSource = "src/Mac/SecureData";
 constexpr std::size_t kBufferSize = 1024;
 
 FastString serviceName(const FastString& name, const FastString& kind) {
-    return FastString(kind == "Password" ? "Password:" : "Secure Note:") + name;
+    return FastString::borrow(kind == "Password" ? kPasswordPrefix : kNotePrefix) + name;
 }
 
 UInt32 lengthOf(const FastString& text) {
@@ -59,7 +59,7 @@ FastString textOf(const char* bytes, UInt32 length) {
 
 FastString keychainMessage(OSStatus status) {
     const CFOwner<CFStringRef> message(SecCopyErrorMessageString(status, nullptr));
-    return message ? [(NSString*)message.get() toUTF8String] : FastString();
+    return fastTextOf(bridged(message.get()));
 }
 
 void reportKeychainStatus(OSStatus status) {
