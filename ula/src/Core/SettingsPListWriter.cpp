@@ -16,7 +16,7 @@ template <class Value>
 void writeElement(std::string_view begin, const Value& value, std::string_view end,
                   xml::XmlOutput& output) {
     output.append(begin);
-    output.appendValue("value", value);
+    output.appendValue("", value);
     output.append(end);
 }
 
