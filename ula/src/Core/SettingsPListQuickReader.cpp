@@ -157,7 +157,7 @@ bool PListQuickReader::readContent(std::string_view end, std::string_view& conte
 
 }  // namespace
 
-bool readPropertyListQuickly(const FastString& path, SettingsBase::GroupMap& settings) {
+bool readSettingsPListQuickly(const FastString& path, SettingsBase::GroupMap& settings) {
     xml::XmlText text;
     if (!readCleanText(path, text))
         return false;

@@ -82,7 +82,7 @@ void appendGroup(const FastString& name, const SettingsBase::KeyMap& keys, xml::
 
 }  // namespace
 
-void writePropertyList(const SettingsBase::GroupMap& settings, xml::XmlOutput& output) {
+void writeSettingsPList(const SettingsBase::GroupMap& settings, xml::XmlOutput& output) {
     output.append(kBegin);
     output.append(settings.empty() ? "<dict/>\n" : "<dict>\n");
     for (const auto& [name, keys] : settings)

@@ -77,7 +77,7 @@ bool SettingsXML::keepUnreadableFileAside(std::string reason) {
 bool SettingsXML::read() {
     _lastError.clear();
     xml::XmlError error;
-    if (!readSettingsQuickly(_filePath, _settings) &&
+    if (!readSettingsXMLQuickly(_filePath, _settings) &&
         !readLoaded(XmlDocumentRapid::load(_filePath, true, &error), error))
         return false;
     _reasonOfUnkeptFile.reset();
@@ -127,7 +127,7 @@ void SettingsXML::writeFile() {
     if (_keepBackup && XmlDocumentRapid::load(_filePath, true))
         options.keepOldAs = filesystem::leaf(_filePath).toStdString() + ".bak";
     xml::XmlFile file(_filePath, options);
-    writeSettings(_settings, file.output());
+    writeSettingsXML(_settings, file.output());
     file.commit();
 }
 

@@ -162,7 +162,7 @@ bool XMLQuickReader::readAttributeValue(std::string_view& value) {
 
 }  // namespace
 
-bool readSettingsQuickly(const FastString& path, SettingsBase::GroupMap& settings) {
+bool readSettingsXMLQuickly(const FastString& path, SettingsBase::GroupMap& settings) {
     xml::XmlText text;
     if (!readCleanText(path, text))
         return false;

@@ -79,7 +79,7 @@ void writeGroup(const FastString& name, const SettingsBase::KeyMap& keys, xml::X
 
 }  // namespace
 
-void writeSettings(const SettingsBase::GroupMap& settings, xml::XmlOutput& output) {
+void writeSettingsXML(const SettingsBase::GroupMap& settings, xml::XmlOutput& output) {
     output.append(xml::XmlWriter::kDeclaration);
     output.append(settings.empty() ? "\n<settings/>" : "\n<settings>");
     for (const auto& [name, keys] : settings)

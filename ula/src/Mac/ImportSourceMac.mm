@@ -55,7 +55,7 @@ std::string describe(ICAError error) {
 
 }  // namespace
 
-std::unique_ptr<ImportSource> openImportSource(const std::string& deviceId) {
+std::unique_ptr<ImportSource> createImportSource(const std::string& deviceId) {
     return std::make_unique<ImportSourceMac>(static_cast<ICAObject>(std::atoi(deviceId.c_str())));
 }
 

@@ -23,7 +23,7 @@ bool readWithPlatform(const std::string& path, GroupMap& settings, std::string& 
     NSDictionary* const root = loadPropertyList(path, error);
     if (root == nil)
         return false;
-    const bool isDone = readSettings(root, settings, error);
+    const bool isDone = readSettingsPList(root, settings, error);
     if (!isDone)
         error = path + ": " + error;
     return isDone;
@@ -44,7 +44,7 @@ void makeFolderOf(const FastString& path) {
 /// anything else than what replaces it.
 bool isWorthABackup(const FastString& path, const GroupMap& replacement) {
     GroupMap groups;
-    if (readPropertyListQuickly(path, groups))
+    if (readSettingsPListQuickly(path, groups))
         return !groups.empty() && !(groups == replacement);
     const ScopedARPool pool;
     std::string ignored;
@@ -104,7 +104,7 @@ bool SettingsPList::write() {
 bool SettingsPList::readFile(const std::string& path, GroupMap& settings, std::string& error) {
     settings.clear();
     error.clear();
-    return readPropertyListQuickly(path, settings) || readWithPlatform(path, settings, error);
+    return readSettingsPListQuickly(path, settings) || readWithPlatform(path, settings, error);
 }
 
 bool SettingsPList::writeFile(const std::string& path, const GroupMap& settings, bool keepBackup,
@@ -113,7 +113,7 @@ bool SettingsPList::writeFile(const std::string& path, const GroupMap& settings,
     error.clear();
     try {
         xml::XmlOutput output([&](std::string_view piece) { text += piece; });
-        writePropertyList(settings, output);
+        writeSettingsPList(settings, output);
         output.flush();
     } catch (const xml::XmlException& exception) {
         error = path + ": " + exception.what();
