@@ -4,8 +4,8 @@
 #include "ula/ScopedARPool.h"
 #include "ula/foundation/filesystem/FileSystem.h"
 #include "ula/src/Mac/Bridge.h"
+#include "ula/src/Mac/RecycleOperation.h"
 
-#import <AppKit/AppKit.h>
 #import <Foundation/NSFileManager+Trash.h>
 
 namespace tav::ula {
@@ -21,18 +21,6 @@ FastString nameOfItem(const FastString& path) {
     if (filesystem::isDirectory(path))
         return filesystem::leaf(filesystem::folderName(path));
     return FastString();
-}
-
-/// In which folder and under which name the workspace finds it. False without a name, as for bytes
-/// that are no text.
-bool recycle(NSString* folder, NSString* name) {
-    if (folder == nil || name == nil)
-        return false;
-    return [[NSWorkspace sharedWorkspace] performFileOperation:NSWorkspaceRecycleOperation
-                                                        source:folder
-                                                   destination:@""
-                                                         files:@[ name ]
-                                                           tag:nullptr];
 }
 
 /// Nil for what is no path: an empty text, or bytes that are no text.
