@@ -36,7 +36,7 @@ struct Places {
 };
 
 /// The same in every locale, or there were two files for one identifier.
-bool isPlain(char byte) {
+bool isPlainInName(char byte) {
     return (byte >= '0' && byte <= '9') || (byte >= 'A' && byte <= 'Z') ||
            (byte >= 'a' && byte <= 'z') || byte == '.';
 }
@@ -50,7 +50,7 @@ std::string fileName(const FastString& appID) {
     for (const char byte : appID.toStdString()) {
         hash = (hash ^ static_cast<unsigned char>(byte)) * kPrime;
         if (name.size() < kReadable)
-            name += isPlain(byte) ? byte : '-';
+            name += isPlainInName(byte) ? byte : '-';
     }
     char digits[20];
     std::snprintf(digits, sizeof digits, "-%016llx", static_cast<unsigned long long>(hash));

@@ -23,7 +23,9 @@ constexpr std::array<bool, 256> kSpecial = [] {
     return bytes;
 }();
 
-constexpr auto isPlain = [](char byte) { return !kSpecial[static_cast<unsigned char>(byte)]; };
+constexpr auto isPlainInValue = [](char byte) {
+    return !kSpecial[static_cast<unsigned char>(byte)];
+};
 
 class XMLQuickReader : private XmlCursor {
 public:
@@ -154,10 +156,10 @@ bool XMLQuickReader::readAttributeValue(std::string_view& value) {
     if (!takeHere("\""))
         return false;
     char* const begin = _next;
-    while (_next < _end && isPlain(*_next))
+    while (_next < _end && isPlainInValue(*_next))
         ++_next;
     value = {begin, static_cast<std::size_t>(_next - begin)};
-    return takeHere("\"") || (decodeTo('"', isPlain, begin, value) && takeHere("\""));
+    return takeHere("\"") || (decodeTo('"', isPlainInValue, begin, value) && takeHere("\""));
 }
 
 }  // namespace
