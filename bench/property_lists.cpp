@@ -70,7 +70,7 @@ void saveOurs(benchmark::State& state) {
     save(state, [&] {
         std::string text;
         tav::xml::XmlOutput output([&](std::string_view piece) { text += piece; });
-        tav::ula::writePropertyList(store.settings.getAllSettings(), output);
+        tav::ula::writeSettingsPList(store.settings.getAllSettings(), output);
         output.flush();
         return text;
     });

@@ -112,7 +112,7 @@ struct SaveOurs {
     explicit SaveOurs(std::size_t keyCount) : store(settingsData(keyCount)) {}
     void save(const std::string& path) const {
         tav::xml::XmlFile file(path, {.sync = false, .keepOldAs = {}});
-        tav::ula::writeSettings(store.settings.getAllSettings(), file.output());
+        tav::ula::writeSettingsXML(store.settings.getAllSettings(), file.output());
         file.commit();
     }
     OurStore store;

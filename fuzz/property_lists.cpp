@@ -131,7 +131,7 @@ bool readQuickly(std::string_view bytes, SettingsBase::GroupMap& settings) {
     expect(file >= 0 &&
            write(file, bytes.data(), bytes.size()) == static_cast<ssize_t>(bytes.size()));
     close(file);
-    return tav::ula::readPropertyListQuickly(FastString(path()), settings);
+    return tav::ula::readSettingsPListQuickly(FastString(path()), settings);
 }
 
 }  // namespace
@@ -148,7 +148,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         expect(root != nullptr && nodeOf(root)->isDictionary && settingsOf(root) == settings);
         std::string text;
         tav::xml::XmlOutput output([&](std::string_view piece) { text += piece; });
-        tav::ula::writePropertyList(settings, output);
+        tav::ula::writeSettingsPList(settings, output);
         output.flush();
         SettingsBase::GroupMap again;
         expect(readQuickly(text, again) && again == settings);

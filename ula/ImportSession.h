@@ -85,7 +85,8 @@ public:
     static std::vector<ImportDevice> devices();
 
     explicit ImportSession(const std::string& deviceId);
-    /// On another source of files. Owner: the session.
+    /// On another source of files, for the library's own tests: what a source is, is told by a
+    /// header that is not installed. Owner: the session.
     explicit ImportSession(std::unique_ptr<ImportSource> source);
     ~ImportSession();
     ImportSession(const ImportSession&) = delete;

@@ -40,6 +40,6 @@ public:
 };
 
 /// Fails: a source that has nothing, for what is no device's id.
-std::unique_ptr<ImportSource> openImportSource(const std::string& deviceId);
+std::unique_ptr<ImportSource> createImportSource(const std::string& deviceId);
 
 }  // namespace tav::ula

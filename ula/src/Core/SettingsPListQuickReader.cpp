@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "ula/src/Core/SettingsPListQuickReader.h"
 
-#include "ula/foundation/xml/XmlCharacters.h"
 #include "ula/foundation/xml/XmlWriter.h"
 #include "ula/src/Core/XmlCursor.h"
 
@@ -34,7 +33,6 @@ private:
     bool readStringArray(Setting& setting);
     bool readKey(FastString& name);
     bool readContent(std::string_view end, std::string_view& content);
-    bool decodeRest(char* begin, std::string_view& content);
 };
 
 /// The document type is one of the two that lists have had.
@@ -153,36 +151,15 @@ bool PListQuickReader::readContent(std::string_view end, std::string_view& conte
     while (_next < _end && *_next != '<' && *_next != '&')
         ++_next;
     content = {begin, static_cast<std::size_t>(_next - begin)};
-    return takeHere(end) || (decodeRest(begin, content) && takeHere(end));
-}
-
-/// Goes on where the first reference stands, decoding in place: a reference is never shorter than
-/// its character.
-bool PListQuickReader::decodeRest(char* begin, std::string_view& content) {
-    char* out = _next;
-    while (_next < _end && *_next != '<') {
-        if (*_next != '&') {
-            *out++ = *_next++;
-            continue;
-        }
-        std::uint32_t code = 0;
-        const std::size_t length = xml::decodeReference(rest(), code);
-        if (length == 0)
-            return false;
-        out = xml::encodeCharacter(code, out);
-        _next += length;
-    }
-    content = {begin, static_cast<std::size_t>(out - begin)};
-    return true;
+    constexpr auto isPlain = [](char) { return true; };
+    return takeHere(end) || (decodeTo('<', isPlain, begin, content) && takeHere(end));
 }
 
 }  // namespace
 
-bool readPropertyListQuickly(const FastString& path, SettingsBase::GroupMap& settings) {
+bool readSettingsPListQuickly(const FastString& path, SettingsBase::GroupMap& settings) {
     xml::XmlText text;
-    xml::XmlError ignored;
-    if (!xml::readXmlFile(path, text, ignored) ||
-        xml::findInvalidCharacter(text.view()) != FastString::npos)
+    if (!readCleanText(path, text))
         return false;
     SettingsBase::GroupMap read;
     if (!PListQuickReader(text).read(read))

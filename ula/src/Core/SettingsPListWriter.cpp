@@ -16,7 +16,7 @@ template <class Value>
 void writeElement(std::string_view begin, const Value& value, std::string_view end,
                   xml::XmlOutput& output) {
     output.append(begin);
-    output.appendValue("value", value);
+    output.appendValue("", value);
     output.append(end);
 }
 
@@ -82,7 +82,7 @@ void appendGroup(const FastString& name, const SettingsBase::KeyMap& keys, xml::
 
 }  // namespace
 
-void writePropertyList(const SettingsBase::GroupMap& settings, xml::XmlOutput& output) {
+void writeSettingsPList(const SettingsBase::GroupMap& settings, xml::XmlOutput& output) {
     output.append(kBegin);
     output.append(settings.empty() ? "<dict/>\n" : "<dict>\n");
     for (const auto& [name, keys] : settings)

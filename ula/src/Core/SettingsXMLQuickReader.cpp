@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "ula/src/Core/SettingsXMLQuickReader.h"
 
-#include "ula/foundation/xml/XmlCharacters.h"
 #include "ula/foundation/xml/XmlWriter.h"
 #include "ula/src/Core/SettingsTypeText.h"
 #include "ula/src/Core/XmlCursor.h"
@@ -23,6 +22,10 @@ constexpr std::array<bool, 256> kSpecial = [] {
         bytes[static_cast<unsigned char>(byte)] = true;
     return bytes;
 }();
+
+constexpr auto isPlainInValue = [](char byte) {
+    return !kSpecial[static_cast<unsigned char>(byte)];
+};
 
 class XMLQuickReader : private XmlCursor {
 public:
@@ -47,7 +50,6 @@ private:
     bool readStringArray(Setting& setting);
     bool readValue(std::string_view& value);
     bool readAttributeValue(std::string_view& value);
-    bool decodeRest(char* out, std::string_view& value);
 
     bool skipDeclaration();
 
@@ -136,8 +138,7 @@ bool XMLQuickReader::readStringArray(Setting& setting) {
     std::vector<FastString> texts;
     std::string_view value;
     skipBlanks();
-    while (_next < _end &&
-           !std::string_view(_next, static_cast<std::size_t>(_end - _next)).starts_with("</")) {
+    while (_next < _end && !rest().starts_with("</")) {
         if (!readValue(value))
             return false;
         texts.push_back(share(value));
@@ -155,42 +156,17 @@ bool XMLQuickReader::readAttributeValue(std::string_view& value) {
     if (!takeHere("\""))
         return false;
     char* const begin = _next;
-    while (_next < _end && !kSpecial[static_cast<unsigned char>(*_next)])
+    while (_next < _end && isPlainInValue(*_next))
         ++_next;
     value = {begin, static_cast<std::size_t>(_next - begin)};
-    return takeHere("\"") || decodeRest(begin, value);
-}
-
-/// Goes on where the first reference stands, decoding in place: a reference is never shorter than
-/// its character.
-bool XMLQuickReader::decodeRest(char* begin, std::string_view& value) {
-    char* out = _next;
-    while (_next < _end && *_next != '"') {
-        if (!kSpecial[static_cast<unsigned char>(*_next)]) {
-            *out++ = *_next++;
-            continue;
-        }
-        std::uint32_t code = 0;
-        const std::size_t length =
-            *_next == '&'
-                ? xml::decodeReference({_next, static_cast<std::size_t>(_end - _next)}, code)
-                : 0;
-        if (length == 0)
-            return false;
-        out = xml::encodeCharacter(code, out);
-        _next += length;
-    }
-    value = {begin, static_cast<std::size_t>(out - begin)};
-    return takeHere("\"");
+    return takeHere("\"") || (decodeTo('"', isPlainInValue, begin, value) && takeHere("\""));
 }
 
 }  // namespace
 
-bool readSettingsQuickly(const FastString& path, SettingsBase::GroupMap& settings) {
+bool readSettingsXMLQuickly(const FastString& path, SettingsBase::GroupMap& settings) {
     xml::XmlText text;
-    xml::XmlError ignored;
-    if (!xml::readXmlFile(path, text, ignored) ||
-        xml::findInvalidCharacter(text.view()) != FastString::npos)
+    if (!readCleanText(path, text))
         return false;
     XMLQuickReader reader(text);
     if (!reader.read())
