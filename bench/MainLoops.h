@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "bench/JobQueue.h"
+#include "bench/QtApplication.h"
 #include "ula/MainThreadCaller.h"
 
 #include <CoreFoundation/CoreFoundation.h>
@@ -8,9 +10,8 @@
 #include <QObject>
 #include <asio.hpp>
 #include <atomic>
+#include <chrono>
 #include <condition_variable>
-#include <deque>
-#include <functional>
 #include <glib.h>
 #include <mutex>
 #include <poll.h>
@@ -21,8 +22,6 @@
 /// Ours and the peers as one shape. `run` serves the calling thread until a job calls `quit`;
 /// `post` queues a job from any thread; `call` also waits until it has run.
 namespace tav::bench {
-
-using Job = std::function<void()>;
 
 /// A synchronous call on top of a loop that only has asynchronous ones.
 template <class Loop>
@@ -58,8 +57,9 @@ public:
     UvLoop() {
         uv_loop_init(&_loop);
         _wakeUp.data = this;
-        uv_async_init(&_loop, &_wakeUp,
-                      [](uv_async_t* handle) { static_cast<UvLoop*>(handle->data)->drain(); });
+        uv_async_init(&_loop, &_wakeUp, [](uv_async_t* handle) {
+            static_cast<UvLoop*>(handle->data)->_jobs.runAll();
+        });
     }
     ~UvLoop() {
         uv_close(reinterpret_cast<uv_handle_t*>(&_wakeUp), nullptr);
@@ -71,29 +71,15 @@ public:
     void quit() { uv_stop(&_loop); }
     template <class Function>
     void post(Function function) {
-        {
-            const std::lock_guard lock(_mutex);
-            _jobs.emplace_back(std::move(function));
-        }
+        _jobs.add(std::move(function));
         uv_async_send(&_wakeUp);
     }
     void call(const Job& job) { postAndWait(*this, job); }
 
 private:
-    void drain() {
-        std::deque<Job> jobs;
-        {
-            const std::lock_guard lock(_mutex);
-            jobs.swap(_jobs);
-        }
-        for (const Job& job : jobs)
-            job();
-    }
-
     uv_loop_t _loop{};
     uv_async_t _wakeUp{};
-    std::mutex _mutex;
-    std::deque<Job> _jobs;
+    JobQueue _jobs;
 };
 
 /// The plainest program: an eventfd, written only when the queue was empty.
@@ -108,37 +94,20 @@ public:
             poll(&wait, 1, -1);
             eventfd_t count = 0;
             eventfd_read(_event, &count);
-            drain();
+            _jobs.runAll();
         }
     }
     void quit() { _isRunning = false; }
     template <class Function>
     void post(Function function) {
-        bool isFirst = false;
-        {
-            const std::lock_guard lock(_mutex);
-            isFirst = _jobs.empty();
-            _jobs.emplace_back(std::move(function));
-        }
-        if (isFirst)
+        if (_jobs.add(std::move(function)))
             eventfd_write(_event, 1);
     }
     void call(const Job& job) { postAndWait(*this, job); }
 
 private:
-    void drain() {
-        std::deque<Job> jobs;
-        {
-            const std::lock_guard lock(_mutex);
-            jobs.swap(_jobs);
-        }
-        for (const Job& job : jobs)
-            job();
-    }
-
     const int _event = eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC);
-    std::mutex _mutex;
-    std::deque<Job> _jobs;
+    JobQueue _jobs;
     bool _isRunning = false;
 };
 
@@ -221,12 +190,16 @@ private:
     GMainLoop* const _loop = g_main_loop_new(nullptr, FALSE);
 };
 
-/// Qt wants one application object for the whole program.
-inline void needQtApplication() {
-    static char name[] = "bench";
-    static char* arguments[] = {name, nullptr};
-    static int count = 1;
-    static QCoreApplication application(count, arguments);
+/// Serves GLib's default context for so long.
+inline void runGLibFor(std::chrono::milliseconds time) {
+    GMainLoop* const loop = g_main_loop_new(nullptr, FALSE);
+    const auto quit = [](gpointer held) -> gboolean {
+        g_main_loop_quit(static_cast<GMainLoop*>(held));
+        return G_SOURCE_REMOVE;
+    };
+    g_timeout_add(static_cast<guint>(time.count()), quit, loop);
+    g_main_loop_run(loop);
+    g_main_loop_unref(loop);
 }
 
 class QtLoop {

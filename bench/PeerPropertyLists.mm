@@ -96,6 +96,10 @@ NSDictionary* readWithOurs(NSData* text) {
                                      kCFPropertyListImmutable, nullptr, nullptr))) autorelease];
 }
 
+NSDictionary* readWith(Serialization serialization, NSData* text) {
+    return serialization == Serialization::GNUstep ? readWithGNUstep(text) : readWithOurs(text);
+}
+
 plist_t nodeOf(const Value& value) {
     switch (value.type) {
     case ValueType::integer:
@@ -248,17 +252,13 @@ std::size_t PropertyList::write(Serialization serialization) const {
 
 bool PropertyList::read(Serialization serialization) const {
     const Pool pool;
-    NSData* const text = static_cast<NSData*>(_text);
-    NSDictionary* const root =
-        serialization == Serialization::GNUstep ? readWithGNUstep(text) : readWithOurs(text);
+    NSDictionary* const root = readWith(serialization, static_cast<NSData*>(_text));
     return [root count] == [static_cast<NSDictionary*>(_root) count];
 }
 
 bool PropertyList::readsTheSame(Serialization serialization) const {
     const Pool pool;
-    NSData* const text = static_cast<NSData*>(_text);
-    NSDictionary* const root =
-        serialization == Serialization::GNUstep ? readWithGNUstep(text) : readWithOurs(text);
+    NSDictionary* const root = readWith(serialization, static_cast<NSData*>(_text));
     return [root isEqual:static_cast<id>(_root)];
 }
 

@@ -2,9 +2,7 @@
 #include "bench/PeerStore.h"
 
 #include <QStringList>
-#include <cstdlib>
 #include <filesystem>
-#include <stdexcept>
 #include <vector>
 
 namespace tav::bench {
@@ -84,17 +82,6 @@ GKeyFilePtr toGKeyFile(const Data& data) {
 const BenchFolder& BenchFolder::instance() {
     static const BenchFolder folder;
     return folder;
-}
-
-BenchFolder::BenchFolder()
-    : _path((std::filesystem::temp_directory_path() / "ula-bench-XXXXXX").string()) {
-    if (mkdtemp(_path.data()) == nullptr)
-        throw std::runtime_error("no temporary folder");
-}
-
-BenchFolder::~BenchFolder() {
-    std::error_code ignored;
-    std::filesystem::remove_all(_path, ignored);
 }
 
 const std::string& qsettingsFile(std::size_t keyCount) {

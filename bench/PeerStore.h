@@ -2,9 +2,11 @@
 #pragma once
 
 #include "bench/PeerData.h"
+#include "bench/ScratchFolder.h"
 
 #include <QSettings>
 #include <QString>
+#include <filesystem>
 #include <glib.h>
 #include <map>
 #include <memory>
@@ -33,12 +35,12 @@ GKeyFilePtr toGKeyFile(const Data& data);
 class BenchFolder {
 public:
     static const BenchFolder& instance();
-    std::string operator/(const std::string& name) const { return _path + "/" + name; }
+    std::string operator/(const std::string& name) const { return _folder / name; }
 
 private:
-    BenchFolder();
-    ~BenchFolder();
-    std::string _path;
+    BenchFolder() : _folder(std::filesystem::temp_directory_path()) {}
+
+    ScratchFolder _folder;
 };
 
 /// The data as QSettings writes it, in a file that is made once. Owner: the folder.

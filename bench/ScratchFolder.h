@@ -7,11 +7,11 @@
 
 namespace tav::bench {
 
-/// A folder below the present one, on its disk, gone at the end with all in it.
+/// A folder gone at the end with all in it: below the present one and so on its disk, or elsewhere.
 class ScratchFolder {
 public:
-    ScratchFolder() {
-        _path = std::filesystem::absolute("scratch-XXXXXX").string();
+    explicit ScratchFolder(const std::filesystem::path& place = ".")
+        : _path((std::filesystem::canonical(place) / "ula-bench-XXXXXX").string()) {
         if (mkdtemp(_path.data()) == nullptr)
             std::abort();
     }
@@ -23,6 +23,7 @@ public:
     ScratchFolder& operator=(const ScratchFolder&) = delete;
 
     const char* path() const { return _path.c_str(); }
+    std::string operator/(const std::string& name) const { return _path + "/" + name; }
 
 private:
     std::string _path;

@@ -55,6 +55,24 @@ struct OurStore {
     const ula::FastString noText;
 };
 
+/// Whether ours has these settings and no others.
+inline bool holdsAll(const ula::SettingsBase::GroupMap& ours, const Data& data) {
+    if (ours.size() != data.size())
+        return false;
+    for (const Group& group : data) {
+        const auto found = ours.find(group.name);
+        if (found == ours.end() || found->second.size() != group.keys.size())
+            return false;
+        for (const Key& key : group.keys) {
+            const auto stored = found->second.find(key.name);
+            if (stored == found->second.end() ||
+                !(stored->second == OurStore::toSetting(key.value)))
+                return false;
+        }
+    }
+    return true;
+}
+
 /// Maps of maps. The getters check group, key and type as ours do; a text is returned by value,
 /// so that the store may change while it is used.
 template <template <class...> class Map>
@@ -147,6 +165,11 @@ struct GKeyFileStore {
 
     GKeyFilePtr file;
 };
+
+/// The first argument of a benchmark.
+inline std::size_t keyCountOf(const benchmark::State& state) {
+    return static_cast<std::size_t>(state.range(0));
+}
 
 /// A store with the data of that many keys.
 template <class Store>

@@ -9,6 +9,7 @@
 #include <QFileSystemWatcher>
 #include <QTimer>
 #include <csignal>
+#include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
 #include <gio/gio.h>
@@ -108,9 +109,12 @@ class Inotifywait {
 public:
     Inotifywait(const std::string& top, TreeReport& report) : _report(report) {
         int messages[2];
-        if (pipe2(_lines, O_CLOEXEC) != 0 || pipe2(messages, O_CLOEXEC) != 0)
+        // A contestant that fails ends by itself; killing "process -1" would end all others.
+        if (pipe2(_lines, O_CLOEXEC) != 0 || pipe2(messages, O_CLOEXEC) != 0 ||
+            (_process = fork()) < 0) {
             perror("inotifywait");
-        _process = fork();
+            std::abort();
+        }
         if (_process == 0)
             run(top, messages[1]);
         close(_lines[1]);
@@ -201,16 +205,7 @@ public:
             g_object_unref(monitor);
     }
 
-    void serve() {
-        GMainLoop* const loop = g_main_loop_new(nullptr, FALSE);
-        const auto quit = [](gpointer held) -> gboolean {
-            g_main_loop_quit(static_cast<GMainLoop*>(held));
-            return G_SOURCE_REMOVE;
-        };
-        g_timeout_add(static_cast<guint>(kMoment.count()), quit, loop);
-        g_main_loop_run(loop);
-        g_main_loop_unref(loop);
-    }
+    void serve() { runGLibFor(kMoment); }
     double bytes() const { return residentBytes(); }
 
 private:

@@ -3,6 +3,7 @@
 // the same card, a disk image. Each contestant starts with an empty folder. gphoto2 and cp leave
 // the pictures in the system's memory: "+sync" has them on the disk, where ours are when it is
 // done. Needs root.
+#include "bench/ScratchFolder.h"
 #include "tests/support/Mounts.h"
 #include "ula/ImportSession.h"
 
@@ -21,7 +22,7 @@ namespace {
 namespace fs = std::filesystem;
 using namespace tav::ula;
 
-constexpr int kPictures = 60;
+constexpr int kPictures = 500;
 constexpr std::size_t kPictureSize = 5'000'000;
 constexpr int kListed = 10'000;
 
@@ -35,10 +36,11 @@ void run(const std::string& command) {
 
 class Card : public tav::test::Mounted {
 public:
-    Card(const std::string& name, int count, std::size_t size, const fs::path& folder)
+    Card(const std::string& name, int count, std::size_t size,
+         const tav::bench::ScratchFolder& folder)
         : Mounted("/Volumes/" + name), _name(name) {
-        const std::string image = (folder / name).string();
-        run("truncate -s 600M " + image + " && mkfs.ext4 -q " + image);
+        const std::string image = folder / name;
+        run("truncate -s 3500M " + image + " && mkfs.ext4 -q " + image);
         run("mount -o loop " + image + " " + _point);
         fs::create_directories(_point + "/DCIM/100BENCH");
         const std::string bytes(size, 'x');
@@ -63,12 +65,10 @@ struct World {
     World() {
         if (!kNoMounts.empty())
             throw std::runtime_error("needs root: " + kNoMounts);
-        fs::create_directories(folder);
     }
-    ~World() { fs::remove_all(folder); }
 
-    fs::path folder = fs::temp_directory_path() / ("ula-cameras-" + std::to_string(getpid()));
-    Card large{"Large", kPictures, kPictureSize, (fs::create_directories(folder), folder)};
+    const tav::bench::ScratchFolder folder{fs::temp_directory_path()};
+    Card large{"Large", kPictures, kPictureSize, folder};
     Card many{"Many", kListed, 100, folder};
 };
 
@@ -101,21 +101,21 @@ void importUla(benchmark::State& state) {
                 throw std::runtime_error(file.error);
     });
 }
-BENCHMARK(importUla)->Name("import/ula/60")->UseRealTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(importUla)->Name("import/ula/500")->UseRealTime()->Unit(benchmark::kMillisecond);
 
 void importCp(benchmark::State& state) {
     importBench(state, [](const std::string& target) {
         run("cp " + world().large.pictures() + "/* " + target);
     });
 }
-BENCHMARK(importCp)->Name("import/cp/60")->UseRealTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(importCp)->Name("import/cp/500")->UseRealTime()->Unit(benchmark::kMillisecond);
 
 void importCpSync(benchmark::State& state) {
     importBench(state, [](const std::string& target) {
         run("cp " + world().large.pictures() + "/* " + target + " && sync -f " + target);
     });
 }
-BENCHMARK(importCpSync)->Name("import/cp+sync/60")->UseRealTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(importCpSync)->Name("import/cp+sync/500")->UseRealTime()->Unit(benchmark::kMillisecond);
 
 void importGphoto(benchmark::State& state) {
     importBench(state, [](const std::string& target) {
@@ -123,7 +123,7 @@ void importGphoto(benchmark::State& state) {
             " --get-all-files >/dev/null 2>&1");
     });
 }
-BENCHMARK(importGphoto)->Name("import/gphoto2/60")->UseRealTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(importGphoto)->Name("import/gphoto2/500")->UseRealTime()->Unit(benchmark::kMillisecond);
 
 void listUla(benchmark::State& state) {
     for (auto _ : state)

@@ -26,6 +26,9 @@ public:
     Crowd() {
         for (int i = 0; i < kProcesses; ++i) {
             const pid_t child = fork();
+            // The crowd so far ends with this process; killing "process -1" would end all others.
+            if (child < 0)
+                std::abort();
             if (child == 0) {
                 prctl(PR_SET_PDEATHSIG, SIGKILL);
                 execl("/bin/sleep", "sleep", "1000", nullptr);

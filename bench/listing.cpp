@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 // A folder's children against the peers: the plain system calls that the same record takes, Qt's
 // QDir, GIO. Every contestant ends with a record of each entry.
-#include "PeerData.h"
+#include "bench/PeerData.h"
+#include "bench/ScratchFolder.h"
 #include "tests/support/Mounts.h"
 #include "ula/Dir.h"
 
@@ -27,19 +28,12 @@ namespace fs = std::filesystem;
 /// to nothing, 6 % hidden files.
 class Tree {
 public:
-    explicit Tree(std::size_t entries)
-        : _path(fs::temp_directory_path() /
-                ("ula-listing-" + std::to_string(getpid()) + "-" + std::to_string(entries))) {
-        fs::create_directories(_path);
+    explicit Tree(std::size_t entries) {
         tav::bench::Random random(11);
         for (std::size_t i = 0; i < entries; ++i)
             make(random.below(100), std::to_string(i), random.below(std::size(kExtensions)));
     }
-    ~Tree() { fs::remove_all(_path); }
-    Tree(const Tree&) = delete;
-    Tree& operator=(const Tree&) = delete;
-
-    std::string path() const { return _path; }
+    std::string path() const { return _folder.path(); }
 
 private:
     static constexpr const char* kExtensions[] = {
@@ -61,7 +55,8 @@ private:
         }
     }
 
-    fs::path _path;
+    const tav::bench::ScratchFolder _folder{fs::temp_directory_path()};
+    const fs::path _path = _folder.path();
 };
 
 const Tree& tree(std::int64_t entries) {

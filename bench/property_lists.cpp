@@ -15,10 +15,6 @@ using namespace tav::bench;
 using tav::ula::SettingsBase;
 using tav::ula::SettingsPList;
 
-std::size_t keyCountOf(const benchmark::State& state) {
-    return static_cast<std::size_t>(state.range(0));
-}
-
 const std::string& listFile(std::size_t keyCount) {
     static std::map<std::size_t, std::string> made;
     std::string& path = made[keyCount];
@@ -29,16 +25,6 @@ const std::string& listFile(std::size_t keyCount) {
     return path;
 }
 
-bool isSame(const SettingsBase::GroupMap& ours, const Data& data) {
-    if (ours.size() != data.size())
-        return false;
-    for (const Group& group : data)
-        for (const Key& key : group.keys)
-            if (!(ours.at(group.name).at(key.name) == OurStore::toSetting(key.value)))
-                return false;
-    return true;
-}
-
 // What was loaded is freed within the time too.
 
 void loadOurs(benchmark::State& state) {
@@ -47,7 +33,7 @@ void loadOurs(benchmark::State& state) {
     {
         SettingsBase::GroupMap groups;
         if (!SettingsPList::readFile(path, groups, error) ||
-            !isSame(groups, settingsData(keyCountOf(state))))
+            !holdsAll(groups, settingsData(keyCountOf(state))))
             return state.SkipWithError("what was loaded differs from what was saved");
     }
     for (auto _ : state) {
@@ -84,7 +70,7 @@ void saveOurs(benchmark::State& state) {
     save(state, [&] {
         std::string text;
         tav::xml::XmlOutput output([&](std::string_view piece) { text += piece; });
-        tav::ula::writePropertyList(store.settings.getAllSettings(), output);
+        tav::ula::writeSettingsPList(store.settings.getAllSettings(), output);
         output.flush();
         return text;
     });

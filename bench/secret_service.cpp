@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 // The Secret Service, in a session of the program's own, against libsecret itself and QtKeychain.
+#include "bench/QtApplication.h"
 #include "bench/ScratchFolder.h"
 #include "tests/support/SecretSession.h"
 #include "ula/SecureData.h"
 
-#include <QCoreApplication>
 #include <QEventLoop>
 #include <benchmark/benchmark.h>
 #include <cstdlib>
@@ -112,6 +112,7 @@ void addWithLibsecret(benchmark::State& state) {
 /// Its jobs end in an event loop.
 template <class Job>
 bool perform(Job& job) {
+    tav::bench::needQtApplication();
     QEventLoop loop;
     QObject::connect(&job, &QKeychain::Job::finished, &loop, &QEventLoop::quit);
     job.setAutoDelete(false);
@@ -148,11 +149,6 @@ void addWithQtKeychain(benchmark::State& state) {
         state.ResumeTiming();
     }
 }
-
-int gArgumentCount = 1;
-char gName[] = "bench-secret_service";
-char* gArguments[] = {gName, nullptr};
-const QCoreApplication kApplication(gArgumentCount, gArguments);
 
 BENCHMARK(getWithUla)->Name("getFromService/ula")->UseRealTime();
 BENCHMARK(getWithLibsecret)->Name("getFromService/libsecret")->UseRealTime();

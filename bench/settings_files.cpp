@@ -17,10 +17,6 @@ using namespace tav::bench;
 using tav::ula::FastString;
 using tav::ula::SettingsXML;
 
-std::size_t keyCountOf(const benchmark::State& state) {
-    return static_cast<std::size_t>(state.range(0));
-}
-
 /// A file of this run with this text, written once.
 template <class MakeText>
 const std::string& keptFile(std::size_t keyCount, const std::string& suffix, MakeText makeText) {
@@ -38,28 +34,10 @@ const std::string& xmlFile(std::size_t keyCount) {
     return keptFile(keyCount, ".xml", [keyCount] { return xmlText(settingsData(keyCount)); });
 }
 
-bool isSame(const tav::ula::SettingsBase::GroupMap& ours, const Data& data) {
-    std::size_t groups = 0;
-    for (const Group& group : data) {
-        const auto found = ours.find(group.name);
-        if (found == ours.end() || found->second.size() != group.keys.size())
-            return false;
-        for (const Key& key : group.keys) {
-            const auto stored = found->second.find(key.name);
-            if (stored == found->second.end() ||
-                !(stored->second == OurStore::toSetting(key.value)))
-                return false;
-        }
-        ++groups;
-    }
-    return ours.size() == groups;
-}
-
 // Loading. What was loaded is freed within the time too: with a document tree, that is a part of
 // its price.
 
 struct LoadOurs {
-    static constexpr bool kIni = false;
     static void load(const std::string& path) {
         const SettingsXML settings(FastString::literal("bench"), FastString::literal("ula"), path,
                                    false);
@@ -68,13 +46,12 @@ struct LoadOurs {
     static bool isRight(std::size_t keyCount) {
         const SettingsXML settings(FastString::literal("bench"), FastString::literal("ula"),
                                    xmlFile(keyCount), false);
-        return isSame(settings.getAllSettings(), settingsData(keyCount));
+        return holdsAll(settings.getAllSettings(), settingsData(keyCount));
     }
 };
 
 template <StdStore (*Load)(const std::string&)>
 struct LoadStd {
-    static constexpr bool kIni = false;
     static void load(const std::string& path) { benchmark::DoNotOptimize(Load(path).size()); }
     static bool isRight(std::size_t keyCount) {
         return Load(xmlFile(keyCount)) == toStdStore(settingsData(keyCount));
@@ -120,7 +97,8 @@ const std::string& fileFor(std::size_t keyCount) {
 
 template <class Loader>
 void load(benchmark::State& state) {
-    if constexpr (requires { Loader::kIni; })
+    // The others read what they have written themselves.
+    if constexpr (requires { Loader::isRight; })
         if (keyCountOf(state) <= 1000 && !Loader::isRight(keyCountOf(state)))
             state.SkipWithError("what was loaded differs from what was saved");
     const std::string& path = fileFor<Loader>(keyCountOf(state));
@@ -134,7 +112,7 @@ struct SaveOurs {
     explicit SaveOurs(std::size_t keyCount) : store(settingsData(keyCount)) {}
     void save(const std::string& path) const {
         tav::xml::XmlFile file(path, {.sync = false, .keepOldAs = {}});
-        tav::ula::writeSettings(store.settings.getAllSettings(), file.output());
+        tav::ula::writeSettingsXML(store.settings.getAllSettings(), file.output());
         file.commit();
     }
     OurStore store;

@@ -7,10 +7,6 @@ namespace {
 
 using namespace tav::bench;
 
-std::size_t keyCountOf(const benchmark::State& state) {
-    return static_cast<std::size_t>(state.range(0));
-}
-
 /// The sum of what the first queries give, to compare the stores with each other.
 template <class Store>
 std::int64_t checkSum(Store& store, const std::vector<typename Store::Query>& queries) {

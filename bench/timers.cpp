@@ -2,11 +2,11 @@
 // Repeating timers of 1 ms and 10 ms: how far the time between two calls is from the period, and
 // whether the calls drift away from the schedule. The times that are printed mean nothing here;
 // the counters do.
+#include "bench/QtApplication.h"
 #include "bench/Quantile.h"
 #include "ula/NativeTimer.h"
 
 #include <CoreFoundation/CoreFoundation.h>
-#include <QCoreApplication>
 #include <QTimer>
 #include <asio.hpp>
 #include <benchmark/benchmark.h>
@@ -134,10 +134,7 @@ void runGLib(Ticks& ticks, int milliseconds) {
 }
 
 void runQt(Ticks& ticks, int milliseconds) {
-    static char name[] = "bench";
-    static char* arguments[] = {name, nullptr};
-    static int count = 1;
-    static QCoreApplication application(count, arguments);
+    needQtApplication();
     QTimer timer;
     timer.setTimerType(Qt::PreciseTimer);
     QObject::connect(&timer, &QTimer::timeout, [&ticks] {

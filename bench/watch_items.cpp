@@ -5,6 +5,7 @@
 #include "bench/MainLoops.h"
 #include "bench/PeerData.h"
 #include "bench/Quantile.h"
+#include "bench/ScratchFolder.h"
 #include "ula/FileSystemWatcher.h"
 
 #include <QAbstractEventDispatcher>
@@ -32,25 +33,6 @@ using namespace tav::bench;
 constexpr auto kPeriod = std::chrono::milliseconds(100);
 constexpr auto kLongestWait = std::chrono::seconds(3);
 constexpr std::uint32_t kMask = IN_MODIFY | IN_ATTRIB | IN_DELETE_SELF | IN_MOVE_SELF;
-
-/// Gone at the end, with all in it.
-class Folder {
-public:
-    Folder() {
-        static int number = 0;
-        _path = std::filesystem::temp_directory_path() /
-                ("ula-watch-" + std::to_string(getpid()) + "-" + std::to_string(++number));
-        std::filesystem::create_directories(_path);
-    }
-    ~Folder() { std::filesystem::remove_all(_path); }
-    Folder(const Folder&) = delete;
-    Folder& operator=(const Folder&) = delete;
-
-    std::string operator/(const std::string& name) const { return _path / name; }
-
-private:
-    std::filesystem::path _path;
-};
 
 /// Writes to a file at moments of its own, one at a time, and takes the time until it is told.
 class Writer {
@@ -103,7 +85,7 @@ private:
         _finished();
     }
 
-    Folder _folder;
+    const ScratchFolder _folder{std::filesystem::temp_directory_path()};
     const std::function<void()> _finished;
     std::thread _thread;
     std::mutex _mutex;
@@ -143,7 +125,7 @@ private:
         return of(usage.ru_utime) + of(usage.ru_stime);
     }
 
-    Folder _folder;
+    const ScratchFolder _folder{std::filesystem::temp_directory_path()};
 };
 
 using Slot = std::function<void()>;
@@ -268,16 +250,7 @@ public:
         while (!isOver())
             g_main_context_iteration(nullptr, TRUE);
     }
-    void runFor(std::chrono::milliseconds time) {
-        GMainLoop* const loop = g_main_loop_new(nullptr, FALSE);
-        const auto quit = [](gpointer held) -> gboolean {
-            g_main_loop_quit(static_cast<GMainLoop*>(held));
-            return G_SOURCE_REMOVE;
-        };
-        g_timeout_add(static_cast<guint>(time.count()), quit, loop);
-        g_main_loop_run(loop);
-        g_main_loop_unref(loop);
-    }
+    void runFor(std::chrono::milliseconds time) { runGLibFor(time); }
 
 private:
     static void changed(GFileMonitor*, GFile*, GFile*, GFileMonitorEvent event, gpointer self) {
@@ -310,7 +283,7 @@ void delay(benchmark::State& state) {
             state.SkipWithError("writes were not told");
         else {
             state.counters["p50_ns"] = quantile(delays, 0.5);
-            state.counters["p99_ns"] = quantile(delays, 1);
+            state.counters["longest_ns"] = quantile(delays, 1);
         }
     }
 }

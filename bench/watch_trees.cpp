@@ -4,6 +4,7 @@
 // it is told. Each contestant runs in a process of its own, as memory is measured. The tree is in
 // memory (/dev/shm; TMPDIR names another place), so that no disk slows the burst down. The times
 // that are printed are those of the beginning; the counters say the rest.
+#include "bench/ScratchFolder.h"
 #include "bench/TreeContest.h"
 #include "bench/TreeContestants.h"
 
@@ -27,12 +28,9 @@ using Figures = std::map<std::string, double>;
 class TemporaryTree {
 public:
     TemporaryTree() {
-        std::filesystem::create_directories(_path / "empty");
+        std::filesystem::create_directories(_folder / "empty");
         _tree.make();
     }
-    ~TemporaryTree() { std::filesystem::remove_all(_path); }
-    TemporaryTree(const TemporaryTree&) = delete;
-    TemporaryTree& operator=(const TemporaryTree&) = delete;
 
     const WatchedTree& get() const { return _tree; }
     static TemporaryTree& ofAll() {
@@ -45,11 +43,11 @@ private:
         const bool isGiven = getenv("TMPDIR") != nullptr;
         if (!isGiven && std::filesystem::is_directory("/dev/shm"))
             return "/dev/shm";
-        return std::filesystem::canonical(std::filesystem::temp_directory_path());
+        return std::filesystem::temp_directory_path();
     }
 
-    const std::filesystem::path _path = place() / ("ula-trees-" + std::to_string(getpid()));
-    const WatchedTree _tree{_path / "tree"};
+    const ScratchFolder _folder{place()};
+    const WatchedTree _tree{_folder / "tree"};
 };
 
 // In the process of a contestant.

@@ -5,18 +5,13 @@
 #include "CoreServices/BookmarkData.h"
 #include "CoreServices/DesktopLink.h"
 #include "CoreServices/ResourceFork.h"
+#include "fuzz/Expect.h"
 
 #include <cstdint>
-#include <cstdlib>
 
 namespace {
 
 using namespace coreservices;
-
-void expect(bool condition) {
-    if (!condition)
-        std::abort();
-}
 
 void check(const std::optional<MacAlias>& alias) {
     if (!alias)

@@ -3,19 +3,14 @@
 // must become a plain one that stays as it is, and as a pattern of folders, which must lead
 // nowhere but downwards.
 #include "ImageCapture/SafeName.h"
+#include "fuzz/Expect.h"
 #include "ula/src/Core/PictureDate.h"
 
 #include <cstdint>
-#include <cstdlib>
 
 namespace {
 
 using namespace tav::ula;
-
-void expect(bool condition) {
-    if (!condition)
-        std::abort();
-}
 
 void checkDate(std::string_view bytes) {
     if (const auto date = pictureDate(bytes))

@@ -1,22 +1,17 @@
 // SPDX-License-Identifier: MIT
 // Runs a sequence of string operations beside the same ones on std::string and compares.
+#include "fuzz/Expect.h"
 #include "ula/foundation/debug/Log.h"
 #include "ula/foundation/text/FastString.h"
 
 #include <algorithm>
 #include <array>
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 
 namespace {
 
 using namespace tav;
-
-void expect(bool condition) {
-    if (!condition)
-        std::abort();
-}
 
 /// The order as it is defined, one byte after the other.
 int referenceOrder(const std::string& left, const std::string& right) {

@@ -2,18 +2,13 @@
 // The encrypted keychain file, its key, and the items within, which a right key may have sealed.
 #include "Security/Keychain/ItemTable.h"
 #include "Security/Keychain/SealedFile.h"
+#include "fuzz/Expect.h"
 
-#include <cstdlib>
 #include <sodium.h>
 
 namespace {
 
 using namespace security;
-
-void require(bool isTrue) {
-    if (!isTrue)
-        std::abort();
-}
 
 void readItems(std::string_view bytes) {
     ItemTable table{SecretBytes(bytes)};
@@ -24,11 +19,11 @@ void readItems(std::string_view bytes) {
     const ItemName name{"fuzzed", std::string(bytes.substr(0, 3))};
     const auto before = table.find(name);
     table.add(name, bytes);
-    require(table.isWhole() && table.names().size() == count + 1);
+    expect(table.isWhole() && table.names().size() == count + 1);
     if (!before)
-        require(table.find(name)->secret == bytes);
+        expect(table.find(name)->secret == bytes);
     table.remove(*table.find(name));
-    require(table.isWhole() && table.names().size() == count);
+    expect(table.isWhole() && table.names().size() == count);
 }
 
 }  // namespace
@@ -37,12 +32,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     static const bool isStarted = sodium_init() >= 0;
     static const SecretBytes key = makeKey();
     const std::string_view bytes(reinterpret_cast<const char*>(data), size);
-    require(isStarted);
+    expect(isStarted);
     SecretBytes plain;
-    require(unseal(bytes, key, plain) != SealState::Intact);
+    expect(unseal(bytes, key, plain) != SealState::Intact);
     examineKey(bytes);
     readItems(bytes);
-    require(unseal(seal(SecretBytes(bytes), key), key, plain) == SealState::Intact);
-    require(plain.view() == bytes);
+    expect(unseal(seal(SecretBytes(bytes), key), key, plain) == SealState::Intact);
+    expect(plain.view() == bytes);
     return 0;
 }

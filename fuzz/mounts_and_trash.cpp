@@ -3,18 +3,9 @@
 // must be read as that path.
 #include "AppKit/TrashInfo.h"
 #include "CoreServices/MountInfo.h"
+#include "fuzz/Expect.h"
 
 #include <cstdint>
-#include <cstdlib>
-
-namespace {
-
-void expect(bool condition) {
-    if (!condition)
-        std::abort();
-}
-
-}  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string text(reinterpret_cast<const char*>(data), size);

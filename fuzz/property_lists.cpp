@@ -3,10 +3,11 @@
 // settings which the quick reader finds in them are the same as those in the objects, and survive
 // being written and read.
 #include "CoreFoundation/PropertyList/Readers.h"
+#include "fuzz/Expect.h"
+#include "fuzz/FuzzFolder.h"
 #include "ula/src/Core/SettingsPListQuickReader.h"
 #include "ula/src/Core/SettingsPListWriter.h"
 
-#include <cstdlib>
 #include <fcntl.h>
 #include <string>
 #include <unistd.h>
@@ -19,11 +20,6 @@ using namespace cf::plist;
 using tav::ula::FastString;
 using tav::ula::SettingsBase;
 using Setting = SettingsBase::Setting;
-
-void expect(bool condition) {
-    if (!condition)
-        std::abort();
-}
 
 /// A value that is no setting.
 struct Other {};
@@ -125,13 +121,8 @@ SettingsBase::GroupMap settingsOf(Object root) {
     return settings;
 }
 
-/// In memory, so that the fuzzer does not wait for a disk.
 const std::string& path() {
-    static const std::string path = [] {
-        std::string name = "/dev/shm/ula-fuzz-XXXXXX";
-        expect(mkdtemp(name.data()) != nullptr);
-        return name + "/input.plist";
-    }();
+    static const std::string path = fuzzFolder() + "/input.plist";
     return path;
 }
 
@@ -140,7 +131,7 @@ bool readQuickly(std::string_view bytes, SettingsBase::GroupMap& settings) {
     expect(file >= 0 &&
            write(file, bytes.data(), bytes.size()) == static_cast<ssize_t>(bytes.size()));
     close(file);
-    return tav::ula::readPropertyListQuickly(FastString(path()), settings);
+    return tav::ula::readSettingsPListQuickly(FastString(path()), settings);
 }
 
 }  // namespace
@@ -157,7 +148,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         expect(root != nullptr && nodeOf(root)->isDictionary && settingsOf(root) == settings);
         std::string text;
         tav::xml::XmlOutput output([&](std::string_view piece) { text += piece; });
-        tav::ula::writePropertyList(settings, output);
+        tav::ula::writeSettingsPList(settings, output);
         output.flush();
         SettingsBase::GroupMap again;
         expect(readQuickly(text, again) && again == settings);

@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: MIT
 // Reads any bytes as a settings file, both ways that the library has, and expects the same of
 // both; what was read, written and read again must be equal.
+#include "fuzz/Expect.h"
+#include "fuzz/FuzzFolder.h"
 #include "ula/SettingsException.h"
 #include "ula/SettingsXML.h"
 #include "ula/foundation/debug/Log.h"
 
 #include <cstdint>
-#include <cstdlib>
 #include <fcntl.h>
 #include <string>
 #include <unistd.h>
@@ -28,21 +29,6 @@ Outcome outcomeOf(Read read) {
     }
 }
 
-void expect(bool condition) {
-    if (!condition)
-        std::abort();
-}
-
-/// In memory, so that the fuzzer does not wait for a disk.
-const std::string& folder() {
-    static const std::string path = [] {
-        std::string name = "/dev/shm/ula-fuzz-XXXXXX";
-        expect(mkdtemp(name.data()) != nullptr);
-        return name;
-    }();
-    return path;
-}
-
 void writeBytes(const std::string& path, const std::uint8_t* data, std::size_t size) {
     const int file = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
     expect(file >= 0 && write(file, data, size) == static_cast<ssize_t>(size));
@@ -55,7 +41,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     static const bool quiet = (debug::setLogSink([](const debug::LogRecord&) {}), true);
     static_cast<void>(quiet);
 
-    const std::string input = folder() + "/input.xml";
+    const std::string input = fuzzFolder() + "/input.xml";
     unlink(input.c_str());
     SettingsXML fromFile("App", "Company", FastString(input), false);
     writeBytes(input, data, size);
@@ -65,7 +51,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     expect(outcomeOf([&] { return fromFile.read(); }) == outcome);
     expect(fromFile.getAllSettings() == fromText.getAllSettings());
 
-    const std::string output = folder() + "/output.xml";
+    const std::string output = fuzzFolder() + "/output.xml";
     unlink(output.c_str());
     SettingsXML writer("App", "Company", FastString(output), false);
     if (outcome != Outcome::Read || !writer.read(text))

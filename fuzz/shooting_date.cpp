@@ -3,21 +3,16 @@
 // reader must give valid dates only, which read back as they were; where it reads a text of plain
 // layout, the other must find the same; and a carried time must stay what it is when it is carried
 // again.
+#include "fuzz/Expect.h"
 #include "ula/ShootingDate.h"
 #include "ula/ULATime.h"
 
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 
 namespace {
 
 using namespace tav::ula;
-
-void expect(bool condition) {
-    if (!condition)
-        std::abort();
-}
 
 /// With the day of the week, which is never compared.
 bool isSame(const ULATime& left, const ULATime& right) {

@@ -55,8 +55,8 @@ public:
     /// Owner: the node, of what they point to.
     std::vector<Dir*> childrenSorted(bool visibleFoldersOnly);
     /// Lists the children, telling `progress` how many were found so far; it ends the listing by
-    /// answering false. Returns whether the children are loaded; a listing that was ended leaves
-    /// the node as it was.
+    /// answering false. Returns whether the children are loaded; a listing that was ended, or whose
+    /// `progress` has thrown, leaves the node as it was.
     bool loadChildren(bool visibleFoldersOnly, const ListingProgress& progress);
 
     /// Forgets the children and looks at the path anew; waits for the disk.
@@ -67,7 +67,8 @@ public:
     void dump(bool withChildren);
 
 private:
-    void adopt(const std::vector<AbstractDirHelper*>& helpers);
+    /// Leaves null pointers behind.
+    void adopt(std::vector<AbstractDirHelper*>& helpers);
 
     std::unique_ptr<AbstractDirHelper> _helper;
     bool _childrenLoaded = false;

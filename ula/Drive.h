@@ -81,7 +81,6 @@ private:
     DriveType _type;
     FileProperties _properties;
     std::string _mountPoint;
-    bool _isSet = true;
 };
 
 }  // namespace tav::ula

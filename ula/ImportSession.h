@@ -56,9 +56,17 @@ enum class ImportResult {
     Cancelled,
 };
 
+/// Where it failed.
+enum class ImportFailure {
+    None,
+    Source,  ///< the device did not give the file
+    Target,  ///< it could not be written here, or did not come back from the disk as it was
+};
+
 struct ImportedFile {
     ImportObject object;
     ImportResult result = ImportResult::Failed;
+    ImportFailure failure = ImportFailure::None;
     std::string path;   ///< where it is now; empty unless it was imported or there
     std::string error;  ///< why it failed
 };
@@ -77,7 +85,8 @@ public:
     static std::vector<ImportDevice> devices();
 
     explicit ImportSession(const std::string& deviceId);
-    /// On another source of files. Owner: the session.
+    /// On another source of files, for the library's own tests: what a source is, is told by a
+    /// header that is not installed. Owner: the session.
     explicit ImportSession(std::unique_ptr<ImportSource> source);
     ~ImportSession();
     ImportSession(const ImportSession&) = delete;

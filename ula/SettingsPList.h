@@ -3,6 +3,7 @@
 
 #include "ula/Settings.h"
 
+#include <optional>
 #include <string>
 
 namespace tav::ula {
@@ -58,13 +59,13 @@ public:
                           std::string& error);
 
 private:
-    bool keepUnreadableFileAside();
+    bool keepUnreadableFileAside(std::string reason);
 
     bool _userScope;
     std::string _lastError;
     bool _keepBackup = true;
-    /// The file is there, could not be read, and has no copy yet.
-    bool _unreadableFilePending = false;
+    /// Why the file that is there could not be read, while it has no copy.
+    std::optional<std::string> _reasonOfUnkeptFile;
 };
 
 }  // namespace tav::ula

@@ -5,6 +5,7 @@
 #include "ula/foundation/util/SharedPtr.h"
 #include "ula/foundation/xml/XmlDocumentRapid.h"
 
+#include <optional>
 #include <string>
 
 namespace tav::ula {
@@ -62,15 +63,15 @@ private:
     void readAtConstruction();
     bool readLoaded(const util::SharedPtr<xml::XmlDocumentRapid>& document,
                     const xml::XmlError& error);
-    bool keepUnreadableFileAside();
+    bool keepUnreadableFileAside(std::string reason);
     void writeFile();
 
     bool _writeOnDestroy;
     FastString _filePath;
     std::string _lastError;
     bool _keepBackup = false;
-    /// The file was there at construction, could not be understood, and has no copy yet.
-    bool _unreadableFilePending = false;
+    /// Why the file that was there at construction could not be understood, while it has no copy.
+    std::optional<std::string> _reasonOfUnkeptFile;
 };
 
 }  // namespace tav::ula

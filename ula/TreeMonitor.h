@@ -52,7 +52,8 @@ struct TreeMonitorOptions {
 /// left out, and where the system lost some, `RescanNeeded` says so. A root that is removed is told
 /// as `Removed`; the monitor stays, and tells `RescanNeeded` when something has its path again. A
 /// single file is followed through an editor's replacing it, which is told as `Changed`.
-/// Symbolic links below the root are items and are not followed.
+/// Symbolic links below the root are items and are not followed. What a slot throws is logged, and
+/// the events after it are told as ever.
 ///
 /// Thread: made, used and destroyed on one thread, whose run loop calls the slots. A slot may
 /// destroy the monitor.

@@ -96,11 +96,15 @@ public:
         int ready[2];
         if (pipe(ready) != 0)
             return false;
-        const StopWatch watch;
         const pid_t process = fork();
         if (process == 0)
             saveForever(_path, *_counters, ready[1], _inPlace);
         close(ready[1]);
+        // Killing "process -1" would end everything that this user may end.
+        if (process < 0) {
+            close(ready[0]);
+            return false;
+        }
         char byte = 0;
         const bool isReady = read(ready[0], &byte, 1) == 1;
         close(ready[0]);
@@ -172,7 +176,7 @@ int run(const char* path, int wanted, bool inPlace) {
     // Not every kill finds the process within a save; there must be an end all the same.
     while (tally.within < wanted && tally.kills < 20 * wanted && tally.whole == tally.kills) {
         if (!crasher.killOnce(tally)) {
-            report.check(false, "the saving process ended by itself");
+            report.check(false, "the saving process did not start, or ended by itself");
             break;
         }
         report.progress(tally.within, wanted,

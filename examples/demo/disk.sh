@@ -4,15 +4,14 @@
 #
 #   unshare --mount examples/demo/disk.sh ULA FOLDER      as root
 set -euo pipefail
+. "$(dirname "$0")/functions.sh"
 ula=$1
 folder=$2
 disk="/Volumes/Holiday disk"
 
-failed=0
-expect() { # expect WHAT PATTERN TEXT
-    grep -Eq -- "$2" <<<"$3" && return
-    printf '    FAIL %s\n' "$1"
-    failed=1
+# expect WHAT PATTERN TEXT
+expect() {
+    grep -Eq -- "$2" <<<"$3" || wrong "$1"
 }
 show() {
     printf '  $ ula %s\n' "$*"

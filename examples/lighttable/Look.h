@@ -29,7 +29,6 @@ void drawText(NSString* text, NSRect place, NSFont* font, NSColor* colour,
               Alignment alignment = Alignment::Left);
 /// Cut in its middle, so that a file's ending stays.
 NSString* fitted(NSString* text, NSFont* font, CGFloat width);
-CGFloat widthOf(NSString* text, NSFont* font);
 
 void fill(NSRect rectangle, NSColor* colour);
 void fillRounded(NSRect rectangle, CGFloat radius, NSColor* colour);

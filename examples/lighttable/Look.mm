@@ -21,6 +21,10 @@ NSDictionary* attributes(NSFont* font, NSColor* colour) {
                                                       NSForegroundColorAttributeName, nil];
 }
 
+CGFloat widthOf(NSString* text, NSFont* font) {
+    return [text sizeWithAttributes:attributes(font, look::text())].width;
+}
+
 /// With so many letters of it left.
 NSString* cut(NSString* text, NSUInteger letters) {
     const NSUInteger back = letters / 2;
@@ -70,10 +74,6 @@ NSFont* font(CGFloat size) {
 NSFont* boldFont(CGFloat size) {
     NSFont* const known = [NSFont fontWithName:@"DejaVuSans-Bold" size:size];
     return known != nil ? known : [NSFont boldSystemFontOfSize:size];
-}
-
-CGFloat widthOf(NSString* text, NSFont* font) {
-    return [text sizeWithAttributes:attributes(font, look::text())].width;
 }
 
 NSString* fitted(NSString* text, NSFont* font, CGFloat width) {

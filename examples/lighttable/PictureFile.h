@@ -30,7 +30,7 @@ struct FolderContent {
     std::vector<PictureFile> pictures;  ///< in the Finder's order
 };
 
-/// By its ending: whether AppKit may be able to show it.
+/// By its ending: whether it may be a picture that can be decoded.
 bool isPictureName(const std::string& name);
 
 }  // namespace lighttable

@@ -12,7 +12,7 @@ namespace lighttable {
 std::string statusText(const FolderContent& content, const PictureFile* selected);
 /// What became of an import.
 std::string importText(const ImportOutcome& outcome);
-/// "IMG_1.JPG: 12 of 48 pictures"
+/// "Importing 12 of 48 pictures · IMG_1.JPG"
 std::string importText(const ImportState& state);
 
 }  // namespace lighttable

@@ -13,13 +13,6 @@ namespace {
 /// Other applications' names are not met with it.
 constexpr const char* kQualifier = "org.example.lighttable";
 
-std::string place() {
-    for (const KeychainStore& store : keychainStores())
-        if (store.isDefault)
-            return store.isAvailable ? store.path.toStdString() : "";
-    return "";
-}
-
 }  // namespace
 
 void UploadAccount::look(const std::string& server, const std::string& account, Answered answered) {
@@ -32,7 +25,6 @@ void UploadAccount::look(const std::string& server, const std::string& account, 
             for (const KeychainItemName& name : names)
                 answer.isKept |=
                     name.name == FastString(server) && name.account == FastString(account);
-            answer.place = place();
             return answer;
         },
         std::move(answered));
@@ -44,7 +36,7 @@ void UploadAccount::keep(const std::string& server, const std::string& account,
         [server, account, password] {
             const bool isDone = addToKeychain(FastString(server), FastString(account),
                                               FastString(password), FastString(kQualifier));
-            return Answer{isDone, isDone, place()};
+            return Answer{isDone, isDone};
         },
         std::move(answered));
 }
@@ -55,7 +47,7 @@ void UploadAccount::forget(const std::string& server, const std::string& account
         [server, account] {
             const bool isDone =
                 deleteKeychain(FastString(server), FastString(account), FastString(kQualifier));
-            return Answer{isDone, !isDone, place()};
+            return Answer{isDone, !isDone};
         },
         std::move(answered));
 }

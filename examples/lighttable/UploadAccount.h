@@ -16,7 +16,6 @@ public:
     struct Answer {
         bool isDone = false;
         bool isKept = false;  ///< there is a password
-        std::string place;    ///< where passwords are kept
     };
     using Answered = std::function<void(const Answer&)>;
 

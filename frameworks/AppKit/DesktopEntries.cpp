@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "AppKit/DesktopEntries.h"
 
+#include "CoreFoundation/EnvironmentVariable.h"
+#include "CoreFoundation/FolderStream.h"
 #include "CoreFoundation/WholeContent.h"
 
 #include <algorithm>
 #include <climits>
 #include <cstdlib>
-#include <dirent.h>
 #include <fcntl.h>
 #include <memory>
 #include <unistd.h>
@@ -18,11 +19,6 @@ namespace {
 constexpr std::string_view kSuffix = ".desktop";
 // Far more than any entry has with all its translations.
 constexpr size_t kLargestFile = 1 << 20;
-
-std::string variable(const char* name, const std::string& otherwise) {
-    const char* value = std::getenv(name);
-    return value != nullptr && *value != '\0' ? value : otherwise;
-}
 
 std::vector<std::string> parts(const std::string& list) {
     std::vector<std::string> result;
@@ -36,9 +32,11 @@ std::vector<std::string> parts(const std::string& list) {
 }
 
 std::vector<std::string> foldersOfProcess() {
-    const std::string data = variable("XDG_DATA_HOME", variable("HOME", "/") + "/.local/share");
+    const std::string data = cf::environmentVariable(
+        "XDG_DATA_HOME", cf::environmentVariable("HOME", "/") + "/.local/share");
     std::vector<std::string> folders = {data + "/applications"};
-    for (const std::string& part : parts(variable("XDG_DATA_DIRS", "/usr/local/share:/usr/share")))
+    for (const std::string& part :
+         parts(cf::environmentVariable("XDG_DATA_DIRS", "/usr/local/share:/usr/share")))
         folders.push_back(part + "/applications");
     return folders;
 }
@@ -49,7 +47,7 @@ std::string beginningOf(const std::string& path, size_t largest) {
 }
 
 // Empty when nothing can be run there.
-std::string canonical(const std::string& path) {
+std::string programAt(const std::string& path) {
     char target[PATH_MAX];
     return access(path.c_str(), X_OK) == 0 && realpath(path.c_str(), target) != nullptr ? target
                                                                                         : "";
@@ -64,10 +62,6 @@ bool isSame(const timespec& one, const timespec& other) {
     return one.tv_sec == other.tv_sec && one.tv_nsec == other.tv_nsec;
 }
 
-struct CloseFolder {
-    void operator()(DIR* folder) const { closedir(folder); }
-};
-
 }  // namespace
 
 DesktopEntries::DesktopEntries(std::vector<std::string> folders, std::string searchPath)
@@ -76,8 +70,8 @@ DesktopEntries::DesktopEntries(std::vector<std::string> folders, std::string sea
 
 DesktopEntries& DesktopEntries::ofProcess() {
     // Never destroyed: other threads may ask until the very end.
-    static auto* entries =
-        new DesktopEntries(foldersOfProcess(), variable("PATH", "/usr/local/bin:/usr/bin:/bin"));
+    static auto* entries = new DesktopEntries(
+        foldersOfProcess(), cf::environmentVariable("PATH", "/usr/local/bin:/usr/bin:/bin"));
     return *entries;
 }
 
@@ -111,7 +105,7 @@ std::shared_ptr<const DesktopIndex> DesktopEntries::current() {
 void DesktopEntries::readFolder(DesktopIndex& index, const std::string& folder,
                                 const std::string& prefix) const {
     index._folders[folder] = changeOf(folder);
-    const std::unique_ptr<DIR, CloseFolder> listing(opendir(folder.c_str()));
+    const cf::FolderStream listing(opendir(folder.c_str()));
     while (const dirent* item = listing ? readdir(listing.get()) : nullptr) {
         const std::string name = item->d_name;
         // Links to folders are not followed, so there is no way in a circle.
@@ -141,9 +135,9 @@ void DesktopEntries::readEntry(DesktopIndex& index, const std::string& path,
 
 std::string DesktopEntries::locate(const std::string& name) const {
     if (name.find('/') != std::string::npos)
-        return name[0] == '/' ? canonical(name) : "";
+        return name[0] == '/' ? programAt(name) : "";
     for (const std::string& folder : parts(_searchPath))
-        if (std::string path = canonical(folder + "/" + name); !path.empty())
+        if (std::string path = programAt(folder + "/" + name); !path.empty())
             return path;
     return {};
 }

@@ -2,16 +2,13 @@
 #include "AppKit/IconTheme.h"
 #include "AppKit/KeyFile.h"
 
+#include "CoreFoundation/EnvironmentVariable.h"
+
 #include <cstdlib>
 
 namespace appkit {
 
 namespace {
-
-std::string variable(const char* name, const std::string& otherwise) {
-    const char* value = std::getenv(name);
-    return value != nullptr && *value != '\0' ? value : otherwise;
-}
 
 // The first settings file that names a theme.
 std::string userTheme(const std::string& settings) {
@@ -37,15 +34,17 @@ std::string userTheme(const std::string& settings) {
 }  // namespace
 
 IconPlaces IconPlaces::ofProcess() {
-    std::string home = variable("HOME", "/");
+    std::string home = cf::environmentVariable("HOME", "/");
     IconPlaces places;
     places.folders.push_back(home + "/.icons");
-    places.folders.push_back(variable("XDG_DATA_HOME", home + "/.local/share") + "/icons");
-    std::string data = variable("XDG_DATA_DIRS", "/usr/local/share:/usr/share") + ":";
+    places.folders.push_back(cf::environmentVariable("XDG_DATA_HOME", home + "/.local/share") +
+                             "/icons");
+    std::string data =
+        cf::environmentVariable("XDG_DATA_DIRS", "/usr/local/share:/usr/share") + ":";
     for (size_t begin = 0, end; (end = data.find(':', begin)) != std::string::npos; begin = end + 1)
         if (end > begin)
             places.folders.push_back(data.substr(begin, end - begin) + "/icons");
-    places.theme = userTheme(variable("XDG_CONFIG_HOME", home + "/.config"));
+    places.theme = userTheme(cf::environmentVariable("XDG_CONFIG_HOME", home + "/.config"));
     return places;
 }
 

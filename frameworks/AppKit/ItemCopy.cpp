@@ -2,11 +2,11 @@
 #include "AppKit/ItemCopy.h"
 
 #include "CoreFoundation/Descriptor.h"
+#include "CoreFoundation/FolderStream.h"
 
 #include <cerrno>
 #include <climits>
 #include <cstring>
-#include <dirent.h>
 #include <fcntl.h>
 #include <memory>
 #include <sys/sendfile.h>
@@ -26,7 +26,7 @@ int forEachEntry(int folder, Function function) {
     int own = openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (own < 0)
         return errno;
-    std::unique_ptr<DIR, int (*)(DIR*)> entries(fdopendir(own), closedir);
+    const cf::FolderStream entries(fdopendir(own));
     if (entries == nullptr) {
         ::close(own);
         return ENOMEM;

@@ -67,7 +67,7 @@ void becomeNewborn() {
     _exit(1);
 }
 
-std::string canonical(const std::string& path) {
+std::string resolved(const std::string& path) {
     char target[PATH_MAX];
     return realpath(path.c_str(), target) != nullptr ? target : path;
 }
@@ -110,9 +110,9 @@ bool startProgram(const std::vector<std::string>& words) {
 }
 
 bool openApplication(const std::string& path, pid_t except) {
-    const std::string wanted = canonical(path);
+    const std::string wanted = resolved(path);
     for (const RunningApplication& application : runningApplications()) {
-        if (canonical(application.identity.path) == wanted && application.process != getpid() &&
+        if (resolved(application.identity.path) == wanted && application.process != getpid() &&
             application.process != except) {
             activate(application);
             return true;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "AppKit/ProcessTable.h"
 
+#include "CoreFoundation/FolderStream.h"
 #include "CoreFoundation/WholeContent.h"
 
 #include <algorithm>
@@ -8,7 +9,6 @@
 #include <climits>
 #include <cstdio>
 #include <cstdlib>
-#include <dirent.h>
 #include <fcntl.h>
 #include <memory>
 #include <string_view>
@@ -42,10 +42,6 @@ std::vector<std::string> texts(const std::string& bytes) {
     return result;
 }
 
-struct CloseFolder {
-    void operator()(DIR* folder) const { closedir(folder); }
-};
-
 }  // namespace
 
 std::string pathOfProgram(std::string link) {
@@ -57,7 +53,7 @@ std::string pathOfProgram(std::string link) {
 
 std::vector<RunningProgram> ProcessTable::programs() const {
     std::vector<RunningProgram> found;
-    const std::unique_ptr<DIR, CloseFolder> folder(opendir(_folder.c_str()));
+    const cf::FolderStream folder(opendir(_folder.c_str()));
     if (!folder)
         return found;
     while (const dirent* entry = readdir(folder.get())) {

@@ -41,7 +41,7 @@ int makeFoldersAbove(const std::string& path) {
     return 0;
 }
 
-TrashStatus statusOf(int error) {
+TrashStatus restoreStatusOf(int error) {
     switch (error) {
     case 0:
         return TrashStatus::Done;
@@ -103,7 +103,7 @@ TrashOutcome restoreFromTrash(const TrashReceipt& receipt) {
         error = copyBack(trashed.place, original.place);
     if (error == 0)
         unlink(receipt.infoPath.c_str());
-    outcome.status = statusOf(error);
+    outcome.status = restoreStatusOf(error);
     outcome.systemError = error;
     return outcome;
 }

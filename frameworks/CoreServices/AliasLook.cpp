@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "CoreServices/AliasLook.h"
 
+#include "CoreServices/MountInfo.h"
+
 #include <cerrno>
 #include <climits>
 #include <cstdlib>
@@ -73,7 +75,7 @@ AliasLook lookAt(const std::string& path) {
     }
     look.mode = info.stx_mode;
     look.mountId = info.stx_mnt_id;
-    look.isMountRoot = (info.stx_attributes & STATX_ATTR_MOUNT_ROOT) != 0;
+    look.isMountRoot = coreservices::isMountRoot(info);
     if (S_ISLNK(look.mode))
         look.linkTarget = readLink(look.path);
     else if (S_ISREG(look.mode))

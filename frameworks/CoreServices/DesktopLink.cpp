@@ -118,7 +118,7 @@ AliasKind hintOf(const Entry& entry, bool onNetwork) {
     icon.remove_prefix(std::min(icon.size(), icon.rfind('/') + 1));
     if (startsWithAny(icon, kDiskIcons))
         return AliasKind::Disk;
-    bool folder = onNetwork || entry.url.ends_with("/") || startsWithAny(icon, kFolderIcons) ||
+    bool folder = onNetwork || entry.url.ends_with('/') || startsWithAny(icon, kFolderIcons) ||
                   entry.mimeTypes.find("inode/directory") != std::string::npos;
     return folder ? AliasKind::Folder : AliasKind::File;
 }

@@ -63,10 +63,6 @@ FolderEntry::Kind kindOf(const dirent64& entry) {
     }
 }
 
-bool isMountRoot(const struct statx& item) {
-    return (item.stx_attributes & STATX_ATTR_MOUNT_ROOT) != 0;
-}
-
 ItemType typeOfFolder(std::string_view name) {
     if (isApplicationName(name))
         return ItemType::ApplicationBundle;

@@ -25,7 +25,7 @@ constexpr std::string_view kPackages[] = {
 };
 
 // A name that is nothing but an extension has none.
-bool endsWith(std::string_view name, std::string_view extension) {
+bool hasExtension(std::string_view name, std::string_view extension) {
     return name.size() > extension.size() &&
            strncasecmp(name.data() + name.size() - extension.size(), extension.data(),
                        extension.size()) == 0;
@@ -36,10 +36,6 @@ bool isVolumePoint(const std::string& point) {
         return true;
     const std::vector<std::string> points = volumePoints(*currentMounts(), kVolumesFolder);
     return std::find(points.begin(), points.end(), point) != points.end();
-}
-
-bool isMountRoot(const struct statx& item) {
-    return (item.stx_attributes & STATX_ATTR_MOUNT_ROOT) != 0;
 }
 
 ItemType typeOfFolder(const std::string& path, const struct statx& item) {
@@ -57,13 +53,13 @@ ItemType typeOfFolder(const std::string& path, const struct statx& item) {
 }  // namespace
 
 bool isApplicationName(std::string_view name) {
-    return endsWith(name, kApplication);
+    return hasExtension(name, kApplication);
 }
 
 bool isPackageName(std::string_view name) {
     return isApplicationName(name) ||
            std::any_of(std::begin(kPackages), std::end(kPackages),
-                       [name](std::string_view package) { return endsWith(name, package); });
+                       [name](std::string_view package) { return hasExtension(name, package); });
 }
 
 std::optional<ItemType> itemType(const std::string& path) {

@@ -6,6 +6,7 @@
 #include <fstream>
 #include <optional>
 #include <sstream>
+#include <sys/stat.h>
 
 namespace coreservices {
 
@@ -89,6 +90,10 @@ std::vector<Mount> parseMountInfo(std::string_view text) {
         text.remove_prefix(std::min(end + 1, text.size()));
     }
     return mounts;
+}
+
+bool isMountRoot(const struct ::statx& item) {
+    return (item.stx_attributes & STATX_ATTR_MOUNT_ROOT) != 0;
 }
 
 std::string readMountInfo() {

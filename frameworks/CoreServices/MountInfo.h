@@ -6,6 +6,8 @@
 #include <string_view>
 #include <vector>
 
+struct statx;
+
 namespace coreservices {
 
 // One mounted file system as the kernel lists it for this process.
@@ -21,6 +23,9 @@ struct Mount {
         {};  // "8:1"; file systems without a disk have numbers of their own, "0:52"
     bool isReadOnly = false;  // the file system, or this mount of it
 };
+
+// Whether what statx told is the root of a mount.
+bool isMountRoot(const struct ::statx& item);
 
 // Parses the text of a mountinfo file. Names come with the kernel's octal escapes undone. A line
 // that is no mountinfo line is left out. Later mounts on one point hide earlier ones; all are

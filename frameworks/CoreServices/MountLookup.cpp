@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "CoreServices/MountLookup.h"
 
+#include "CoreServices/MostLinks.h"
+
 #include <algorithm>
 #include <climits>
 #include <map>
@@ -18,8 +20,6 @@ constexpr std::string_view kOwnAnswers[] = {
     "iso9660",  "jfs",   "minix",    "msdos",  "nilfs2",  "ntfs",     "ntfs3",    "overlay",
     "proc",     "ramfs", "reiserfs", "rootfs", "romfs",   "squashfs", "sysfs",    "tmpfs",
     "tracefs",  "ubifs", "udf",      "ufs",    "vfat",    "xfs",      "zfs"};
-
-constexpr int kMostLinks = 40;  // as in the kernel
 
 using Places = std::map<std::pair<uint64_t, std::string_view>, const Mount*>;
 

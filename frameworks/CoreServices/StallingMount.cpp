@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "CoreServices/StallingMount.h"
 
+#include "CoreServices/MostLinks.h"
 #include "CoreServices/MountLookup.h"
 
 #include <algorithm>
@@ -10,9 +11,6 @@
 namespace coreservices {
 
 namespace {
-
-// As many links as the kernel follows.
-constexpr int kMostLinks = 40;
 
 constexpr std::string_view kNetworkTypes[] = {
     "9p",        "afs",    "beegfs", "ceph",  "cifs",   "coda",     "davfs",

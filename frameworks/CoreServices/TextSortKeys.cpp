@@ -76,7 +76,7 @@ private:
     KeyArena _arena;
 };
 
-bool isText(const UniChar* text, UniCharCount length) {
+bool isSortable(const UniChar* text, UniCharCount length) {
     return (text != nullptr || length == 0) && length <= INT_MAX / 64;
 }
 
@@ -94,7 +94,7 @@ OSStatus makeKey(KeyMaker& maker, TextView text, UInt8* key, ByteCount capacity,
 OSStatus orderItems(KeyMaker& maker, const TextSortItem* items, ItemCount count, UInt32* order) {
     std::vector<SortedKey> keys(count);
     for (ItemCount i = 0; i < count; ++i) {
-        if (!isText(items[i].text, items[i].length))
+        if (!isSortable(items[i].text, items[i].length))
             return paramErr;
         size_t length = maker.make(viewOf(items[i].text, items[i].length));
         keys[i] = {0, maker.arena().keep(length), static_cast<uint32_t>(i)};
@@ -120,7 +120,7 @@ OSStatus withMaker(UCCollateOptions options, Function function) {
 
 OSStatus TextSortKeyMake(UCCollateOptions options, const UniChar* text, UniCharCount length,
                          UInt8* key, ByteCount capacity, ByteCount* actual) {
-    if (!isText(text, length) || (key == nullptr && capacity != 0))
+    if (!isSortable(text, length) || (key == nullptr && capacity != 0))
         return paramErr;
     return withMaker(options, [&](KeyMaker& maker) {
         return makeKey(maker, viewOf(text, length), key, capacity, actual);

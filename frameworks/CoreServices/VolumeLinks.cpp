@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "CoreServices/VolumeLinks.h"
 
+#include "CoreFoundation/FolderStream.h"
+#include "CoreServices/MountInfo.h"
+
 #include <climits>
 #include <cstdlib>
-#include <dirent.h>
 #include <fcntl.h>
 #include <memory>
 #include <sys/stat.h>
@@ -21,17 +23,17 @@ std::string linkTarget(const std::string& path) {
     return length > 0 ? std::string(target, static_cast<std::size_t>(length)) : std::string();
 }
 
-bool isMountRoot(const std::string& path) {
+bool isMountPoint(const std::string& path) {
     struct statx item;
     return statx(AT_FDCWD, path.c_str(), AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT, STATX_TYPE,
                  &item) == 0 &&
-           (item.stx_attributes & STATX_ATTR_MOUNT_ROOT) != 0;
+           isMountRoot(item);
 }
 
 // Where the link of a volume leads; empty for any other entry.
 std::string volumeOf(const std::string& link) {
     std::string target = linkTarget(link);
-    if (target.size() < 2 || target.front() != '/' || !isMountRoot(target))
+    if (target.size() < 2 || target.front() != '/' || !isMountPoint(target))
         target.clear();
     return target;
 }
@@ -44,7 +46,7 @@ bool isAtOrIn(const std::string& path, const std::string& folder) {
 }  // namespace
 
 VolumeLinks::VolumeLinks() {
-    const std::unique_ptr<DIR, int (*)(DIR*)> folder(opendir(kVolumesFolder), closedir);
+    const cf::FolderStream folder(opendir(kVolumesFolder));
     if (folder == nullptr)
         return;
     while (const dirent* entry = readdir(folder.get())) {
@@ -59,7 +61,7 @@ VolumeLinks::VolumeLinks() {
 
 std::string VolumeLinks::name(const std::string& path) const {
     for (const auto& [link, target] : _links) {
-        if (isAtOrIn(path, target) && isMountRoot(target))
+        if (isAtOrIn(path, target) && isMountPoint(target))
             return link + path.substr(target.size());
     }
     return path;

@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "DiskArbitration/Sysfs.h"
 
+#include "CoreFoundation/FolderStream.h"
+
 #include <algorithm>
 #include <charconv>
 #include <climits>
 #include <cstdlib>
-#include <dirent.h>
 #include <fstream>
 #include <memory>
 #include <unistd.h>
@@ -33,7 +34,7 @@ bool flagAttribute(const std::string& path) {
 
 std::vector<std::string> namesIn(const std::string& folder) {
     std::vector<std::string> names;
-    std::unique_ptr<DIR, int (*)(DIR*)> stream(opendir(folder.c_str()), closedir);
+    const cf::FolderStream stream(opendir(folder.c_str()));
     while (dirent* entry = stream ? readdir(stream.get()) : nullptr)
         if (entry->d_name[0] != '.')
             names.emplace_back(entry->d_name);

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "ImageCapture/CardFolder.h"
 
+#include "CoreFoundation/FolderStream.h"
 #include "ImageCapture/CopyBytes.h"
 #include "ImageCapture/Errors.h"
 #include "ImageCapture/ICAApplication.h"
 
 #include <algorithm>
-#include <dirent.h>
 #include <fcntl.h>
 #include <linux/openat2.h>
 #include <sys/stat.h>
@@ -15,11 +15,6 @@
 namespace imagecapture {
 
 namespace {
-
-struct CloseFolder {
-    void operator()(DIR* folder) const { closedir(folder); }
-};
-using OpenFolder = std::unique_ptr<DIR, CloseFolder>;
 
 // Nothing for what is neither a folder nor a plain file, and for what has just gone.
 bool describeEntry(int folder, const char* name, Item& item) {
@@ -76,7 +71,7 @@ int CardFolder::list(const std::string& folder, std::vector<Item>& items) {
     cf::Descriptor descriptor = open(folder, O_DIRECTORY);
     if (!descriptor)
         return fail(folder, errno);
-    OpenFolder entries(fdopendir(descriptor.get()));
+    cf::FolderStream entries(fdopendir(descriptor.get()));
     if (!entries)
         return fail(folder, errno);
     int opened = descriptor.release();

@@ -2,12 +2,12 @@
 #include "ImageCapture/Errors.h"
 #include "ImageCapture/Gphoto.h"
 #include "ImageCapture/GphotoLibrary.h"
+#include "ImageCapture/GphotoOwners.h"
 #include "ImageCapture/ICAApplication.h"
 #include "ImageCapture/UsbHolder.h"
 
 #include <algorithm>
 #include <fcntl.h>
-#include <gphoto2/gphoto2-camera.h>
 #include <gphoto2/gphoto2-port-result.h>
 #include <sys/stat.h>
 
@@ -19,13 +19,6 @@ namespace {
 constexpr std::chrono::seconds kPatience{30};
 // More than any camera makes. A device that lists for ever is stopped.
 constexpr int kMostItems = 100'000;
-
-struct FreeList {
-    void operator()(CameraList* list) const { gp_list_free(list); }
-    void operator()(CameraFile* file) const { gp_file_unref(file); }
-};
-using ListOwner = std::unique_ptr<CameraList, FreeList>;
-using FileOwner = std::unique_ptr<CameraFile, FreeList>;
 
 ListOwner makeList() {
     CameraList* list = nullptr;

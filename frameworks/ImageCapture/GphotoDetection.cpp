@@ -1,14 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "ImageCapture/Gphoto.h"
 #include "ImageCapture/GphotoLibrary.h"
+#include "ImageCapture/GphotoOwners.h"
 
 namespace imagecapture {
 
 namespace {
-
-struct FreeList {
-    void operator()(CameraList* list) const { gp_list_free(list); }
-};
 
 void addUsb(CameraList* list, std::vector<DetectedCamera>& cameras) {
     for (int i = 0; i < gp_list_count(list); ++i) {
@@ -30,7 +27,7 @@ std::vector<DetectedCamera> detectUsbCameras() {
     CameraList* made = nullptr;
     if (drivers == nullptr || ports == nullptr || gp_list_new(&made) < GP_OK)
         return {};
-    std::unique_ptr<CameraList, FreeList> list(made);
+    const ListOwner list(made);
     GPContext* context = gp_context_new();
     std::vector<DetectedCamera> cameras;
     if (gp_abilities_list_detect(drivers, ports.get(), made, context) >= GP_OK)

@@ -9,7 +9,7 @@ namespace imagecapture {
 
 namespace {
 
-constexpr std::chrono::seconds kPatience{5};
+constexpr std::chrono::seconds kPortPatience{5};
 
 PortList readPorts() {
     GPPortInfoList* list = nullptr;
@@ -47,7 +47,7 @@ bool GphotoLibrary::findDriver(const std::string& model, CameraAbilities& abilit
 }
 
 PortList currentPorts() {
-    return coreservices::askPatiently<PortList>("gphoto2 ports", kPatience, readPorts)
+    return coreservices::askPatiently<PortList>("gphoto2 ports", kPortPatience, readPorts)
         .value_or(nullptr);
 }
 

@@ -85,16 +85,16 @@ std::string cureForRights(const std::string& device) {
 
 UsbObstacle usbObstacle(const std::string& place, const std::string& processes,
                         const std::string& devices) {
-    using Kind = UsbObstacle::Kind;
+    using Obstacle = UsbObstacle::Kind;
     std::string device = devices + "/" + place;
     std::replace(device.end() - static_cast<std::ptrdiff_t>(place.size()), device.end(), ',', '/');
     if (access(device.c_str(), F_OK) != 0)
-        return {Kind::Gone, "it is no longer connected"};
+        return {Obstacle::Gone, "it is no longer connected"};
     if (const Holder holder = holderOf(device, processes); !holder.process.empty())
-        return {Kind::Held, holder.name + " (process " + holder.process + ") has it",
+        return {Obstacle::Held, holder.name + " (process " + holder.process + ") has it",
                 cureFor(holder)};
     if (access(device.c_str(), R_OK | W_OK) != 0)
-        return {Kind::NotPermitted, "you may not use " + device, cureForRights(device)};
+        return {Obstacle::NotPermitted, "you may not use " + device, cureForRights(device)};
     return {};
 }
 

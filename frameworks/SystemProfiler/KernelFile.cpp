@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "SystemProfiler/KernelFile.h"
 
+#include "CoreFoundation/FolderStream.h"
 #include "CoreFoundation/WholeContent.h"
 
 #include <algorithm>
 #include <charconv>
 #include <cstdint>
 #include <cstring>
-#include <dirent.h>
 #include <fcntl.h>
 #include <memory>
 
@@ -65,7 +65,7 @@ void forEachPair(std::string_view text, char separator,
 
 std::vector<std::string> namesIn(const std::string& folder) {
     std::vector<std::string> names;
-    const std::unique_ptr<DIR, int (*)(DIR*)> list(opendir(folder.c_str()), &closedir);
+    const cf::FolderStream list(opendir(folder.c_str()));
     while (const dirent* entry = list ? readdir(list.get()) : nullptr)
         if (entry->d_name[0] != '.')
             names.emplace_back(entry->d_name);

@@ -60,12 +60,12 @@ std::string nameByCodes(const PciDevice& device) {
     constexpr struct {
         uint64_t vendor;
         const char* name;
-    } kMakers[] = {
+    } kVendors[] = {
         {0x1002, "AMD "},    {0x10DE, "NVIDIA "},  {0x1234, "QEMU "},  {0x15AD, "VMware "},
         {0x1AF4, "Virtio "}, {0x1B36, "Red Hat "}, {0x8086, "Intel "},
     };
     std::string name = hexadecimal("graphics %04x:%04x", device.vendor, device.device);
-    for (const auto& maker : kMakers)
+    for (const auto& maker : kVendors)
         if (maker.vendor == device.vendor)
             name = maker.name + name;
     return name;

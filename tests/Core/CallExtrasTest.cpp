@@ -61,6 +61,7 @@ TEST_F(CallSyncWithin, IsCancelledAtOnceForALimitOfNothing) {
     std::jthread([this] {
         EXPECT_EQ(caller.callSyncWithin(milliseconds(0), count), CallOutcome::Cancelled);
         EXPECT_EQ(caller.callSyncWithin(milliseconds(-1), count), CallOutcome::Cancelled);
+        EXPECT_EQ(caller.callSyncWithin(milliseconds::min(), count), CallOutcome::Cancelled);
     }).join();
     caller.runPendingJobs();
     EXPECT_EQ(calls, 0);

@@ -134,6 +134,14 @@ TEST(Dir, ProgressIsToldAtTheEndAtLeast) {
     EXPECT_EQ(counts.listings, 1);
 }
 
+TEST(Dir, ListingWhoseProgressThrowsLeavesNoChildren) {
+    Counts counts;
+    Dir dir(new CountingHelper("top", counts));
+    EXPECT_THROW(dir.loadChildren(false, [](std::size_t) -> bool { throw 7; }), int);
+    EXPECT_EQ(counts.alive, 1);
+    EXPECT_EQ(dir.children(false).size(), 2U);
+}
+
 TEST(Dir, ListingThatIsEndedLeavesNoChildren) {
     Counts counts;
     Dir dir(new CountingHelper("top", counts));

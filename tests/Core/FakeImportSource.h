@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <functional>
 #include <map>
+#include <utility>
 #include <vector>
 
 namespace tav::test {
@@ -39,7 +40,12 @@ public:
         if (_facts.onRead)
             _facts.onRead(offset);
         const std::string& all = _facts.contents[file];
-        bytes = std::string_view(all).substr(std::min<std::size_t>(offset, all.size()), size);
+        // What was read before the last time is gone.
+        _before = std::exchange(_last, {});
+        const auto piece =
+            std::string_view(all).substr(std::min<std::size_t>(offset, all.size()), size);
+        _last.assign(piece.begin(), piece.end());
+        bytes = std::string_view(_last.data(), _last.size());
         return !_facts.isGone && !_facts.unreadable[file];
     }
     std::string problem() override { return _facts.isGone ? "it has gone" : "it is worn out"; }
@@ -47,6 +53,8 @@ public:
 
 private:
     Facts& _facts;
+    std::vector<char> _last;
+    std::vector<char> _before;
 };
 
 }  // namespace tav::test

@@ -5,9 +5,12 @@
 #include "tests/support/Picture.h"
 #include "tests/support/TemporaryFolder.h"
 
+#include <csignal>
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <stdexcept>
+#include <sys/resource.h>
 #include <sys/stat.h>
 
 namespace tav::test {
@@ -17,11 +20,30 @@ namespace {
 namespace fs = std::filesystem;
 using namespace ula;
 using testing::ElementsAre;
+using testing::EndsWith;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using Texts = std::vector<std::string>;
 
 constexpr std::int64_t kDate = 1'000'000'000;  // 2001-09-09 in every time zone
+
+/// Of the files that this process writes, while the object lives.
+class SizeLimit {
+public:
+    explicit SizeLimit(rlim_t bytes) : _handler(std::signal(SIGXFSZ, SIG_IGN)) {
+        getrlimit(RLIMIT_FSIZE, &_before);
+        const rlimit lowered{bytes, _before.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &lowered);
+    }
+    ~SizeLimit() {
+        setrlimit(RLIMIT_FSIZE, &_before);
+        std::signal(SIGXFSZ, _handler);
+    }
+
+private:
+    void (*_handler)(int);
+    rlimit _before;
+};
 
 class Import : public testing::Test {
 protected:
@@ -198,6 +220,8 @@ TEST_F(Import, FileThatCannotBeReadFailsAndTheNextOneArrives) {
     const auto files = import();
     EXPECT_THAT(resultsOf(files), ElementsAre(ImportResult::Failed, ImportResult::Imported));
     EXPECT_EQ(files[0].error, "it is worn out");
+    EXPECT_EQ(files[0].failure, ImportFailure::Source);
+    EXPECT_EQ(files[1].failure, ImportFailure::None);
 }
 
 TEST_F(Import, FileThatIsShorterThanToldFails) {
@@ -221,7 +245,37 @@ TEST_F(Import, DeviceThatGoesFailsTheRestAtOnce) {
 TEST_F(Import, FolderThatCannotBeMadeIsSaid) {
     writeFile(folder / "target", "a file");
     add(1, 10, "a.jpg", "a");
-    EXPECT_THAT(import()[0].error, HasSubstr("cannot write"));
+    const auto files = import();
+    EXPECT_THAT(files[0].error, HasSubstr("cannot write"));
+    EXPECT_EQ(files[0].failure, ImportFailure::Target);
+}
+
+TEST_F(Import, FileThatTheDiskDoesNotTakeIsAFailureOfTheTarget) {
+    fs::create_directory_symlink("/proc", folder / "target");
+    add(1, 10, "a.jpg", "a");
+    EXPECT_EQ(import()[0].failure, ImportFailure::Target);
+}
+
+TEST_F(Import, PieceThatTheDiskDoesNotTakeFailsItsFileAlone) {
+    const SizeLimit limit(1'200'000);
+    add(1, 10, "ends.jpg", std::string(1'300'000, 'a'));
+    add(1, 11, "goes on.jpg", std::string(3'000'000, 'b'));
+    add(1, 12, "small.jpg", "c");
+    const auto files = import();
+    EXPECT_THAT(resultsOf(files),
+                ElementsAre(ImportResult::Failed, ImportResult::Failed, ImportResult::Imported));
+    for (std::size_t i = 0; i < 2; ++i) {
+        EXPECT_THAT(files[i].error, EndsWith(files[i].object.name + "\": File too large"));
+        EXPECT_EQ(files[i].failure, ImportFailure::Target);
+    }
+    EXPECT_THAT(names(), ElementsAre("small.jpg"));
+}
+
+TEST_F(Import, WhatTheProgressThrowsEndsItAndLeavesNothing) {
+    add(1, 10, "a.jpg", std::string(3'000'000, 'a'));
+    const auto throws = [](const ImportProgress&) { throw std::runtime_error("enough"); };
+    EXPECT_THROW(session.import(session.list(), target(), {}, throws), std::runtime_error);
+    EXPECT_THAT(names(), IsEmpty());
 }
 
 TEST_F(Import, FileThatTakesTheNameInTheMeantimeStays) {

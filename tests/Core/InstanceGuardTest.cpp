@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <clocale>
 #include <condition_variable>
 #include <csignal>
 #include <cstdlib>
@@ -201,6 +202,22 @@ TEST_F(Guard, OtherApplicationsAreFree) {
     EXPECT_EQ(claim({}, {}, "").state, InstanceState::First);
     for (const std::string& name : folder.names())
         EXPECT_EQ(name.find('/'), std::string::npos);
+}
+
+// In it a byte beyond ASCII may be a letter.
+TEST_F(Guard, TheFirstIsFoundByWhomeverSetsALocale) {
+    const TemporaryFolder locales;
+    ASSERT_EQ(
+        std::system(("localedef -i de_DE -f ISO-8859-1 " + (locales / "de_DE.ISO-8859-1")).c_str()),
+        0);
+    setenv("LOCPATH", locales.path().c_str(), 1);
+    const char* const identifier = "com.maker.b\xfc"
+                                   "cher";
+    const InstanceClaim first = claim({}, {}, identifier);
+    EXPECT_EQ(first.state, InstanceState::First);
+    ASSERT_NE(std::setlocale(LC_ALL, "de_DE.ISO-8859-1"), nullptr);
+    EXPECT_EQ(claim({}, {}, identifier).state, InstanceState::Forwarded);
+    std::setlocale(LC_ALL, "C");
 }
 
 TEST_F(Guard, AFolderThatOthersMayWriteToIsRefused) {

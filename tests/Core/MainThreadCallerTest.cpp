@@ -5,6 +5,7 @@
 #include "ula/foundation/Exception.h"
 
 #include <gmock/gmock.h>
+#include <new>
 #include <stdexcept>
 #include <thread>
 
@@ -45,6 +46,27 @@ TEST_F(MainThreadCallerTest, AsyncCallFromTheMainThreadRunsAtTheNextDrain) {
     caller.runPendingJobs();
     EXPECT_EQ(calls, 1);
     EXPECT_TRUE(handle->isFinished());
+}
+
+/// Cannot be copied once it says so.
+struct Uncopyable {
+    explicit Uncopyable(const bool& flag) : refuses(flag) {}
+    Uncopyable(const Uncopyable& other) : refuses(other.refuses) {
+        if (refuses)
+            throw std::bad_alloc();
+    }
+    void operator()() const {}
+    const bool& refuses;
+};
+
+// The sanitizers see whether the job's memory is given back.
+TEST_F(MainThreadCallerTest, FunctionThatCannotBeCopiedQueuesNothing) {
+    bool refuses = false;
+    const util::Function0<void> function = Uncopyable(refuses);
+    refuses = true;
+    EXPECT_THROW(caller.callAsync(function), std::bad_alloc);
+    std::jthread([&] { EXPECT_THROW(caller.callSync(function), std::bad_alloc); }).join();
+    EXPECT_FALSE(caller.wakeUps.try_acquire());
 }
 
 TEST_F(MainThreadCallerTest, SyncCallFromTheMainThreadRunsInlineAndQueuesNothing) {

@@ -168,6 +168,14 @@ TEST_F(SettingsXMLWriteTest, WhatXmlCannotCarryIsRefusedAndTheOldFileStays) {
                             "byte 0x00 at position 1 of attribute \"value\""));
 }
 
+TEST_F(SettingsXMLWriteTest, AGroupWhoseNameXMLCannotCarryIsNamed) {
+    settings.setGeneric("G\x02", "K", 1);
+    const LogCapture log;
+    EXPECT_FALSE(settings.write());
+    EXPECT_EQ(settings.lastError(),
+              "group \"G\x02\": XML cannot carry byte 0x02 at position 1 of attribute \"name\"");
+}
+
 TEST_F(SettingsXMLWriteTest, ARecordOfNoTypeIsAssertedAndItsKeyHasNoValue) {
     settings.setGeneric("G", "K", Setting());
     LogCapture log;

@@ -15,8 +15,10 @@ constexpr SettlingFiles::Time kStart{};
 
 class SettlingFilesTest : public testing::Test {
 protected:
+    int _looks = 0;
     std::map<std::string, std::uint64_t> _sizes;
     SettlingFiles _files{100ms, [this](const std::string& path) -> SettlingFiles::State {
+                             ++_looks;
                              const auto file = _sizes.find(path);
                              if (file == _sizes.end())
                                  return {};
@@ -48,6 +50,13 @@ TEST_F(SettlingFilesTest, FileIsToldOnceWhenItHasStoppedGrowing) {
     EXPECT_EQ(_files.settled(kStart + 99ms), Events{});
     EXPECT_EQ(_files.settled(kStart + 100ms), Events{created("/a")});
     EXPECT_TRUE(_files.isEmpty());
+}
+
+TEST_F(SettlingFilesTest, EachEventLooksAtItsFileOnce) {
+    _files.add({created("/a")}, kStart);
+    EXPECT_EQ(_looks, 1);
+    _files.add({changed("/a")}, kStart);
+    EXPECT_EQ(_looks, 2);
 }
 
 TEST_F(SettlingFilesTest, EveryChangeStartsTheWaitAnew) {

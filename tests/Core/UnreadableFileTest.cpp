@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: MIT
+#include "tests/support/ChildProcess.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/TemporaryFolder.h"
 #include "ula/SettingsException.h"
 #include "ula/SettingsXML.h"
 
+#include <functional>
 #include <gmock/gmock.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 namespace tav::ula {
@@ -24,6 +25,17 @@ class UnreadableFileTest : public testing::Test {
 protected:
     TemporaryFolder folder;
     std::string path = folder / "s.xml";
+
+    /// What somebody says who may replace the file but not read it, and so cannot copy it.
+    std::string asStranger(const std::function<std::string(SettingsXML&)>& act) const {
+        return test::runInChild([&] {
+            if (setgid(65534) != 0 || setuid(65534) != 0)
+                return std::string("still root");
+            const test::LogCapture quiet;
+            SettingsXML settings("App", "Company", FastString(path), false);
+            return act(settings);
+        });
+    }
 };
 
 TEST_F(UnreadableFileTest, AFileThatCannotBeParsedAtConstructionIsKeptAside) {
@@ -69,19 +81,41 @@ TEST_F(UnreadableFileTest, NothingIsOverwrittenThatCouldNotBeKept) {
     writeFile(path, kBroken);
     ASSERT_EQ(chmod(folder.path().c_str(), 0777), 0);
     ASSERT_EQ(chmod(path.c_str(), 0200), 0);
-    // Somebody who may replace the file but not read it, and so cannot copy it.
-    const pid_t child = fork();
-    if (child == 0) {
-        const bool switched = setgid(65534) == 0 && setuid(65534) == 0;
-        const test::LogCapture quiet;
-        SettingsXML settings("App", "Company", FastString(path), false);
-        _exit(switched && !settings.write() ? 0 : 1);
-    }
-    int status = 0;
-    ASSERT_EQ(waitpid(child, &status, 0), child);
-    EXPECT_EQ(status, 0);
+    EXPECT_EQ(asStranger([](SettingsXML& settings) {
+                  return settings.write() ? std::string("written") : std::string("refused");
+              }),
+              "refused");
     ASSERT_EQ(chmod(path.c_str(), 0600), 0);
     EXPECT_EQ(readFile(path), kBroken);
+}
+
+TEST_F(UnreadableFileTest, EveryRefusedWriteGivesTheSameReason) {
+    writeFile(path, kBroken);
+    ASSERT_EQ(chmod(folder.path().c_str(), 0777), 0);
+    ASSERT_EQ(chmod(path.c_str(), 0200), 0);
+    const std::string reason = asStranger([](SettingsXML& settings) {
+        const std::string first = settings.lastError();
+        settings.write();
+        settings.write();
+        return first == settings.lastError() ? first : first + " != " + settings.lastError();
+    });
+    EXPECT_THAT(reason,
+                testing::EndsWith("; it could not be kept aside: cannot read \"" + path + "\""));
+    EXPECT_THAT(reason, testing::Not(testing::HasSubstr("!=")));
+}
+
+TEST_F(UnreadableFileTest, AFileThatWasMendedAndReadIsNotKept) {
+    writeFile(path, kBroken);
+    ASSERT_EQ(chmod(folder.path().c_str(), 0777), 0);
+    ASSERT_EQ(chmod(path.c_str(), 0200), 0);
+    EXPECT_EQ(asStranger([this](SettingsXML& settings) {
+                  unlink(path.c_str());
+                  writeFile(path, "<settings/>");
+                  return settings.read() && settings.write() ? std::string("written")
+                                                             : settings.lastError();
+              }),
+              "written");
+    EXPECT_THAT(folder.names(), ElementsAre("s.xml"));
 }
 
 }  // namespace

@@ -60,6 +60,13 @@ TEST_F(MainThreadWatchdogTest, IsSilentWhileTheLoopRuns) {
     EXPECT_THAT(log.lines(), IsEmpty());
 }
 
+TEST_F(MainThreadWatchdogTest, LongestLimitThereIsNeverReports) {
+    const LogCapture log;
+    const MainThreadWatchdog watchdog(milliseconds::max());
+    CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0.2, false);
+    EXPECT_THAT(log.lines(), IsEmpty());
+}
+
 TEST_F(MainThreadWatchdogTest, EndsAtOnceWhileTheMainThreadIsBlocked) {
     std::promise<std::string> logged;
     const auto previous =

@@ -197,6 +197,18 @@ TEST_F(Importer, DeviceThatComesIsToldWithItsFilesInOrder) {
     EXPECT_THAT(importer().getDevices(), ElementsAre("12345"));
 }
 
+TEST_F(Importer, FileWithoutANameIsNotTold) {
+    list();
+    connect();
+    plugIn(12345, {"a.jpg"});
+    NSMutableDictionary* const device = [[capture.properties[12345] mutableCopy] autorelease];
+    NSArray* const named = [device objectForKey:@"data"];
+    [device setObject:[@[ @{@"icao" : @7} ] arrayByAddingObjectsFromArray:named] forKey:@"data"];
+    capture.properties[12345] = [device retain];
+    notify(kICANotificationTypeDeviceAdded, 12345);
+    EXPECT_THAT(told, ElementsAre("+12345 a.jpg"));
+}
+
 TEST_F(Importer, CameraWhoseCardIsToldAfterItIsToldTwice) {
     list();
     connect();

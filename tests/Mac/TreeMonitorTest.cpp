@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/ChildProcess.h"
+#include "tests/support/LogCapture.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/TreeRecorder.h"
 
 #include <CoreFoundation/CoreFoundation.h>
 #include <fcntl.h>
 #include <filesystem>
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
+#include <stdexcept>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -140,6 +142,31 @@ TEST_F(TreeMonitorTest, SlotMayDestroyTheMonitor) {
     ASSERT_TRUE(recorder.waitUntil([&] { return !recorder.told().empty(); }));
     CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0.2, false);
     EXPECT_EQ(recorder.text(), "created " + at("one") + "\n");
+}
+
+TEST_F(TreeMonitorTest, SlotThatThrowsIsLoggedAndLosesNoEvent) {
+    const tav::test::LogCapture log;
+    TreeRecorder recorder(_root);
+    recorder.onEvent = [] { throw std::runtime_error("full"); };
+    writeFile(at("one"), "");
+    writeFile(at("two"), "");
+    recorder.flush();
+    EXPECT_EQ(recorder.text(), "created " + at("one") + "\ncreated " + at("two") + "\n");
+    const std::string line = "4 src/Mac/TreeMonitor:1 a slot has thrown when it was told of ";
+    EXPECT_THAT(log.lines(),
+                testing::ElementsAre(line + at("one") + ": full", line + at("two") + ": full"));
+}
+
+TEST_F(TreeMonitorTest, FileSettlesAlthoughTheSlotThrewForAnotherEvent) {
+    const tav::test::LogCapture quiet;
+    TreeMonitorOptions options;
+    options.latency = 1ms;
+    options.settle = 20ms;
+    TreeRecorder recorder(_root, options);
+    recorder.onEvent = [] { throw 7; };
+    writeFile(at("held"), "");
+    fs::create_directory(at("folder"));
+    EXPECT_TRUE(recorder.waitFor({TreeEventType::Created, at("held")}));
 }
 
 TEST_F(TreeMonitorTest, PathFromTheCurrentFolderIsMadeAbsolute) {

@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 #include <memory>
+#include <stdexcept>
 
 namespace tav {
 namespace {
@@ -44,6 +45,20 @@ TEST(ExceptionTest, ARaisedExceptionIsCaughtAsItsBase) {
         EXPECT_STREQ(caught.what(), "why");
         EXPECT_NE(dynamic_cast<const Broken*>(&caught), nullptr);
     }
+}
+
+std::string described(const auto& thrown) {
+    try {
+        throw thrown;
+    } catch (...) {
+        return describeCurrentException();
+    }
+}
+
+TEST(ExceptionTest, WhatIsBeingHandledIsDescribedWhateverItsType) {
+    EXPECT_EQ(described(Broken("why")), "why");
+    EXPECT_EQ(described(std::runtime_error("reason")), "reason");
+    EXPECT_EQ(described(7), "of unknown type");
 }
 
 }  // namespace

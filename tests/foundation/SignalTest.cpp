@@ -4,6 +4,7 @@
 #include "ula/foundation/util/Function0.h"
 
 #include <atomic>
+#include <barrier>
 #include <gmock/gmock.h>
 #include <memory>
 #include <stdexcept>
@@ -194,6 +195,27 @@ TEST(SignalTest, ASlotMayDestroyTheSignalWhileConnectReturnsOnAnotherThread) {
         });
         emitter.join();
         ASSERT_EQ(signal, nullptr);
+    }
+}
+
+// What a connection frees at this moment is not read any more.
+TEST(SignalTest, AConnectionMayEndOnAnotherThreadWhileTheSignalIsDestroyed) {
+    for (int round = 0; round < 200; ++round) {
+        auto signal = std::make_unique<Signal0>();
+        std::vector<Connection> connections;
+        for (int i = 0; i < 200; ++i)
+            connections.push_back(signal->connect([] {}));
+        std::barrier start(2);
+        std::thread other([&] {
+            start.arrive_and_wait();
+            for (Connection& connection : connections)
+                connection.disconnect();
+        });
+        start.arrive_and_wait();
+        signal.reset();
+        other.join();
+        for (const Connection& connection : connections)
+            ASSERT_FALSE(connection.isConnected());
     }
 }
 

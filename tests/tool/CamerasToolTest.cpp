@@ -47,11 +47,12 @@ protected:
 };
 
 TEST_F(CamerasTool, NothingConnectedIsSaidWithWhatToDo) {
-    expectResult(cameras({}), 1, "",
-                 "ula: no camera and no memory card is connected\n"
-                 "     switch the camera on and choose its transfer mode; a card has to be mounted "
-                 "and have a folder DCIM\n");
-    expectResult(cameras({"--json"}), 0, "{\n  \"version\": 1,\n  \"devices\": []\n}\n", "");
+    const std::string errors =
+        "ula: no camera and no memory card is connected\n"
+        "     switch the camera on and choose its transfer mode; a card has to be mounted "
+        "and have a folder DCIM\n";
+    expectResult(cameras({}), 1, "", errors);
+    expectResult(cameras({"--json"}), 1, "{\n  \"version\": 1,\n  \"devices\": []\n}\n", errors);
 }
 
 TEST_F(CamerasTool, ListsWhatIsConnected) {
@@ -81,6 +82,14 @@ TEST_F(CamerasTool, ImportsByNameIntoFoldersOfDays) {
         onCamera({"import", "Pictures", "--name", "IMG_1.JPG", "--dates", "%Y/%m-%d", "--verify"}),
         0, "1 imported (5.0 kB), 0 already there\n", "");
     EXPECT_TRUE(fs::exists(folder / "Pictures/2009/03-15/IMG_1.JPG"));
+}
+
+TEST_F(CamerasTool, FoldersNamesAndDatesMayBeginWithBrackets) {
+    fs::rename(folder.path() / "camera/DCIM/100TEST/IMG_1.JPG",
+               folder.path() / "camera/DCIM/100TEST/[1].JPG");
+    const ToolResult result =
+        onCamera({"import", "[New]", "--name", "[1].JPG", "--dates", "[%Y]", "--json"});
+    EXPECT_THAT(result.output, HasSubstr("\"path\":\"[New]/[2009]/[1].JPG\""));
 }
 
 TEST_F(CamerasTool, TellsEachFileAsJson) {

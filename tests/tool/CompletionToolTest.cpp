@@ -111,6 +111,13 @@ TEST_F(CompletionTool, EveryCommandHasAManualPageThatManReadsWithoutAWarning) {
             << page;
 }
 
+TEST_F(CompletionTool, WhatStandsForAnArgumentIsInCapitals) {
+    EXPECT_THAT(run({"running", "--help"}).output, HasSubstr("running [OPTIONS] [NAME]\n"));
+    EXPECT_THAT(run({"watch", "--help"}).output, HasSubstr("watch [OPTIONS] [PATH...]\n"));
+    EXPECT_THAT(run({"cameras", "import", "--help"}).output,
+                HasSubstr("cameras import [OPTIONS] FOLDER\n"));
+}
+
 TEST_F(CompletionTool, AManualPageSaysWhatHelpSays) {
     ASSERT_EQ(run({"manuals", "man"}).code, 0);
     const std::string page = outputOf("LC_ALL=C.UTF-8 MANWIDTH=100 MAN_KEEP_FORMATTING= man -l " +

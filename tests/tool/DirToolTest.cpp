@@ -65,6 +65,15 @@ TEST_F(DirTool, ShowsNamesThatAreNoTextAsEscapes) {
     EXPECT_THAT(result.output, HasSubstr("odd\\n\\xff (hidden)\n"));
 }
 
+TEST_F(DirTool, TellsHowFarALongListingIsOnlyWhereLinesCanBeRedrawn) {
+    fs::create_directory(folder / "many");
+    for (int i = 0; i < 30'000; ++i)
+        write("many/" + std::to_string(i), "");
+    const std::string place = folder.path().string();
+    EXPECT_THAT(runToolOnTerminal(place, {"dir", "many"}).errors, HasSubstr("listing: "));
+    EXPECT_EQ(runToolOnTerminal(place, {"dir", "many"}, "dumb").errors, "");
+}
+
 TEST_F(DirTool, SaysThatNothingIsThere) {
     expectResult(run({"dir", "nowhere"}), 1, "", "ula: there is nothing at \"nowhere\"\n");
 }

@@ -94,6 +94,13 @@ TEST_F(DrivesTool, VolumeWithoutANameIsToldOfWithWhatHelps) {
     EXPECT_THAT(result.errors, HasSubstr("'sudo ula volumes --mend' gives them names"));
 }
 
+TEST_F(DrivesTool, VolumesWithoutANameAreToldOfAfterTheTable) {
+    const MountedImage image(place("nameless"), folder / "images");
+    RunningTool tool(folder.path().string(), {"drives"});
+    EXPECT_TRUE(tool.waitForLine("     'sudo ula volumes --mend' gives them names"));
+    EXPECT_THAT(tool.seen(), ContainsRegex("Linux .*\nula: not listed"));
+}
+
 TEST_F(DrivesTool, UnknownOptionIsWrongUsage) {
     EXPECT_EQ(run({"drives", "--none"}).code, 2);
     EXPECT_EQ(run({"drives", "extra"}).code, 2);

@@ -103,20 +103,35 @@ TEST_F(TrashTool, ReceiptsPutEverythingBack) {
     EXPECT_EQ(read("two.txt"), "second");
 }
 
-TEST_F(TrashTool, ReceiptsWithoutAVersionAreReadToo) {
-    write("one.txt", "text");
-    const std::string receipts = run({"trash", "one.txt", "--json"}).output;
-    const std::size_t begin = receipts.find('[');
-    write("gone.json", receipts.substr(begin, receipts.rfind(']') + 1 - begin));
-    EXPECT_EQ(run({"trash", "--restore", "gone.json"}).errors, "");
-    EXPECT_EQ(read("one.txt"), "text");
-}
-
 TEST_F(TrashTool, ReceiptsOfALaterVersionAreRefused) {
     write("gone.json", R"({"version": 2, "receipts": []})");
     expectResult(run({"trash", "--restore", "gone.json"}), 3, "",
                  "ula: gone.json: the version of these receipts is not known\n"
                  "     restore them with the ula that wrote them\n");
+}
+
+TEST_F(TrashTool, AWorkingFolderThatHasGoneIsTold) {
+    const fs::path before = fs::current_path();
+    fs::create_directory(folder / "gone");
+    fs::current_path(folder / "gone");
+    fs::remove(folder / "gone");
+    const ToolResult trash = runTool(".", {"trash", "one.txt"});
+    const ToolResult dir = runTool(".", {"dir"});
+    fs::current_path(before);
+    expectResult(trash, 3, "", "ula: one.txt: No such file or directory\n");
+    expectResult(dir, 3, "", "ula: .: No such file or directory\n");
+}
+
+TEST_F(TrashTool, NamesMayLookLikeLists) {
+    for (const char* const name : {"[a,b]", "{}", "[half"})
+        write(name, name);
+    write("[gone].json", run({"trash", "[a,b]", "{}", "[half", "--json"}).output);
+    expectResult(run({"trash", "--restore", "[gone].json"}), 0,
+                 (folder / "[a,b]") + "\n" + (folder / "{}") + "\n" + (folder / "[half") + "\n",
+                 "");
+    EXPECT_EQ(read("[a,b]"), "[a,b]");
+    run({"trash", "[a,b]"});
+    expectResult(run({"trash", "--restore-path=[a,b]"}), 0, (folder / "[a,b]") + "\n", "");
 }
 
 TEST_F(TrashTool, WhatHasTakenAPlaceStays) {
@@ -170,7 +185,10 @@ TEST_F(TrashTool, ReceiptsThatAreNoneAreRefused) {
     EXPECT_EQ(result.code, 3);
     EXPECT_THAT(result.errors, StartsWith("ula: bad.json: these are no receipts: "));
     EXPECT_EQ(run({"trash", "--restore", "missing.json"}).code, 3);
-    EXPECT_EQ(run({"trash", "--restore", "-"}, "[{\"original\": \"/a\", \"trashed\": 2}]").code, 3);
+    for (const char* const text :
+         {"[]", R"({"receipts": []})",
+          R"({"version": 1, "receipts": [{"original": "/a", "trashed": 2, "identity": ""}]})"})
+        EXPECT_EQ(run({"trash", "--restore", "-"}, text).code, 3) << text;
 }
 
 TEST_F(TrashTool, NothingToDoIsWrongUsage) {

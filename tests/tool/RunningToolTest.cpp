@@ -68,6 +68,13 @@ TEST_F(RunningApplicationsTool, NamesCannotSteerTheTerminal) {
     EXPECT_THAT(run({"running"}).output, Not(HasSubstr("\x1b")));
 }
 
+TEST_F(RunningApplicationsTool, ANameMayBeginWithABracket) {
+    const ApplicationBundle bracket(place, "[Photo]", "com.maker.bracket");
+    const RunningProgram running(bracket.program(), "wait");
+    ASSERT_EQ(running.readLine(), "ready");
+    EXPECT_EQ(run({"running", "[Photo]"}).code, 0);
+}
+
 TEST_F(RunningApplicationsTool, UnknownOptionIsWrongUsage) {
     EXPECT_EQ(run({"running", "--none"}).code, 2);
     EXPECT_EQ(run({"running", "one", "two"}).code, 2);

@@ -102,6 +102,12 @@ TEST_F(ScreensTool, DrawingAndJsonGoTogether) {
     EXPECT_TRUE(Picture(folder / "desk.png").exists());
 }
 
+TEST_F(ScreensTool, ThePicturesNameMayBeginWithABracket) {
+    const DisplayServer server("800x600x24");
+    EXPECT_EQ(run({"screens", "--draw", "[desk].png"}).code, 0);
+    EXPECT_TRUE(Picture(folder / "[desk].png").exists());
+}
+
 TEST_F(ScreensTool, PictureThatCannotBeWrittenIsTold) {
     const DisplayServer server("800x600x24");
     const ToolResult result = run({"screens", "--draw", "missing/desk.png"});
@@ -111,10 +117,12 @@ TEST_F(ScreensTool, PictureThatCannotBeWrittenIsTold) {
 
 TEST_F(ScreensTool, WithoutADisplayItSaysSo) {
     unsetenv("DISPLAY");
-    expectResult(run({"screens"}), 1, "",
-                 "ula: there is no display\n"
-                 "     DISPLAY names the display server, as in: DISPLAY=:0 ula screens\n");
-    EXPECT_EQ(run({"screens", "--json"}).output, "{\n  \"version\": 1,\n  \"screens\": []\n}\n");
+    const std::string errors =
+        "ula: there is no display\n"
+        "     DISPLAY names the display server, as in: DISPLAY=:0 ula screens\n";
+    expectResult(run({"screens"}), 1, "", errors);
+    expectResult(run({"screens", "--json"}), 1, "{\n  \"version\": 1,\n  \"screens\": []\n}\n",
+                 errors);
     EXPECT_EQ(run({"screens", "--draw", "desk.png"}).code, 1);
 }
 

@@ -32,6 +32,11 @@ TEST_F(SettingsToolError, WrongUsageIsExitCodeTwo) {
     EXPECT_TRUE(folder.names().empty());
 }
 
+TEST_F(SettingsToolError, AnArgumentThatLooksLikeAListIsQuotedAsItIs) {
+    expectUsageError({"settings", "a.xml", "[frob]"},
+                     "The following argument was not expected: [frob]");
+}
+
 TEST_F(SettingsToolError, AValueThatDoesNotFitIsRefused) {
     settings({"a.xml", "set", "G", "k", "1"});
     const std::string before = read("a.xml");
@@ -101,6 +106,13 @@ TEST_F(SettingsToolError, OddValuesAreReadAsZeroWithAWarning) {
     write("a.xml", "<settings><group name=\"G\"><key name=\"k\" type=\"int\"><value "
                    "value=\"abc\"/></key></group></settings>");
     expectResult(settings({"a.xml", "get", "G", "k"}), 0, "0\n",
+                 "ula: a.xml: warning: \"abc\" is not an int in group \"G\", key \"k\"\n");
+}
+
+TEST_F(SettingsToolError, OddValuesAreWarnedOfOnceByUnset) {
+    write("a.xml", "<settings><group name=\"G\"><key name=\"k\" type=\"int\"><value "
+                   "value=\"abc\"/></key></group></settings>");
+    expectResult(settings({"a.xml", "unset", "G", "k"}), 0, "",
                  "ula: a.xml: warning: \"abc\" is not an int in group \"G\", key \"k\"\n");
 }
 

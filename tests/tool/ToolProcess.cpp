@@ -42,24 +42,24 @@ std::string contentOf(const File& file) {
 }
 
 [[noreturn]] void become(const std::string& folder, const std::vector<std::string>& arguments,
-                         std::array<int, 3> streams) {
+                         std::array<int, 3> streams, const std::string& terminalKind) {
     std::vector<char*> words = {const_cast<char*>("ula")};
     for (const std::string& argument : arguments)
         words.push_back(const_cast<char*>(argument.c_str()));
     words.push_back(nullptr);
     for (int i = 0; i < 3; ++i)
         dup2(streams[static_cast<std::size_t>(i)], i);
-    setenv("TERM", "xterm", 1);
+    setenv("TERM", terminalKind.c_str(), 1);
     if (chdir(folder.c_str()) == 0)
         execv(ULA_TOOL_PATH, words.data());
     _exit(127);
 }
 
 pid_t start(const std::string& folder, const std::vector<std::string>& arguments,
-            std::array<int, 3> streams) {
+            std::array<int, 3> streams, const std::string& terminalKind = "xterm") {
     const pid_t process = fork();
     if (process == 0)
-        become(folder, arguments, streams);
+        become(folder, arguments, streams, terminalKind);
     return process;
 }
 
@@ -86,14 +86,16 @@ ToolResult runTool(const std::string& folder, const std::vector<std::string>& ar
     return result;
 }
 
-ToolResult runToolOnTerminal(const std::string& folder, const std::vector<std::string>& arguments) {
+ToolResult runToolOnTerminal(const std::string& folder, const std::vector<std::string>& arguments,
+                             const std::string& kind) {
     const int screen = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
     grantpt(screen);
     unlockpt(screen);
     const int terminal = open(ptsname(screen), O_RDWR | O_NOCTTY | O_CLOEXEC);
     const File in = temporaryFile();
     const File out = temporaryFile();
-    const pid_t process = start(folder, arguments, {fileno(in.get()), fileno(out.get()), terminal});
+    const pid_t process =
+        start(folder, arguments, {fileno(in.get()), fileno(out.get()), terminal}, kind);
     close(terminal);
     ToolResult result;
     result.errors = readAll(screen);

@@ -21,8 +21,9 @@ struct ToolResult {
 /// standard output.
 ToolResult runTool(const std::string& folder, const std::vector<std::string>& arguments,
                    const std::string& input = {}, const std::string& outputPath = {});
-/// The same with standard error on a terminal; what that showed is in `errors`.
-ToolResult runToolOnTerminal(const std::string& folder, const std::vector<std::string>& arguments);
+/// The same with standard error on a terminal of this kind (TERM); what that showed is in `errors`.
+ToolResult runToolOnTerminal(const std::string& folder, const std::vector<std::string>& arguments,
+                             const std::string& kind = "xterm");
 
 /// At the tool's end the leak sanitizer stops every thread; those that wait for what does not
 /// answer cannot be stopped.

@@ -82,6 +82,17 @@ TEST_F(WatchToolTest, IgnoredNamesAreNotTold) {
     EXPECT_EQ(tool.seen().find(".git"), std::string::npos);
 }
 
+TEST_F(WatchToolTest, PathsAndWhatIsIgnoredMayBeginWithBrackets) {
+    fs::create_directory(at("[tree]"));
+    write("[tree]/start", "");
+    RunningTool tool(_real, {"watch", "-r", "--ignore", "[Tt]emp*", "[tree]"});
+    awaitStart(tool, at("[tree]/start"), "changed   " + at("[tree]/start"));
+    write("[tree]/temporary", "");
+    write("[tree]/b", "");
+    EXPECT_TRUE(tool.waitForLine("created   " + at("[tree]/b")));
+    EXPECT_EQ(tool.seen().find("temp"), std::string::npos);
+}
+
 TEST_F(WatchToolTest, ItemIsFollowedThroughAReplacingSaveAndTheEndIsTold) {
     write("text", "");
     RunningTool tool(_real, {"watch", "text"});

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tools/ula/CameraImport.h"
 
+#include "tools/ula/ByteText.h"
 #include "tools/ula/DisplayText.h"
 #include "tools/ula/JsonOutput.h"
 #include "tools/ula/StandardOutput.h"
@@ -93,7 +94,7 @@ void printSummary(const std::vector<ImportedFile>& files) {
     };
     std::string text =
         translated("%1 imported (%2), %3 already there", counted(ImportResult::Imported),
-                   byteText(bytes), counted(ImportResult::AlreadyThere));
+                   decimalByteText(bytes), counted(ImportResult::AlreadyThere));
     if (count(files, ImportResult::Failed) > 0)
         text += translated(", %1 failed", counted(ImportResult::Failed));
     if (count(files, ImportResult::Cancelled) > 0)
@@ -107,8 +108,7 @@ ExitCode resultOf(const std::vector<ImportedFile>& files) {
         return file.result == ImportResult::Failed;
     });
     if (failed != files.end()) {
-        const bool isWriting = failed->error.starts_with("cannot write") ||
-                               failed->error.starts_with("cannot replace");
+        const bool isWriting = failed->failure == ImportFailure::Target;
         throw CommandError{isWriting ? ExitCannotWrite : ExitCannotRead,
                            failed->object.name + ": " + failed->error,
                            translated("the same command brings over what is left to do")};

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "tools/ula/CamerasCommand.h"
 
+#include "tools/ula/ByteText.h"
 #include "tools/ula/CameraChoice.h"
 #include "tools/ula/CameraImport.h"
 #include "tools/ula/DisplayText.h"
 #include "tools/ula/JsonOutput.h"
 #include "tools/ula/StandardOutput.h"
-#include "tools/ula/TransferBar.h"
 #include "tools/ula/Translation.h"
 
 #include <CLI/CLI.hpp>
@@ -64,14 +64,14 @@ ExitCode listDevices(const Options& options) {
     }
     if (options.asJson)
         printJson("devices", std::move(list));
-    else if (devices.empty())
-        chooseCamera(devices, {});
+    if (devices.empty())
+        chooseCamera(devices, {});  // for its message
     return ExitOk;
 }
 
 void printFile(const ImportObject& object, bool asJson) {
     if (!asJson) {
-        print(padded(byteText(object.size), 11) + padded(dateText(object.modified), 21) +
+        print(padded(decimalByteText(object.size), 11) + padded(dateText(object.modified), 21) +
               displayText(pathOf(object)) + "\n");
         return;
     }
@@ -131,7 +131,7 @@ void addCamerasCommand(CLI::App& program, ExitCode& result) {
         addVerb(cameras, "import", translatable("Bring files over into a folder"), options);
     for (CLI::App* const verb : {files, import})
         verb->add_option("--device", options->device, translated("Its name or number"));
-    import->add_option("folder", options->import.folder, translated("Where to; made if need be"))
+    import->add_option("FOLDER", options->import.folder, translated("Where to; made if need be"))
         ->required();
     import
         ->add_option("--name", options->import.names,

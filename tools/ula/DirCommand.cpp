@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "tools/ula/DirCommand.h"
 
+#include "tools/ula/AbsolutePath.h"
 #include "tools/ula/DisplayText.h"
 #include "tools/ula/JsonOutput.h"
-#include "tools/ula/SettingsCommand.h"
 #include "tools/ula/StandardOutput.h"
 #include "tools/ula/Terminal.h"
 #include "tools/ula/Translation.h"
@@ -44,7 +44,7 @@ struct Options {
 
 /// The path as the library names it. Fails: throws where the start-up disk has no name.
 std::string modelPath(const std::string& path) {
-    const std::string absolute = fs::absolute(path).lexically_normal();
+    const std::string absolute = fs::path(absolutePath(path)).lexically_normal();
     if (absolute.compare(0, 9, "/Volumes/") == 0 || absolute == "/Volumes")
         return absolute;
     const std::string disk = "/Volumes/" + ula::NSPathUtilNameSpace::nameForRootDisk();
@@ -64,7 +64,7 @@ public:
     }
     bool tell(std::size_t found) {
         constexpr std::size_t kWorthTelling = 20'000;
-        if (found < kWorthTelling || isatty(STDERR_FILENO) == 0)
+        if (found < kWorthTelling || !isTerminal(STDERR_FILENO))
             return true;
         _isShown = true;
         const std::string text = translated("listing: %1 items", std::to_string(found));
@@ -108,10 +108,9 @@ const char* kindOf(const Dir& node) {
 
 /// Of any kind, as lines are printed before the others are known.
 std::size_t kindWidth() {
-    std::size_t width = 10;
-    for (const char* const kind : {kVolume, kLostAlias, kAlias, kLink, kFolder, kFile})
-        width = std::max(width, displayWidth(translated(kind)));
-    return width + 2;
+    constexpr const char* kKinds[] = {kVolume, kLostAlias, kAlias, kLink, kFolder, kFile};
+    constexpr std::size_t kLeast = 10;
+    return std::max(kLeast, widestOf(kKinds, [](auto kind) { return translated(kind); })) + 2;
 }
 
 /// The name, or the last component of a path that is no text.
@@ -202,8 +201,7 @@ void addDirCommand(CLI::App& program, ExitCode& result) {
     const auto options = std::make_shared<Options>();
     CLI::App* const dir =
         program.add_subcommand("dir", translated("List a folder as a folder browser sees it"));
-    dir->add_option("PATH", options->path, translated("The folder; this one when not given"))
-        ->transform(&unprotectArgument);
+    dir->add_option("PATH", options->path, translated("The folder; this one when not given"));
     dir->add_flag("-a,--all", options->all, translated("Hidden items too"));
     dir->add_flag("-R,--recursive", options->recursive, translated("What is in its folders, too"));
     dir->add_flag("--sort", options->sorted, translated("In the Finder's order"));

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -16,6 +17,14 @@ std::string validText(std::string_view text);
 
 /// The columns that a text made by `displayText` takes on a terminal.
 std::size_t displayWidth(std::string_view text);
+/// The columns of the widest text that `textOf` makes of what is in the range; 0 for an empty one.
+template <class Range, class TextOf>
+std::size_t widestOf(const Range& range, const TextOf& textOf) {
+    std::size_t width = 0;
+    for (const auto& each : range)
+        width = std::max(width, displayWidth(textOf(each)));
+    return width;
+}
 /// The text, cut to `width` columns with "…" at its end when it takes more.
 std::string cutToWidth(const std::string& text, std::size_t width);
 /// The text with blanks up to `width` columns; at least one blank.

@@ -60,11 +60,9 @@ const char* colourOf(CheckState state, const Colours& colours) {
 }
 
 std::size_t stateWidth() {
-    std::size_t width = 0;
-    for (const CheckState state :
-         {CheckState::Ok, CheckState::Warning, CheckState::Problem, CheckState::Unknown})
-        width = std::max(width, displayWidth(translated(textOf(state))));
-    return width + 2;
+    constexpr CheckState kStates[] = {CheckState::Ok, CheckState::Warning, CheckState::Problem,
+                                      CheckState::Unknown};
+    return widestOf(kStates, [](CheckState state) { return translated(textOf(state)); }) + 2;
 }
 
 void printText(const std::vector<Check>& checks, const std::vector<Finding>& findings) {

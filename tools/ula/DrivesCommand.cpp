@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "tools/ula/DrivesCommand.h"
 
+#include "tools/ula/ByteText.h"
 #include "tools/ula/DisplayText.h"
 #include "tools/ula/JsonOutput.h"
+#include "tools/ula/StandardOutput.h"
 #include "tools/ula/TextTable.h"
 #include "tools/ula/Translation.h"
 
@@ -11,7 +13,6 @@
 #include <CLI/CLI.hpp>
 #include <CoreServices/MountLookup.h>
 #include <CoreServices/Volumes.h>
-#include <cstdio>
 #include <memory>
 #include <nlohmann/json.hpp>
 
@@ -44,18 +45,6 @@ const char* kindText(ula::DriveType type) {
     }
 }
 
-/// "16.8 MB", in the units in which disks are sold.
-std::string sizeText(std::uint64_t bytes) {
-    constexpr const char* kUnits[] = {"bytes", "kB", "MB", "GB", "TB", "PB", "EB"};
-    auto value = static_cast<double>(bytes);
-    std::size_t unit = 0;
-    for (; value >= 999.95 && unit + 1 < std::size(kUnits); ++unit)
-        value /= 1000;
-    char text[32];
-    std::snprintf(text, sizeof text, "%.*f %s", unit == 0 ? 0 : 1, value, kUnits[unit]);
-    return text;
-}
-
 std::string nameOf(const Drive& drive) {
     const std::string& path = drive.properties().fullPath();
     const std::string& title = drive.properties().title();
@@ -70,8 +59,8 @@ TableRow rowOf(const Drive& drive) {
         where += " (" + translated("read-only") + ")";
     return {displayText(nameOf(drive)),
             translated(kindText(drive.type())),
-            space ? sizeText(space->total) : translated("no answer"),
-            space ? sizeText(space->free) : "",
+            space ? decimalByteText(space->total) : translated("no answer"),
+            space ? decimalByteText(space->free) : "",
             displayText(details.fileSystemType),
             where};
 }
@@ -99,13 +88,11 @@ void tellOfNameless() {
     std::string nameless;
     for (const coreservices::VolumeEntry& entry : coreservices::Volumes().list(*mounts))
         if (entry.state == coreservices::VolumeState::Missing && entry.target != "/")
-            nameless += (nameless.empty() ? "" : ", ") + displayText(entry.target);
+            nameless += (nameless.empty() ? "" : ", ") + entry.target;
     if (nameless.empty())
         return;
-    const std::string message =
-        translated("not listed, as without a name in /Volumes: %1", nameless);
-    const std::string cure = translated("'sudo ula volumes --mend' gives them names");
-    std::fprintf(stderr, "ula: %s\n     %s\n", message.c_str(), cure.c_str());
+    printError(translated("not listed, as without a name in /Volumes: %1", nameless),
+               translated("'sudo ula volumes --mend' gives them names"));
 }
 
 ExitCode run(bool asJson) {

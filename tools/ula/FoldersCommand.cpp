@@ -9,7 +9,6 @@
 #include <ula/SpecialFolders.h>
 
 #include <CLI/CLI.hpp>
-#include <algorithm>
 #include <memory>
 #include <nlohmann/json.hpp>
 
@@ -46,10 +45,7 @@ constexpr Folder kFolders[] = {
 };
 
 std::size_t nameWidth() {
-    std::size_t width = 0;
-    for (const Folder& folder : kFolders)
-        width = std::max(width, displayWidth(translated(folder.name)));
-    return width + 2;
+    return widestOf(kFolders, [](const Folder& folder) { return translated(folder.name); }) + 2;
 }
 
 ExitCode run(bool asJson) {

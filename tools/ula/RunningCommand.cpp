@@ -68,7 +68,7 @@ void addRunningCommand(CLI::App& program, ExitCode& result) {
     const auto options = std::make_shared<Options>();
     CLI::App* const running =
         program.add_subcommand("running", translated("List your running applications"));
-    running->add_option("application", options->wanted,
+    running->add_option("NAME", options->wanted,
                         translated("Only those of this name or identifier"));
     running->add_flag("--json", options->asJson, translated("As JSON"));
     running->callback([options, &result] { result = run(*options); });

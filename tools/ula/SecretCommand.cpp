@@ -4,7 +4,6 @@
 #include "tools/ula/DisplayText.h"
 #include "tools/ula/JsonOutput.h"
 #include "tools/ula/SecretInput.h"
-#include "tools/ula/SettingsCommand.h"
 #include "tools/ula/StandardOutput.h"
 #include "tools/ula/Translation.h"
 #include "tools/ula/Warnings.h"
@@ -80,32 +79,27 @@ private:
     std::string _message;
 };
 
-ExitCode add(const Options& options) {
+/// Asks for the secret, and hands it to `keep`, which takes an account before it or none.
+template <class Keep>
+ExitCode store(const Options& options, const Keep& keep) {
     const Secret secret(readSecret());
     const FastString text = FastString::borrow(secret.text());
     const KeychainLog log;
-    const bool isDone =
-        options.isNote()
-            ? ula::addToKeychain(FastString(options.name), text, FastString(options.qualifier))
-            : ula::addToKeychain(FastString(options.name), FastString(options.account), text,
-                                 FastString(options.qualifier));
+    const FastString name(options.name);
+    const FastString qualifier(options.qualifier);
+    const bool isDone = options.isNote() ? keep(name, text, qualifier)
+                                         : keep(name, FastString(options.account), text, qualifier);
     if (!isDone)
         log.fail(options, ExitCannotWrite);
     return ExitOk;
 }
 
+ExitCode add(const Options& options) {
+    return store(options, [](const auto&... texts) { return ula::addToKeychain(texts...); });
+}
+
 ExitCode edit(const Options& options) {
-    const Secret secret(readSecret());
-    const FastString text = FastString::borrow(secret.text());
-    const KeychainLog log;
-    const bool isDone =
-        options.isNote()
-            ? ula::editKeychain(FastString(options.name), text, FastString(options.qualifier))
-            : ula::editKeychain(FastString(options.name), FastString(options.account), text,
-                                FastString(options.qualifier));
-    if (!isDone)
-        log.fail(options, ExitCannotWrite);
-    return ExitOk;
+    return store(options, [](const auto&... texts) { return ula::editKeychain(texts...); });
 }
 
 ExitCode get(const Options& options) {
@@ -147,10 +141,7 @@ constexpr const char* kService = translatable("secret service");
 constexpr const char* kFile = translatable("encrypted file");
 
 std::size_t kindWidth(std::initializer_list<const char*> kinds) {
-    std::size_t width = 0;
-    for (const char* const kind : kinds)
-        width = std::max(width, displayWidth(translated(kind)));
-    return width + 2;
+    return widestOf(kinds, [](const char* kind) { return translated(kind); }) + 2;
 }
 
 void printNames(const std::vector<KeychainItemName>& names) {
@@ -260,14 +251,11 @@ CLI::App* addAction(CLI::App* secret, const char* name, const char* text, Run ru
 void addItemOptions(CLI::App* action, const std::shared_ptr<Options>& options) {
     action->add_option("NAME", options->name, translated("What the secret is for"))
         ->required()
-        ->transform(&unprotectArgument)
         ->check([](const std::string& name) {
             return name.empty() ? translated("NAME is empty") : "";
         });
-    action->add_option("--account", options->account, translated("Whose password; a note without"))
-        ->transform(&unprotectArgument);
-    action->add_option("--qualifier", options->qualifier, translated("The application's own"))
-        ->transform(&unprotectArgument);
+    action->add_option("--account", options->account, translated("Whose password; a note without"));
+    action->add_option("--qualifier", options->qualifier, translated("The application's own"));
 }
 
 void addItemActions(CLI::App* secret, const std::shared_ptr<Options>& options, ExitCode& result) {
@@ -298,15 +286,13 @@ void addSecretCommand(CLI::App& program, ExitCode& result) {
     CLI::App* const lister =
         addAction(secret, "list", translatable("List names"), list, options, result);
     lister->add_flag("--json", options->asJson, translated("As JSON"));
-    lister
-        ->add_option_function<std::string>(
-            "--qualifier",
-            [options](const std::string& qualifier) {
-                options->qualifier = qualifier;
-                options->hasQualifier = true;
-            },
-            translated("Only names with it"))
-        ->transform(&unprotectArgument);
+    lister->add_option_function<std::string>(
+        "--qualifier",
+        [options](const std::string& qualifier) {
+            options->qualifier = qualifier;
+            options->hasQualifier = true;
+        },
+        translated("Only names with it"));
     addAction(secret, "where", translatable("Show where secrets are kept"), where, options, result)
         ->add_flag("--json", options->asJson, translated("As JSON"));
     addAction(secret, "move", translatable("Move every item to one keychain"), move, options,

@@ -93,10 +93,6 @@ struct Target {
     ExitCode* result;
 };
 
-CLI::Option* addText(CLI::App* verb, const char* name, std::string& text, const std::string& help) {
-    return verb->add_option(name, text, help)->transform(&unprotectArgument);
-}
-
 /// A verb with options of its own that live as long as the program.
 template <class Options>
 CLI::App* addVerb(const Target& target, const char* name, const char* help,
@@ -109,13 +105,12 @@ CLI::App* addVerb(const Target& target, const char* name, const char* help,
 }
 
 void addFile(CLI::App* settings, FileWords& words) {
-    addText(settings, "FILE", words.path, translated("The settings file (XML)"))
+    settings->add_option("FILE", words.path, translated("The settings file (XML)"))
         ->each([&words](const std::string&) { words.hasPath = true; });
     settings
         ->add_option("--plist", words.plist,
                      translated("Instead: the property list of an application"))
         ->expected(2)
-        ->transform(&unprotectArgument)
         ->type_name("COMPANY APP");
     settings->add_flag("--machine", words.isMachines,
                        translated("With --plist: the machine's list, not the user's"));
@@ -129,7 +124,7 @@ void addList(const Target& target) {
     auto options = std::make_shared<ListOptions>();
     CLI::App* verb = addVerb(target, "list", translatable("Show groups, keys, types and values"),
                              options, runList);
-    addText(verb, "GROUP", options->group, translated("Only this group"))
+    verb->add_option("GROUP", options->group, translated("Only this group"))
         ->each([options](const std::string&) { options->hasGroup = true; });
     verb->add_flag("--json", options->asJson, translated("As JSON, as export writes it"));
 }
@@ -139,10 +134,10 @@ void addGet(const Target& target) {
     CLI::App* verb = addVerb(
         target, "get", translatable("Print one value, bare; a string array one entry per line"),
         options, runGet);
-    addText(verb, "GROUP", options->group, translated("The group"))->required();
-    addText(verb, "KEY", options->key, translated("The key"))->required();
-    addText(verb, "--default", options->fallback,
-            translated("Printed, not stored, when there is no such key"))
+    verb->add_option("GROUP", options->group, translated("The group"))->required();
+    verb->add_option("KEY", options->key, translated("The key"))->required();
+    verb->add_option("--default", options->fallback,
+                     translated("Printed, not stored, when there is no such key"))
         ->each([options](const std::string&) { options->hasFallback = true; })
         ->type_name("VALUE");
     verb->add_flag("--json", options->asJson, translated("With its type, as JSON"));
@@ -151,10 +146,9 @@ void addGet(const Target& target) {
 void addSet(const Target& target) {
     auto options = std::make_shared<SetOptions>();
     CLI::App* verb = addVerb(target, "set", translatable("Store a value"), options, runSet);
-    addText(verb, "GROUP", options->group, translated("The group"))->required();
-    addText(verb, "KEY", options->key, translated("The key"))->required();
-    verb->add_option("VALUE", options->values, translated("The value; several for a string array"))
-        ->transform(&unprotectArgument);
+    verb->add_option("GROUP", options->group, translated("The group"))->required();
+    verb->add_option("KEY", options->key, translated("The key"))->required();
+    verb->add_option("VALUE", options->values, translated("The value; several for a string array"));
     verb->add_option("--type", options->type,
                      translated("int, bool, double, string or string_array"))
         ->check(CLI::IsMember({"int", "bool", "double", "string", "string_array"}))
@@ -169,8 +163,8 @@ void addUnset(const Target& target) {
     CLI::App* verb = addVerb(
         target, "unset", translatable("Remove a key, or a group; a group goes with its last key"),
         options, runUnset);
-    addText(verb, "GROUP", options->group, translated("The group"))->required();
-    addText(verb, "KEY", options->key, translated("The key; without it the whole group goes"))
+    verb->add_option("GROUP", options->group, translated("The group"))->required();
+    verb->add_option("KEY", options->key, translated("The key; without it the whole group goes"))
         ->each([options](const std::string&) { options->hasKey = true; });
     addBackup(verb, options->keepBackup);
 }
@@ -179,7 +173,7 @@ void addImport(const Target& target) {
     auto options = std::make_shared<ImportOptions>();
     CLI::App* verb =
         addVerb(target, "import", translatable("Add the keys of a JSON file"), options, runImport);
-    addText(verb, "SOURCE", options->source, translated("A JSON file, or - for standard input"))
+    verb->add_option("SOURCE", options->source, translated("A JSON file, or - for standard input"))
         ->required();
     verb->add_flag("--replace", options->replaceGroups,
                    translated("Groups of SOURCE replace those of FILE whole"));
@@ -192,8 +186,8 @@ void addExport(const Target& target) {
     auto options = std::make_shared<ExportOptions>();
     CLI::App* verb =
         addVerb(target, "export", translatable("Write everything as JSON"), options, runExport);
-    addText(verb, "TARGET", options->target,
-            translated("A file to write, or - for standard output"));
+    verb->add_option("TARGET", options->target,
+                     translated("A file to write, or - for standard output"));
     verb->add_flag("--json")->description(translated("Write JSON, as it always does"));
 }
 
@@ -203,21 +197,11 @@ void addDiff(const Target& target) {
         addVerb(target, "diff",
                 translatable("Show what differs from another file; exit code 1 if anything does"),
                 options, runDiff);
-    addText(verb, "OTHER", options->other, translated("The other settings file"))->required();
+    verb->add_option("OTHER", options->other, translated("The other settings file"))->required();
     verb->add_flag("-q,--quiet", options->isQuiet, translated("Only the exit code"));
 }
 
 }  // namespace
-
-std::string protectArgument(const std::string& argument) {
-    const bool isOdd = !argument.empty() && (argument[0] == '[' || argument[0] == '{');
-    return isOdd ? argument + '\1' : argument;
-}
-
-std::string unprotectArgument(const std::string& argument) {
-    const bool isOdd = !argument.empty() && (argument[0] == '[' || argument[0] == '{');
-    return isOdd && argument.back() == '\1' ? argument.substr(0, argument.size() - 1) : argument;
-}
 
 void addSettingsCommand(CLI::App& program, ExitCode& result) {
     CLI::App* settings =

@@ -60,7 +60,7 @@ ExitCode runImport(const SettingsFile& file, const ImportOptions& options) {
     std::string name;
     const std::string text = readSource(options.source, name);
     GroupMap groups = readJson(text, name);
-    const auto store = openStore(file);
+    const auto store = openStore(file, IfMissing::Start);
     for (auto& [group, keys] : groups)
         merge(store->groups(), group, keys, options.replaceGroups);
     writeStore(*store, file, options.keepBackup);

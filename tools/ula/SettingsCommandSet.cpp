@@ -41,7 +41,7 @@ Setting newValue(const SetOptions& options, const Setting* old) {
 ExitCode runSet(const SettingsFile& file, const SetOptions& options) {
     if (options.group.empty() || options.key.empty())
         throw CommandError{ExitUsage, translated("GROUP and KEY must not be empty")};
-    const auto store = openStore(file);
+    const auto store = openStore(file, IfMissing::Start);
     const Setting value = newValue(options, store->find(options.group, options.key));
     store->groups()[FastString(options.group)].insert_or_assign(FastString(options.key), value);
     writeStore(*store, file, options.keepBackup);

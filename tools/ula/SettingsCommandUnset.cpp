@@ -20,8 +20,7 @@ bool removeKey(GroupMap& groups, const FastString& group, const FastString& key)
 }  // namespace
 
 ExitCode runUnset(const SettingsFile& file, const UnsetOptions& options) {
-    readStore(file);  // for its message when there is no file
-    const auto store = openStore(file);
+    const auto store = openStore(file, IfMissing::Fail);
     const FastString group(options.group);
     const bool isRemoved = options.hasKey
                                ? removeKey(store->groups(), group, FastString(options.key))

@@ -94,9 +94,18 @@ std::unique_ptr<SettingsStore> readIfThere(const std::string& path) {
     return store;
 }
 
-std::unique_ptr<SettingsStore> openList(const std::string& path) {
-    auto store = readListIfThere(path);
-    return store ? std::move(store) : std::make_unique<PListStore>(path);
+[[noreturn]] void failAsMissing(const SettingsFile& file) {
+    const std::string name = file.isPropertyList ? "--plist COMPANY APP" : "FILE";
+    throw CommandError{ExitCannotRead, translated("%1: there is no such file", file.path),
+                       translated("check the path, or start the file with: %1",
+                                  "ula settings " + name + " set GROUP KEY VALUE")};
+}
+
+std::unique_ptr<SettingsStore> openList(const SettingsFile& file, IfMissing ifMissing) {
+    auto store = readListIfThere(file.path);
+    if (!store && ifMissing == IfMissing::Fail)
+        failAsMissing(file);
+    return store ? std::move(store) : std::make_unique<PListStore>(file.path);
 }
 
 }  // namespace
@@ -112,17 +121,17 @@ const Setting* SettingsStore::find(const std::string& group, const std::string& 
 std::unique_ptr<SettingsStore> readStore(const SettingsFile& file) {
     if (auto store = file.isPropertyList ? readListIfThere(file.path) : readIfThere(file.path))
         return store;
-    const std::string name = file.isPropertyList ? "--plist COMPANY APP" : "FILE";
-    throw CommandError{ExitCannotRead, translated("%1: there is no such file", file.path),
-                       translated("check the path, or start the file with: %1",
-                                  "ula settings " + name + " set GROUP KEY VALUE")};
+    failAsMissing(file);
 }
 
-std::unique_ptr<SettingsStore> openStore(const SettingsFile& file) {
+std::unique_ptr<SettingsStore> openStore(const SettingsFile& file, IfMissing ifMissing) {
     if (file.isPropertyList)
-        return openList(file.path);
+        return openList(file, ifMissing);
     // Looked at first: the constructor with a path would leave a copy of a broken file behind.
-    if (!readIfThere(file.path) && file.path.empty())
+    const bool isThere = readIfThere(file.path) != nullptr;
+    if (!isThere && ifMissing == IfMissing::Fail)
+        failAsMissing(file);
+    if (!isThere && file.path.empty())
         throw CommandError{ExitUsage, translated("the name of the settings file is empty")};
     try {
         return std::make_unique<XmlStore>(file.path);

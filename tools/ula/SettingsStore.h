@@ -35,8 +35,10 @@ public:
 /// the library keeps of a file that it does not understand.
 /// Fails: throws `CommandError`, as all of these.
 std::unique_ptr<SettingsStore> readStore(const SettingsFile& file);
-/// The settings in a file, for commands that change them; empty when there is no such file.
-std::unique_ptr<SettingsStore> openStore(const SettingsFile& file);
+enum class IfMissing { Start, Fail };
+/// The settings in a file, for commands that change them; where there is no such file, empty or an
+/// error.
+std::unique_ptr<SettingsStore> openStore(const SettingsFile& file, IfMissing ifMissing);
 /// Replaces the file; `keepBackup` keeps the old one as PATH.bak.
 void writeStore(SettingsStore& store, const SettingsFile& file, bool keepBackup);
 

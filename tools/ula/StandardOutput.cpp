@@ -2,6 +2,7 @@
 #include "tools/ula/StandardOutput.h"
 
 #include "tools/ula/CommandError.h"
+#include "tools/ula/DisplayText.h"
 #include "tools/ula/Translation.h"
 
 #include <cerrno>
@@ -27,6 +28,13 @@ void print(std::string_view text) {
 void finishOutput() {
     if (std::fflush(stdout) != 0 || std::ferror(stdout))
         fail();
+}
+
+void printError(std::string_view message, std::string_view hint) {
+    std::fflush(stdout);
+    std::fprintf(stderr, "ula: %s\n", displayText(message).c_str());
+    if (!hint.empty())
+        std::fprintf(stderr, "     %s\n", displayText(hint).c_str());
 }
 
 }  // namespace tav::tool

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tools/ula/SystemCommand.h"
 
+#include "tools/ula/ByteText.h"
 #include "tools/ula/DisplayText.h"
 #include "tools/ula/JsonOutput.h"
 #include "tools/ula/StandardOutput.h"
@@ -11,8 +12,6 @@
 #include <ula/SystemInformation.h>
 
 #include <CLI/CLI.hpp>
-#include <algorithm>
-#include <cstdio>
 #include <memory>
 #include <nlohmann/json.hpp>
 
@@ -50,18 +49,6 @@ struct Facts {
     MemInfo effectiveMemory = SystemInformation::getEffectiveMemInfo();
 };
 
-/// "15.6 GiB", in the units in which memory is made.
-std::string memoryText(std::uint64_t bytes) {
-    constexpr const char* kUnits[] = {"bytes", "KiB", "MiB", "GiB", "TiB", "PiB", "EiB"};
-    auto value = static_cast<double>(bytes);
-    std::size_t unit = 0;
-    for (; value >= 1023.95 && unit + 1 < std::size(kUnits); ++unit)
-        value /= 1024;
-    char text[32];
-    std::snprintf(text, sizeof text, "%.*f %s", unit == 0 ? 0 : 1, value, kUnits[unit]);
-    return text;
-}
-
 std::string shown(const FastString& text) {
     return displayText(text.view());
 }
@@ -90,7 +77,7 @@ std::string graphicsText(const VideoControllerInfo& graphics) {
     const std::string memory =
         graphics.videoMemory == 0
             ? ""
-            : translated("%1 of its own memory", memoryText(graphics.videoMemory));
+            : translated("%1 of its own memory", binaryByteText(graphics.videoMemory));
     return graphics.model.empty() ? translated("none known")
                                   : joined({shown(graphics.model), memory});
 }
@@ -106,22 +93,21 @@ std::string displaysText(const std::vector<DisplayInfo>& displays) {
 std::string memoryText(const Facts& facts) {
     const bool isLimited = facts.effectiveMemory.first != facts.memory.first;
     const std::string usable = isLimited ? translated("%1 usable here, %2 of that available",
-                                                      memoryText(facts.effectiveMemory.first),
-                                                      memoryText(facts.effectiveMemory.second))
+                                                      binaryByteText(facts.effectiveMemory.first),
+                                                      binaryByteText(facts.effectiveMemory.second))
                                          : "";
-    return joined({memoryText(facts.memory.first),
-                   translated("%1 available with swap", memoryText(facts.memory.second)), usable});
+    return joined({binaryByteText(facts.memory.first),
+                   translated("%1 available with swap", binaryByteText(facts.memory.second)),
+                   usable});
 }
 
 using Line = std::pair<std::string, std::string>;
 
 void printLines(const std::vector<Line>& lines) {
     const Colours colours = outputColours();
-    std::size_t width = 0;
-    for (const Line& line : lines)
-        width = std::max(width, displayWidth(line.first));
+    const std::size_t width = widestOf(lines, [](const Line& line) { return line.first; }) + 2;
     for (const auto& [name, text] : lines)
-        print(colours.bold + padded(name, width + 2) + colours.plain + text + "\n");
+        print(colours.bold + padded(name, width) + colours.plain + text + "\n");
 }
 
 void printText(const Facts& facts) {

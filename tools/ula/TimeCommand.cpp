@@ -4,7 +4,7 @@
 #include "tools/ula/DisplayText.h"
 #include "tools/ula/ExifDate.h"
 #include "tools/ula/JsonOutput.h"
-#include "tools/ula/SettingsCommand.h"
+#include "tools/ula/StandardOutput.h"
 #include "tools/ula/TextTable.h"
 #include "tools/ula/Translation.h"
 #include "ula/ULATime.h"
@@ -156,8 +156,7 @@ ExitCode run(const Options& options) {
         if (times.error.empty())
             continue;
         code = ExitCannotRead;
-        std::fflush(stdout);
-        std::fprintf(stderr, "ula: %s: %s\n", displayText(times.path).c_str(), times.error.c_str());
+        printError(times.path + ": " + times.error);
     }
     return code;
 }
@@ -168,9 +167,7 @@ void addTimeCommand(CLI::App& program, ExitCode& result) {
     const auto options = std::make_shared<Options>();
     CLI::App* const time = program.add_subcommand(
         "time", translated("Show when pictures were taken, and files were made and changed"));
-    time->add_option("FILE", options->files, translated("Pictures and other files"))
-        ->transform(&unprotectArgument)
-        ->required();
+    time->add_option("FILE", options->files, translated("Pictures and other files"))->required();
     time->add_flag("--json", options->asJson, translated("As JSON"));
     time->callback([options, &result] { result = run(*options); });
     time->footer(translated(kHelp));

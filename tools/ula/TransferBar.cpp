@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tools/ula/TransferBar.h"
 
+#include "tools/ula/ByteText.h"
 #include "tools/ula/DisplayText.h"
 #include "tools/ula/Terminal.h"
 
@@ -17,17 +18,6 @@ constexpr std::size_t kNameWidth = 24;
 constexpr std::chrono::milliseconds kBetweenDrawings{100};
 
 }  // namespace
-
-std::string byteText(std::uint64_t bytes) {
-    constexpr const char* kUnits[] = {"bytes", "kB", "MB", "GB", "TB"};
-    std::size_t unit = 0;
-    auto amount = static_cast<double>(bytes);
-    for (; amount >= 1000 && unit + 1 < std::size(kUnits); ++unit)
-        amount /= 1000;
-    char text[32];
-    std::snprintf(text, sizeof text, unit == 0 ? "%.0f %s" : "%.1f %s", amount, kUnits[unit]);
-    return text;
-}
 
 TransferBar::TransferBar(std::uint64_t totalBytes)
     : _total(std::max<std::uint64_t>(totalBytes, 1)), _isWanted(isTerminal(STDERR_FILENO)) {
@@ -56,7 +46,7 @@ void TransferBar::draw(std::uint64_t doneBytes, const std::string& what, Clock::
     const double rate = seconds > 0 ? static_cast<double>(doneBytes) / seconds : 0;
     std::fprintf(stderr, "\r%s %3.0f %%  %s  %s/s\033[K", bar.c_str(), part * 100,
                  padded(cutToWidth(what, kNameWidth), kNameWidth).c_str(),
-                 byteText(static_cast<std::uint64_t>(rate)).c_str());
+                 decimalByteText(static_cast<std::uint64_t>(rate)).c_str());
     std::fflush(stderr);
     _isDrawn = true;
 }

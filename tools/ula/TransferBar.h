@@ -32,7 +32,4 @@ private:
     Clock::time_point _last{};
 };
 
-/// "5.2 MB"
-std::string byteText(std::uint64_t bytes);
-
 }  // namespace tav::tool

@@ -1,16 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "tools/ula/TrashCommand.h"
 
+#include "tools/ula/AbsolutePath.h"
 #include "tools/ula/DisplayText.h"
 #include "tools/ula/JsonOutput.h"
-#include "tools/ula/SettingsCommand.h"
 #include "tools/ula/StandardOutput.h"
 #include "tools/ula/Translation.h"
 #include "ula/RecycleBin.h"
 
 #include <CLI/CLI.hpp>
-#include <cstdio>
-#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <iterator>
@@ -48,8 +46,7 @@ std::string textOf(const FastString& text) {
 }
 
 void report(const RecycleBinResult& result, const FastString& item) {
-    std::fflush(stdout);
-    std::fprintf(stderr, "ula: %s: %s\n", textOf(item).c_str(), textOf(result.error).c_str());
+    printError(item.toStdString() + ": " + result.error.toStdString());
 }
 
 Json jsonOf(const RecycleBinResult& result) {
@@ -62,10 +59,6 @@ Json jsonOf(const RecycleBinResult& result) {
     json["trashed"] = receipt.trashedPath.toStdString();
     json["identity"] = receipt.identity.toStdString();
     return json;
-}
-
-std::string absolutePath(const std::string& path) {
-    return std::filesystem::absolute(path).string();
 }
 
 ExitCode put(const Options& options) {
@@ -98,10 +91,7 @@ std::string readAll(const std::string& path) {
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
-/// Of the first releases, which had no version, the list alone.
 const Json& listOf(const Json& receipts, const std::string& path) {
-    if (receipts.is_array())
-        return receipts;
     if (receipts.at("version") != kJsonVersion)
         throw CommandError{ExitCannotRead,
                            translated("%1: the version of these receipts is not known", path),
@@ -182,8 +172,7 @@ void addTrashCommand(CLI::App& program, ExitCode& result) {
     CLI::App* const trash = program.add_subcommand(
         "trash", translated("Move files and folders to the trash, and back"));
     CLI::Option* const files =
-        trash->add_option("FILE", options->files, translated("What is to go"))
-            ->transform(&unprotectArgument);
+        trash->add_option("FILE", options->files, translated("What is to go"));
     trash->add_flag("--json", options->asJson, translated("Print receipts, as JSON"));
     CLI::Option* const receipts =
         trash
@@ -194,7 +183,6 @@ void addTrashCommand(CLI::App& program, ExitCode& result) {
     trash
         ->add_option("--restore-path", options->paths,
                      translated("Put back what was trashed last from these paths"))
-        ->transform(&unprotectArgument)
         ->type_name("PATH")
         ->excludes(files)
         ->excludes(receipts);

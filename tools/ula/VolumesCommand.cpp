@@ -9,7 +9,6 @@
 #include <CLI/CLI.hpp>
 #include <CoreServices/MountLookup.h>
 #include <CoreServices/Volumes.h>
-#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <memory>
@@ -41,13 +40,11 @@ constexpr const char* kStates[] = {
     translatable("foreign link"),  translatable("plain folder"), translatable("foreign entry")};
 
 void printList(const std::vector<VolumeEntry>& entries) {
-    std::size_t width = 0, stateWidth = 0;
-    for (const char* const state : kStates)
-        stateWidth = std::max(stateWidth, displayWidth(translated(state)));
-    for (const VolumeEntry& entry : entries)
-        width = std::max(width, displayWidth(displayText(entry.name)));
+    const auto nameOf = [](const VolumeEntry& entry) { return displayText(entry.name); };
+    const std::size_t nameWidth = widestOf(entries, nameOf) + 2;
+    const std::size_t stateWidth = widestOf(kStates, [](auto state) { return translated(state); });
     for (const VolumeEntry& entry : entries) {
-        std::string line = padded(displayText(entry.name), width + 2);
+        std::string line = padded(nameOf(entry), nameWidth);
         const std::string state = translated(describe(entry.state));
         line += entry.target.empty() ? state
                                      : padded(state, stateWidth + 3) + displayText(entry.target);
@@ -90,13 +87,13 @@ void mend(const Volumes& volumes, const std::vector<Mount>& mounts) {
 
 ExitCode run(const Options& options) {
     const Volumes volumes(options.folder);
-    const std::vector<Mount> mounts = reachableMounts(parseMountInfo(readMountInfo()));
+    const MountList mounts = currentMounts();
     if (options.mend)
-        mend(volumes, mounts);
+        mend(volumes, *mounts);
     else if (options.asJson)
-        printAsJson(volumes.list(mounts));
+        printAsJson(volumes.list(*mounts));
     else
-        printList(volumes.list(mounts));
+        printList(volumes.list(*mounts));
     return ExitOk;
 }
 

@@ -224,7 +224,7 @@ void addWatchCommand(CLI::App& program, ExitCode& result) {
     const auto options = std::make_shared<Options>();
     CLI::App* const watch = program.add_subcommand(
         "watch", translated("Tell what changes, one line at a time, until Ctrl-C"));
-    watch->add_option("path", options->paths, translated("Files and folders"));
+    watch->add_option("PATH", options->paths, translated("Files and folders"));
     CLI::Option* const recursive = watch->add_flag("-r,--recursive", options->recursive,
                                                    translated("Everything below folders, too"));
     watch

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
+#include "tools/ula/ArgumentProtection.h"
 #include "tools/ula/CamerasCommand.h"
 #include "tools/ula/CompletionCommand.h"
 #include "tools/ula/DirCommand.h"
-#include "tools/ula/DisplayText.h"
 #include "tools/ula/DoctorCommand.h"
 #include "tools/ula/DrivesCommand.h"
 #include "tools/ula/FoldersCommand.h"
@@ -22,7 +22,7 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <cstdio>
+#include <exception>
 #include <memory>
 #include <new>
 
@@ -53,10 +53,7 @@ Exit codes: 0 done; 1 different, or not there; 2 wrong usage;
 3 a file cannot be read; 4 a file cannot be written.)");
 
 ExitCode tell(const CommandError& error) {
-    std::fflush(stdout);
-    std::fprintf(stderr, "ula: %s\n", displayText(error.message).c_str());
-    if (!error.hint.empty())
-        std::fprintf(stderr, "     %s\n", displayText(error.hint).c_str());
+    printError(error.message, error.hint);
     return error.code;
 }
 
@@ -79,7 +76,7 @@ ExitCode run(CLI::App& program, const std::vector<std::string>& arguments, const
     } catch (const CLI::Success& success) {
         program.exit(success);  // help and version
     } catch (const CLI::ParseError& error) {
-        return tell({ExitUsage, translatedMessage(error), hintFor(error.what())});
+        return tell({ExitUsage, unprotectMessage(translatedMessage(error)), hintFor(error.what())});
     }
     finishOutput();
     return result;
@@ -115,6 +112,7 @@ int main(int argc, char** argv) {
     addVolumesCommand(program, result);
     addWatchCommand(program, result);
     addCompletionCommand(program, result);
+    unprotectOptions(program);
     // Last, as those that are added take over what stands there.
     program.footer(translated(kHelp));
     try {
@@ -123,5 +121,8 @@ int main(int argc, char** argv) {
         return tell(error);
     } catch (const std::bad_alloc&) {
         return tell({ExitCannotRead, translated("there is not enough memory for this file")});
+    } catch (const std::exception& exception) {
+        // What no command foresaw: even so a line and an exit code, not a core file.
+        return tell({ExitCannotRead, exception.what()});
     }
 }

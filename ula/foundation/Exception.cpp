@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "ula/foundation/Exception.h"
 
+#include <exception>
+
 namespace tav {
 
 Exception::~Exception() = default;
@@ -15,6 +17,18 @@ Exception* Exception::clone() const {
 
 void Exception::raise() const {
     throw Exception(*this);
+}
+
+std::string describeCurrentException() {
+    try {
+        throw;
+    } catch (const Exception& exception) {
+        return exception.what();
+    } catch (const std::exception& exception) {
+        return exception.what();
+    } catch (...) {
+        return "of unknown type";
+    }
 }
 
 }  // namespace tav

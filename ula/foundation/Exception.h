@@ -43,4 +43,7 @@ private:
     const Concrete& self() const { return static_cast<const Concrete&>(*this); }
 };
 
+/// What the exception that is being handled says of itself. To be called in a `catch`.
+TAV_FOUNDATION_API std::string describeCurrentException();
+
 }  // namespace tav

@@ -70,8 +70,7 @@ void KernelWatches::collect() {
 }
 
 void KernelWatches::waitAndCollect(int timeoutMs) {
-    using Clock = std::chrono::steady_clock;
-    const Clock::time_point deadline = Clock::now() + std::chrono::milliseconds(timeoutMs);
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(timeoutMs);
     pollfd queue{_descriptor, POLLIN, 0};
     // On threads of the application signals come.
     while (poll(&queue, 1, timeoutMs) < 0 && errno == EINTR)

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "RootGuards.h"
 
+#include "CoreServices/MostLinks.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <climits>
@@ -16,7 +18,6 @@ namespace {
 constexpr uint32_t kComesOrGoes = IN_CREATE | IN_DELETE | IN_MOVE;
 constexpr uint32_t kIsMoved = IN_MOVE_SELF | IN_DELETE_SELF;
 constexpr uint32_t kIsWritten = IN_MODIFY | IN_ATTRIB;
-constexpr int kMostLinks = 40;
 // Whoever moves folders about for longer is told of by the guards that there are.
 constexpr int kMostLooks = 100;
 
@@ -60,7 +61,7 @@ public:
     bool follow() {
         char target[PATH_MAX];
         const ssize_t length = readlink(item().c_str(), target, sizeof target);
-        if (length <= 0 || ++_links > kMostLinks)
+        if (length <= 0 || ++_links > coreservices::kMostLinks)
             return false;
         _rest.pop_front();
         if (target[0] == '/')

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Security/Keychain/ItemDigest.h"
 
+#include "Security/Keychain/Bytes.h"
 #include "Security/Keychain/LittleEndian.h"
 
 #include <array>
@@ -11,10 +12,6 @@ namespace security {
 namespace {
 
 constexpr std::size_t kSize = 16;
-
-const std::uint8_t* bytesOf(std::string_view text) {
-    return reinterpret_cast<const std::uint8_t*>(text.data());
-}
 
 }  // namespace
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Security/Keychain/SealedFile.h"
 
+#include "Security/Keychain/Bytes.h"
 #include "Security/Keychain/LittleEndian.h"
 
 #include <cstring>
@@ -26,10 +27,6 @@ constexpr std::size_t kKeyFileSize = kBodyAt + kKeySize + kCheckSize;
 constexpr std::size_t kNonceSize = crypto_aead_xchacha20poly1305_ietf_NPUBBYTES;
 constexpr std::size_t kTagSize = crypto_aead_xchacha20poly1305_ietf_ABYTES;
 constexpr std::size_t kHeaderSize = kBodyAt + kNonceSize + kCheckSize;
-
-const std::uint8_t* bytesOf(std::string_view text) {
-    return reinterpret_cast<const std::uint8_t*>(text.data());
-}
 
 void writeCheck(std::uint8_t* bytes, std::size_t size) {
     crypto_generichash(bytes + size, kCheckSize, bytes, size, nullptr, 0);

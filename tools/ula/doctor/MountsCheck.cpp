@@ -41,8 +41,8 @@ std::string complaintOf(const std::optional<int>& answer) {
 
 std::vector<std::string> pointsToAsk() {
     std::vector<std::string> points;
-    for (const Mount& mount :
-         coreservices::reachableMounts(coreservices::parseMountInfo(coreservices::readMountInfo())))
+    const coreservices::MountList mounts = coreservices::currentMounts();
+    for (const Mount& mount : *mounts)
         // What an automounter stands for is mounted only when it is used.
         if (coreservices::mayStall(mount) && mount.type != "autofs")
             points.push_back(mount.point);

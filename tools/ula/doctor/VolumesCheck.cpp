@@ -49,8 +49,8 @@ std::string listOf(const std::vector<VolumeEntry>& entries, VolumeState state) {
 Finding examine(const Host& host) {
     if (const Finding finding = examineFolder(host); !finding.message.empty())
         return finding;
-    const std::vector<Mount> mounts = reachableMounts(parseMountInfo(readMountInfo()));
-    const std::vector<VolumeEntry> entries = Volumes(host.volumes).list(mounts);
+    const MountList mounts = currentMounts();
+    const std::vector<VolumeEntry> entries = Volumes(host.volumes).list(*mounts);
     if (const std::string missing = listOf(entries, VolumeState::Missing); !missing.empty())
         return {CheckState::Problem, translated("without a name in %1: %2", host.volumes, missing),
                 mendCommand(host)};

@@ -5,6 +5,7 @@
 #include <atomic>
 #include <cerrno>
 #include <csignal>
+#include <cstdint>
 #include <ctime>
 #include <execinfo.h>
 #include <mutex>
@@ -18,7 +19,8 @@ constexpr int kMostFrames = 64;
 
 /// What the thread that asks and the signal handler of the thread that is asked share.
 struct Exchange {
-    enum State { Idle, Asked, Answering };
+    static constexpr std::uintptr_t kIdle = 0;
+    static constexpr std::uintptr_t kAnswering = 1;
 
     Exchange() {
         sem_init(&answered, 0, 0);
@@ -28,11 +30,18 @@ struct Exchange {
     }
 
     std::mutex oneAtATime;
-    std::atomic<State> state = Idle;
+    /// Otherwise the thread that is asked: the answer of another one, which comes too late for a
+    /// request that was given up, is not taken for that one's.
+    std::atomic<std::uintptr_t> state = kIdle;
     sem_t answered;
     void* frames[kMostFrames];
     int count = 0;
 };
+
+// A number or a pointer, as the system has it.
+std::uintptr_t numberOf(pthread_t thread) {
+    return (std::uintptr_t)thread;
+}
 
 /// Never destroyed: a late answer may come at the very end of the process.
 Exchange& theExchange() {
@@ -43,9 +52,9 @@ Exchange& theExchange() {
 extern "C" void answerWithStack(int) {
     const int savedError = errno;
     Exchange& exchange = theExchange();
-    Exchange::State asked = Exchange::Asked;
+    std::uintptr_t asked = numberOf(pthread_self());
     // An answer that comes too late is not wanted any more.
-    if (exchange.state.compare_exchange_strong(asked, Exchange::Answering)) {
+    if (exchange.state.compare_exchange_strong(asked, Exchange::kAnswering)) {
         exchange.count = backtrace(exchange.frames, kMostFrames);
         sem_post(&exchange.answered);
     }
@@ -87,20 +96,21 @@ void waitForAnswerBegun(sem_t& answered) {
 }  // namespace
 
 StackTrace StackTrace::captureOf(pthread_t thread) {
+    static_assert(kMostFrames == kDeepest);
     StackTrace trace;
     Exchange& exchange = theExchange();
     const std::lock_guard guard(exchange.oneAtATime);
     static const int signal = installedSignal();
     if (signal == 0)
         return trace;
-    exchange.state = Exchange::Asked;
-    Exchange::State asked = Exchange::Asked;
+    std::uintptr_t asked = numberOf(thread);
+    exchange.state = asked;
     if (pthread_kill(thread, signal) != 0 || !waitForAnswer(exchange.answered)) {
-        if (exchange.state.compare_exchange_strong(asked, Exchange::Idle))
+        if (exchange.state.compare_exchange_strong(asked, Exchange::kIdle))
             return trace;
         waitForAnswerBegun(exchange.answered);
     }
-    exchange.state = Exchange::Idle;
+    exchange.state = Exchange::kIdle;
     trace._count = static_cast<std::size_t>(exchange.count);
     std::copy_n(exchange.frames, trace._count, trace._frames.begin());
     return trace;

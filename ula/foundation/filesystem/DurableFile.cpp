@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "ula/foundation/filesystem/DurableFile.h"
 
-#include "ula/foundation/filesystem/FileSystem.h"
 #include "ula/foundation/filesystem/Replacement.h"
 
+#include <cerrno>
 #include <map>
 #include <utility>
 

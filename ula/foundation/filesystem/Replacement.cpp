@@ -149,8 +149,9 @@ bool DurableFile::Replacement::write(std::string_view bytes) {
     while (!_failed && !bytes.empty()) {
         const ssize_t written =
             retryInterrupted([&] { return ::write(_file.get(), bytes.data(), bytes.size()); });
-        if (written <= 0)
-            _failed = !fail("cannot write", written < 0 ? errno : EIO);
+        _failed = written <= 0;
+        if (_failed)
+            fail("cannot write", written < 0 ? errno : EIO);
         else
             bytes.remove_prefix(static_cast<std::size_t>(written));
     }

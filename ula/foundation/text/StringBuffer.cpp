@@ -8,7 +8,7 @@ namespace tav::text {
 StringBuffer* StringBuffer::create(std::size_t capacity) {
     if (capacity > static_cast<std::size_t>(-1) / 2)
         throw std::bad_alloc();
-    return new (::operator new(sizeof(StringBuffer) + capacity)) StringBuffer(capacity);
+    return new (::operator new(sizeof(StringBuffer) + capacity)) StringBuffer;
 }
 
 void StringBuffer::destroy() {

@@ -8,7 +8,7 @@
 
 namespace tav::text {
 
-/// The bytes that copies of a `FastString` share: a count and `capacity()` bytes in one block of
+/// The bytes that copies of a `FastString` share: a count and the bytes in one block of
 /// memory. Made with one reference, freed with the last.
 /// Thread: the count may be changed from any thread; the bytes are written only by the maker,
 /// before the buffer is shared.
@@ -25,14 +25,12 @@ public:
     }
 
     char* bytes() { return reinterpret_cast<char*>(this + 1); }
-    std::size_t capacity() const { return _capacity; }
 
 private:
-    explicit StringBuffer(std::size_t capacity) : _capacity(capacity) {}
+    StringBuffer() = default;
     TAV_FOUNDATION_API void destroy();
 
     int volatile _references = 1;
-    std::size_t _capacity;
 };
 
 }  // namespace tav::text

@@ -12,7 +12,6 @@ class Mutex {
 public:
     void lock() { _mutex.lock(); }
     void unlock() { _mutex.unlock(); }
-    bool try_lock() { return _mutex.try_lock(); }
 
 private:
     friend class ConditionVariable;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ula/foundation/thread/Thread.h"
 
+#include "ula/foundation/Exception.h"
 #include "ula/foundation/debug/Log.h"
 
 #include <algorithm>
@@ -27,23 +28,15 @@ Clock::time_point deadlineAfter(double seconds) {
            std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(bounded));
 }
 
-void logEscaped(const char* text) {
-    debug::logf(kSource, 41, debug::LogLevelError, "a thread ended with an exception: %*")
-        .add(text);
-}
-
 void runLogged(const util::Function0<void>& function) {
     try {
         if (function)
             function();
     } catch (const ThreadInterruptedException&) {
         // The way an interrupted thread is meant to end.
-    } catch (const Exception& exception) {
-        logEscaped(exception.what());
-    } catch (const std::exception& exception) {
-        logEscaped(exception.what());
     } catch (...) {
-        logEscaped("of unknown type");
+        debug::logf(kSource, 41, debug::LogLevelError, "a thread ended with an exception: %*")
+            .add(describeCurrentException());
     }
 }
 

@@ -172,11 +172,12 @@ private:
         /// The signal is going: running emissions end after the slot they are in, and the last of
         /// them keeps `self` until then.
         void close(const std::shared_ptr<SlotList>& self) {
-            _closed.store(true, std::memory_order_relaxed);
-            for (const auto& slot : *_slots.load())
-                slot->end();
             {
+                // A `Connection` may replace the array at this moment.
                 thread::ScopedLock lock(_mutex);
+                _closed = true;
+                for (const auto& slot : *_slots.load())
+                    slot->end();
                 if (_pins.load() > 1)
                     _self = self;
             }
@@ -205,9 +206,9 @@ private:
         }
 
         /// Takes the replaced arrays when no emission can be reading one: each pins the list
-        /// before it takes the current array.
+        /// before it takes the current array. The mutex must be held.
         void collect(Garbage& unused) {
-            if (_closed.load(std::memory_order_relaxed) || _pins.load() > 1)
+            if (_closed || _pins.load() > 1)
                 return;
             unused.swap(_replaced);
             _hasReplaced.store(false);
@@ -232,7 +233,7 @@ private:
         std::atomic<std::size_t> _size = 0;
         Garbage _replaced;
         std::atomic<bool> _hasReplaced = false;
-        std::atomic<bool> _closed = false;
+        bool _closed = false;
         /// One for the signal while it lives, one for each running emission.
         detail::PinCount _pins;
         std::shared_ptr<SlotList> _self;

@@ -178,8 +178,6 @@ std::string XmlError::describe() const {
 
 XmlException::~XmlException() = default;
 
-// ---- attributes
-
 String AttributeIterator::value() const {
     return exists() ? _document->_content->share(pugi::xml_attribute(_attribute).value())
                     : String();
@@ -200,8 +198,6 @@ double AttributeIterator::valueDouble(bool* isNumber) const {
         *isNumber = good;
     return number;
 }
-
-// ---- elements
 
 NodeIterator NodeIterator::beginChildren() const {
     const pugi::xml_node child = firstElementFrom(pugi::xml_node(_node).first_child());
@@ -247,8 +243,6 @@ void NodeIterator::appendAttribute(const String& name, int value) {
 void NodeIterator::appendAttribute(const String& name, double value) {
     appendAttribute(name, text::dtostr(value));
 }
-
-// ---- documents
 
 XmlDocumentRapid::XmlDocumentRapid() : _content(std::make_unique<Content>()) {
 }

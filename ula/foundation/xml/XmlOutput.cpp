@@ -70,9 +70,9 @@ std::size_t writeOdd(std::string_view text, char*& out) {
                                     std::size_t position) {
     char byte[8];
     std::snprintf(byte, sizeof byte, "0x%02X", static_cast<unsigned char>(value[position]));
-    throw XmlException("XML cannot carry byte " + std::string(byte) + " at position " +
-                       std::to_string(position) + " of attribute \"" + std::string(attribute) +
-                       "\"");
+    throw XmlException(
+        "XML cannot carry byte " + std::string(byte) + " at position " + std::to_string(position) +
+        (attribute.empty() ? "" : " of attribute \"" + std::string(attribute) + "\""));
 }
 
 }  // namespace

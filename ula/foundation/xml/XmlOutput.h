@@ -31,7 +31,8 @@ public:
         std::memcpy(_buffer.get() + _used, text.data(), text.size());
         _used += text.size();
     }
-    /// Appends what stands between an attribute's quotes. `attributeName` is for the message.
+    /// Appends what stands between an attribute's quotes, or between tags. `attributeName` is for
+    /// the message; empty for what is no attribute's.
     /// Fails: throws `XmlException` for a value that XML cannot carry: control characters other
     /// than tab and line ends, U+FFFE, U+FFFF, bytes that are not UTF-8.
     void appendValue(std::string_view attributeName, const String& value);

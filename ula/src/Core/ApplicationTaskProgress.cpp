@@ -17,7 +17,7 @@ ApplicationTaskProgress::~ApplicationTaskProgress() = default;
 
 ApplicationTaskProgress* ApplicationTaskProgress::instance() {
     if (theInstance == nullptr)
-        theInstance = makePlatformApplicationTaskProgress();
+        theInstance = createPlatformApplicationTaskProgress();
     return theInstance;
 }
 

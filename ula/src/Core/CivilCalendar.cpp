@@ -20,7 +20,7 @@ constexpr std::int64_t kYearsOfCycle = 400;
 constexpr std::int64_t kDaysOfCycle = 146'097;
 static_assert(kDaysOfCycle % 7 == 0);
 /// A Saturday.
-constexpr sys_days kBegin = year(2000) / month(1) / day(1);
+constexpr sys_days kFirstDay = year(2000) / month(1) / day(1);
 constexpr std::int64_t kMonthsOfYear = 12;
 constexpr std::int64_t kSecondsOfDay = 86'400;
 
@@ -36,12 +36,12 @@ constexpr Division divide(std::int64_t value, std::int64_t by) {
                          : Division{value / by, remainder};
 }
 
-/// Of the first day of a month: the days since `kBegin`.
+/// Of the first day of a month: the days since `kFirstDay`.
 std::int64_t dayNumber(std::int64_t aYear, std::int64_t aMonth) {
     const Division cycle = divide(aYear - 2000, kYearsOfCycle);
     const sys_days first = year(static_cast<int>(2000 + cycle.remainder)) /
                            month(static_cast<unsigned>(aMonth)) / day(1);
-    return cycle.quotient * kDaysOfCycle + (first - kBegin).count();
+    return cycle.quotient * kDaysOfCycle + (first - kFirstDay).count();
 }
 
 std::uint32_t narrow(std::int64_t value) {
@@ -50,7 +50,7 @@ std::uint32_t narrow(std::int64_t value) {
 
 CivilTime timeOf(std::int64_t dayNumber, std::int64_t secondOfDay) {
     const Division cycle = divide(dayNumber, kDaysOfCycle);
-    const year_month_day date(kBegin + days(cycle.remainder));
+    const year_month_day date(kFirstDay + days(cycle.remainder));
     return {cycle.quotient * kYearsOfCycle + int(date.year()),
             unsigned(date.month()),
             unsigned(date.day()),

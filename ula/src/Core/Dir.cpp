@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "ula/Dir.h"
 
-#include "FinderSort.h"
+#include "ula/src/Core/FinderSort.h"
 
 #include <iostream>
+#include <utility>
 
 namespace tav::ula {
 
@@ -14,6 +15,21 @@ void deleteAll(std::vector<Dir*>& nodes) {
         delete node;
     nodes.clear();
 }
+
+/// The helpers of a listing. Deletes those that nobody has taken.
+class FoundHelpers {
+public:
+    FoundHelpers() = default;
+    explicit FoundHelpers(std::vector<AbstractDirHelper*> found) : helpers(std::move(found)) {}
+    FoundHelpers(const FoundHelpers&) = delete;
+    FoundHelpers& operator=(const FoundHelpers&) = delete;
+    ~FoundHelpers() {
+        for (const AbstractDirHelper* helper : helpers)
+            delete helper;
+    }
+
+    std::vector<AbstractDirHelper*> helpers;
+};
 
 }  // namespace
 
@@ -48,16 +64,18 @@ bool Dir::containsChildren(bool visibleFoldersOnly) const {
     return _helper->containsChildren(visibleFoldersOnly);
 }
 
-void Dir::adopt(const std::vector<AbstractDirHelper*>& helpers) {
+void Dir::adopt(std::vector<AbstractDirHelper*>& helpers) {
     _children.reserve(helpers.size());
-    for (AbstractDirHelper* helper : helpers)
-        _children.push_back(new Dir(helper));
+    for (AbstractDirHelper*& helper : helpers)
+        _children.push_back(new Dir(std::exchange(helper, nullptr)));
     _childrenLoaded = true;
 }
 
 const std::vector<Dir*>& Dir::children(bool visibleFoldersOnly) {
-    if (!_childrenLoaded)
-        adopt(_helper->children(visibleFoldersOnly));
+    if (!_childrenLoaded) {
+        FoundHelpers found(_helper->children(visibleFoldersOnly));
+        adopt(found.helpers);
+    }
     return _children;
 }
 
@@ -77,14 +95,11 @@ std::vector<Dir*> Dir::childrenSorted(bool visibleFoldersOnly) {
 bool Dir::loadChildren(bool visibleFoldersOnly, const ListingProgress& progress) {
     if (_childrenLoaded)
         return true;
-    std::vector<AbstractDirHelper*> found;
-    if (_helper->childrenWithProgress(visibleFoldersOnly, progress, found)) {
-        adopt(found);
-        return true;
-    }
-    for (const AbstractDirHelper* helper : found)
-        delete helper;
-    return false;
+    FoundHelpers found;
+    if (!_helper->childrenWithProgress(visibleFoldersOnly, progress, found.helpers))
+        return false;
+    adopt(found.helpers);
+    return true;
 }
 
 void Dir::reset() {

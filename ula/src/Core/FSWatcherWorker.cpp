@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ula/src/Core/FSWatcherWorker.h"
 
+#include "ula/foundation/Exception.h"
 #include "ula/foundation/debug/Log.h"
 
 namespace tav::ula {
@@ -11,13 +12,6 @@ using Lock = thread::ScopedLock<thread::Mutex>;
 using RegistryLock = thread::ScopedLock<RegistryMutex>;
 
 constexpr double kPeriodSeconds = 0.1;
-
-void logThrown(const std::string& path, const char* what) {
-    debug::logf("src/Core/FSWatcherWorker", 1, debug::LogLevelError,
-                "a slot of the watcher of %* has thrown: %*")
-        .add(path.c_str())
-        .add(what);
-}
 
 }  // namespace
 
@@ -175,12 +169,11 @@ void FSWatcherWorker::call(const Registration& registration, const std::string& 
         return;
     try {
         registration.watcher->emit(path, info);
-    } catch (const Exception& exception) {
-        logThrown(path, exception.what());
-    } catch (const std::exception& exception) {
-        logThrown(path, exception.what());
     } catch (...) {
-        logThrown(path, "of unknown type");
+        debug::logf("src/Core/FSWatcherWorker", 1, debug::LogLevelError,
+                    "a slot of the watcher of %* has thrown: %*")
+            .add(path.c_str())
+            .add(describeCurrentException());
     }
     // In a child that was forked by the slot the registry may be locked for ever.
     if (!_isAbandoned)

@@ -27,14 +27,14 @@ public:
     FSWatcherWorker& operator=(const FSWatcherWorker&) = delete;
     virtual ~FSWatcherWorker();
 
-    // The platform's part. The first four and the text are called with the registry's lock held.
+    // The platform's part, called with the registry's lock held.
     virtual bool startWatching(const std::string& path, bool recursive) = 0;
     virtual void stopWatching(const std::string& path) = 0;
     /// Collects what has happened, without waiting. Thread: the worker's.
     virtual void poll() = 0;
     virtual void setEnabled(bool enabled, const std::string& path) = 0;
     virtual std::string getOSDebugString();
-    /// After each round and at the end of the thread. Thread: the worker's.
+    /// After each round and, without the lock, at the end of the thread. Thread: the worker's.
     virtual void afterPoll();
     virtual std::string normalizePath(const std::string& path);
 

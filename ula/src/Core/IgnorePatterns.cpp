@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "IgnorePatterns.h"
+#include "ula/src/Core/IgnorePatterns.h"
 
 #include <algorithm>
 #include <fnmatch.h>

@@ -24,12 +24,18 @@ constexpr std::uint64_t kMostWrittenBytes = 256 << 20;
 }  // namespace
 
 struct ImportRun::Transfer {
-    Transfer(const ImportObject& chosen, std::size_t place) : object(chosen), index(place) {
+    Transfer(const ImportObject& chosen, std::size_t place, PieceWriter& itsWriter)
+        : object(chosen), index(place), writer(itsWriter) {
         file.object = chosen;
+    }
+    ~Transfer() {
+        if (target)
+            writer.wait();
     }
 
     const ImportObject& object;
     std::size_t index;
+    PieceWriter& writer;
     ImportedFile file;
     std::string folder;
     std::string_view piece;  ///< what was read last, where the source has it
@@ -54,7 +60,7 @@ std::vector<ImportedFile> ImportRun::import(const std::vector<ImportObject>& obj
         _progress.totalBytes += object.size;
     _files.resize(objects.size());
     for (std::size_t i = 0; i < objects.size(); ++i) {
-        importOne(std::make_unique<Transfer>(objects[i], i));
+        importOne(std::make_unique<Transfer>(objects[i], i, _writer));
         if (isFull())
             settle();
         ++_progress.files;
@@ -76,7 +82,7 @@ void ImportRun::importOne(std::unique_ptr<Transfer> transfer) {
     if (_isCancelled)
         transfer->file.result = ImportResult::Cancelled;
     else if (!_problem.empty())
-        fail(*transfer, _problem);
+        fail(*transfer, ImportFailure::Source, _problem);
     else if (begin(*transfer) && write(*transfer)) {
         _writtenBytes += transfer->object.size;
         _written.push_back(std::move(transfer));
@@ -92,6 +98,7 @@ bool ImportRun::isFull() const {
 /// Another process may have given its file the name that was free: then another one is chosen.
 void ImportRun::settle() {
     while (!_written.empty()) {
+        _writer.wait();
         const auto written = std::exchange(_written, {});
         _writtenBytes = 0;
         std::vector<filesystem::DurableFile*> targets;
@@ -106,7 +113,7 @@ void ImportRun::settle() {
 void ImportRun::finish(Transfer& transfer) {
     const bool isCommitted = transfer.target->isCommitted();
     if (!isCommitted && transfer.target->exists()) {
-        auto again = std::make_unique<Transfer>(transfer.object, transfer.index);
+        auto again = std::make_unique<Transfer>(transfer.object, transfer.index, _writer);
         again->folder = transfer.folder;
         if (choosePlace(*again) && write(*again))
             _written.push_back(std::move(again));
@@ -115,14 +122,15 @@ void ImportRun::finish(Transfer& transfer) {
         return;
     }
     if (!isCommitted)
-        fail(transfer, transfer.target->error());
+        fail(transfer, ImportFailure::Target, transfer.target->error());
     else if (!_options.verify || isIntact(transfer))
         transfer.file.result = ImportResult::Imported;
     _files[transfer.index] = std::move(transfer.file);
 }
 
-void ImportRun::fail(Transfer& transfer, std::string error) {
+void ImportRun::fail(Transfer& transfer, ImportFailure failure, std::string error) {
     transfer.file.result = ImportResult::Failed;
+    transfer.file.failure = failure;
     transfer.file.path.clear();
     transfer.file.error = std::move(error);
 }
@@ -137,7 +145,8 @@ bool ImportRun::readPiece(Transfer& transfer, std::uint64_t offset) {
         return true;
     if (!isRead && _source.isGone())
         _problem = _source.problem();
-    fail(transfer, isRead ? "it is shorter than the device had told" : _source.problem());
+    fail(transfer, ImportFailure::Source,
+         isRead ? "it is shorter than the device had told" : _source.problem());
     return false;
 }
 
@@ -158,7 +167,7 @@ std::string ImportRun::folderFor(const Transfer& transfer) {
 bool ImportRun::choosePlace(Transfer& transfer) {
     const ImportPlace place = _places.choose(transfer.folder, transfer.object);
     if (!place.error.empty()) {
-        fail(transfer, place.error);
+        fail(transfer, ImportFailure::Target, place.error);
         return false;
     }
     transfer.file.path = place.path;
@@ -190,15 +199,17 @@ bool ImportRun::copyBytes(Transfer& transfer) {
         const bool isRead = offset == 0 && !transfer.piece.empty();
         if (!isRead && !readPiece(transfer, offset))
             return false;
-        if (_options.verify)
-            transfer.checksum.add(transfer.piece);
-        if (!transfer.target->write(transfer.piece)) {
-            // A name that is taken shows at the end, once more.
+        // Of the last piece it shows when the file is put in place.
+        if (!_writer.write(*transfer.target, transfer.piece)) {
+            _writer.wait();
+            // A name that is taken shows there, once more.
             if (transfer.target->exists())
                 return true;
-            fail(transfer, transfer.target->error());
+            fail(transfer, ImportFailure::Target, transfer.target->error());
             return false;
         }
+        if (_options.verify)
+            transfer.checksum.add(transfer.piece);
         offset += transfer.piece.size();
         tell(transfer.object, offset);
         transfer.piece = {};
@@ -213,7 +224,8 @@ bool ImportRun::isIntact(Transfer& transfer) {
         return true;
     // What is wrong must not look as if it were there the next time.
     unlink(transfer.file.path.c_str());
-    fail(transfer, written ? "the disk gives back something else than was written" : error);
+    fail(transfer, ImportFailure::Target,
+         written ? "the disk gives back something else than was written" : error);
     return false;
 }
 

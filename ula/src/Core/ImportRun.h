@@ -3,6 +3,7 @@
 
 #include "ula/ImportSession.h"
 #include "ula/src/Core/ImportPlaces.h"
+#include "ula/src/Core/PieceWriter.h"
 
 #include <memory>
 
@@ -37,7 +38,7 @@ private:
     void settle();
     void finish(Transfer& transfer);
     bool isIntact(Transfer& transfer);
-    void fail(Transfer& transfer, std::string error);
+    void fail(Transfer& transfer, ImportFailure failure, std::string error);
     void tell(const ImportObject& object, std::uint64_t bytes);
 
     ImportSource& _source;
@@ -50,6 +51,7 @@ private:
     std::vector<ImportedFile> _files;
     std::vector<std::unique_ptr<Transfer>> _written;  ///< but not in place yet
     std::uint64_t _writtenBytes = 0;
+    PieceWriter _writer;
 };
 
 }  // namespace tav::ula

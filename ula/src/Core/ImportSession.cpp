@@ -21,7 +21,7 @@ std::string joined(const std::string& folder, const std::string& name) {
 }  // namespace
 
 ImportSession::ImportSession(const std::string& deviceId)
-    : ImportSession(openImportSource(deviceId)) {
+    : ImportSession(createImportSource(deviceId)) {
 }
 
 ImportSession::ImportSession(std::unique_ptr<ImportSource> source) : _source(std::move(source)) {

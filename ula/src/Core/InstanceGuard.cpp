@@ -5,7 +5,6 @@
 #include "ula/src/Core/InstanceChannel.h"
 #include "ula/src/Core/InstanceLock.h"
 
-#include <cctype>
 #include <cerrno>
 #include <csignal>
 #include <cstdint>
@@ -36,6 +35,12 @@ struct Places {
     bool canTalk = false;
 };
 
+/// The same in every locale, or there were two files for one identifier.
+bool isPlainInName(char byte) {
+    return (byte >= '0' && byte <= '9') || (byte >= 'A' && byte <= 'Z') ||
+           (byte >= 'a' && byte <= 'z') || byte == '.';
+}
+
 /// Different for different identifiers, and good as a file's name.
 std::string fileName(const FastString& appID) {
     constexpr std::size_t kReadable = 32;
@@ -44,9 +49,8 @@ std::string fileName(const FastString& appID) {
     std::uint64_t hash = kBasis;
     for (const char byte : appID.toStdString()) {
         hash = (hash ^ static_cast<unsigned char>(byte)) * kPrime;
-        const bool isPlain = std::isalnum(static_cast<unsigned char>(byte)) != 0 || byte == '.';
         if (name.size() < kReadable)
-            name += isPlain ? byte : '-';
+            name += isPlainInName(byte) ? byte : '-';
     }
     char digits[20];
     std::snprintf(digits, sizeof digits, "-%016llx", static_cast<unsigned long long>(hash));
@@ -55,7 +59,7 @@ std::string fileName(const FastString& appID) {
 
 /// Made if need be, with rights of its own whatever the umask. What others could write to decides
 /// nothing. Fails: false, with errno.
-bool isPrivateFolder(const std::filesystem::path& path) {
+bool makePrivateFolder(const std::filesystem::path& path) {
     std::error_code error;
     std::filesystem::create_directories(path.parent_path(), error);
     struct stat item {};
@@ -90,7 +94,7 @@ Places placesOf(const FastString& appID, const InstanceGuardOptions& options,
                 const std::string& own) {
     const std::string name = "/" + fileName(appID);
     return {lockFolder(options, own) + name + ".lock", own + name + ".gate", own + name + ".socket",
-            isPrivateFolder(own)};
+            makePrivateFolder(own)};
 }
 
 InstanceClaim running(const std::string& why) {

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-#include "ItemExamination.h"
+#include "ula/src/Core/ItemExamination.h"
 
-#include "ItemFacts.h"
 #include "ula/NSPathUtil.h"
+#include "ula/src/Core/ItemFacts.h"
 
 #include <algorithm>
 #include <string_view>

@@ -5,6 +5,7 @@
 #include "ula/src/Core/JobMemory.h"
 
 #include <atomic>
+#include <memory>
 #include <new>
 
 namespace tav::ula {
@@ -20,13 +21,17 @@ public:
 
     static Job makeJob(const util::Function0<void>& function,
                        const util::SharedPtr<JobQueue>& queue) {
-        return (new JobBlock(1))->job(function, queue);
+        // Copying the function may throw.
+        std::unique_ptr<JobBlock> block(new JobBlock(1));
+        Job job = block->job(function, queue);
+        static_cast<void>(block.release());
+        return job;
     }
     static JobAndHandle makeJobAndHandle(const util::Function0<void>& function,
                                          const util::SharedPtr<JobQueue>& queue) {
-        auto* const block = new JobBlock(2);
+        std::unique_ptr<JobBlock> block(new JobBlock(2));
         Job job = block->job(function, queue);
-        util::SharedPtr<CallHandle> handle = block->handle(job);
+        util::SharedPtr<CallHandle> handle = block.release()->handle(job);
         return {std::move(job), std::move(handle)};
     }
 

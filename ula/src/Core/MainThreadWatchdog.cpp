@@ -6,6 +6,7 @@
 #include "ula/foundation/debug/StackTrace.h"
 #include "ula/foundation/thread/ConditionVariable.h"
 #include "ula/foundation/thread/Thread.h"
+#include "ula/src/Core/TimeLimit.h"
 
 #include <pthread.h>
 #include <string>
@@ -19,7 +20,7 @@ using std::chrono::milliseconds;
 class MainThreadWatchdog::Watch {
 public:
     explicit Watch(milliseconds limit)
-        : _limit(limit),
+        : _limit(boundedLimit(limit)),
           _mainThread(pthread_self()),
           _caller(*MainThreadCaller::instance()),
           _thread([this] { watch(); }) {}

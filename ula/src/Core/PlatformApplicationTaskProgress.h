@@ -6,6 +6,6 @@ namespace tav::ula {
 class ApplicationTaskProgress;
 
 /// The platform's. Owner: the caller.
-ApplicationTaskProgress* makePlatformApplicationTaskProgress();
+ApplicationTaskProgress* createPlatformApplicationTaskProgress();
 
 }  // namespace tav::ula

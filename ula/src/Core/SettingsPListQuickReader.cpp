@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "ula/src/Core/SettingsPListQuickReader.h"
 
-#include "ula/foundation/xml/XmlCharacters.h"
 #include "ula/foundation/xml/XmlWriter.h"
 #include "ula/src/Core/XmlCursor.h"
 
@@ -15,9 +14,9 @@ namespace {
 
 using Setting = SettingsBase::Setting;
 
-class QuickReader : private XmlCursor {
+class PListQuickReader : private XmlCursor {
 public:
-    explicit QuickReader(const xml::XmlText& text) : XmlCursor(text) {}
+    explicit PListQuickReader(const xml::XmlText& text) : XmlCursor(text) {}
 
     bool read(SettingsBase::GroupMap& settings) {
         return skipProlog() && take("<plist version=\"1.0\">") && readGroups(settings) &&
@@ -34,11 +33,10 @@ private:
     bool readStringArray(Setting& setting);
     bool readKey(FastString& name);
     bool readContent(std::string_view end, std::string_view& content);
-    bool decodeRest(char* begin, std::string_view& content);
 };
 
 /// The document type is one of the two that lists have had.
-bool QuickReader::skipProlog() {
+bool PListQuickReader::skipProlog() {
     if (!takeHere(xml::XmlWriter::kDeclaration) && rest().starts_with("<?"))
         return false;
     if (!take("<!DOCTYPE plist PUBLIC \"-//Apple"))
@@ -48,7 +46,7 @@ bool QuickReader::skipProlog() {
                     "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">");
 }
 
-bool QuickReader::readGroups(SettingsBase::GroupMap& settings) {
+bool PListQuickReader::readGroups(SettingsBase::GroupMap& settings) {
     if (take("<dict/>"))
         return true;
     if (!takeHere("<dict>"))
@@ -63,7 +61,7 @@ bool QuickReader::readGroups(SettingsBase::GroupMap& settings) {
     return true;
 }
 
-bool QuickReader::readKeys(SettingsBase::KeyMap& keys) {
+bool PListQuickReader::readKeys(SettingsBase::KeyMap& keys) {
     if (take("<dict/>"))
         return true;
     if (!takeHere("<dict>"))
@@ -79,7 +77,7 @@ bool QuickReader::readKeys(SettingsBase::KeyMap& keys) {
     return true;
 }
 
-bool QuickReader::readKey(FastString& name) {
+bool PListQuickReader::readKey(FastString& name) {
     std::string_view content;
     if (!take("<key>") || !readContent("</key>", content))
         return false;
@@ -87,7 +85,7 @@ bool QuickReader::readKey(FastString& name) {
     return true;
 }
 
-bool QuickReader::readSetting(Setting& setting) {
+bool PListQuickReader::readSetting(Setting& setting) {
     if (take("<integer>"))
         return readInteger(setting);
     if (takeHere("<true/>"))
@@ -110,7 +108,7 @@ bool QuickReader::readSetting(Setting& setting) {
 }
 
 /// The store has 32 bits for it: the lower ones.
-bool QuickReader::readInteger(Setting& setting) {
+bool PListQuickReader::readInteger(Setting& setting) {
     std::int64_t number = 0;
     const auto [stop, error] = std::from_chars(_next, _end, number);
     if (error != std::errc())
@@ -121,7 +119,7 @@ bool QuickReader::readInteger(Setting& setting) {
 }
 
 /// What begins with no digit may be infinite, or no number.
-bool QuickReader::readReal(Setting& setting) {
+bool PListQuickReader::readReal(Setting& setting) {
     double number = 0;
     const char* const digit = _next + (rest().starts_with('-') ? 1 : 0);
     if (digit >= _end || *digit < '0' || *digit > '9')
@@ -134,7 +132,7 @@ bool QuickReader::readReal(Setting& setting) {
     return takeHere("</real>");
 }
 
-bool QuickReader::readStringArray(Setting& setting) {
+bool PListQuickReader::readStringArray(Setting& setting) {
     std::vector<FastString> texts;
     std::string_view content;
     while (!take("</array>")) {
@@ -148,44 +146,23 @@ bool QuickReader::readStringArray(Setting& setting) {
     return true;
 }
 
-bool QuickReader::readContent(std::string_view end, std::string_view& content) {
+bool PListQuickReader::readContent(std::string_view end, std::string_view& content) {
     char* const begin = _next;
     while (_next < _end && *_next != '<' && *_next != '&')
         ++_next;
     content = {begin, static_cast<std::size_t>(_next - begin)};
-    return takeHere(end) || (decodeRest(begin, content) && takeHere(end));
-}
-
-/// Goes on where the first reference stands, decoding in place: a reference is never shorter than
-/// its character.
-bool QuickReader::decodeRest(char* begin, std::string_view& content) {
-    char* out = _next;
-    while (_next < _end && *_next != '<') {
-        if (*_next != '&') {
-            *out++ = *_next++;
-            continue;
-        }
-        std::uint32_t code = 0;
-        const std::size_t length = xml::decodeReference(rest(), code);
-        if (length == 0)
-            return false;
-        out = xml::encodeCharacter(code, out);
-        _next += length;
-    }
-    content = {begin, static_cast<std::size_t>(out - begin)};
-    return true;
+    constexpr auto isPlain = [](char) { return true; };
+    return takeHere(end) || (decodeTo('<', isPlain, begin, content) && takeHere(end));
 }
 
 }  // namespace
 
-bool readPropertyListQuickly(const FastString& path, SettingsBase::GroupMap& settings) {
+bool readSettingsPListQuickly(const FastString& path, SettingsBase::GroupMap& settings) {
     xml::XmlText text;
-    xml::XmlError ignored;
-    if (!xml::readXmlFile(path, text, ignored) ||
-        xml::findInvalidCharacter(text.view()) != FastString::npos)
+    if (!readCleanText(path, text))
         return false;
     SettingsBase::GroupMap read;
-    if (!QuickReader(text).read(read))
+    if (!PListQuickReader(text).read(read))
         return false;
     settings.swap(read);
     return true;

@@ -9,6 +9,6 @@ namespace tav::ula {
 /// nearly every one, into an empty store.
 /// Fails: false and nothing changed, for any other file: then the platform's reader decides what it
 /// is.
-bool readPropertyListQuickly(const FastString& path, SettingsBase::GroupMap& settings);
+bool readSettingsPListQuickly(const FastString& path, SettingsBase::GroupMap& settings);
 
 }  // namespace tav::ula

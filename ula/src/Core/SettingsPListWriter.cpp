@@ -16,7 +16,7 @@ template <class Value>
 void writeElement(std::string_view begin, const Value& value, std::string_view end,
                   xml::XmlOutput& output) {
     output.append(begin);
-    output.appendValue("value", value);
+    output.appendValue("", value);
     output.append(end);
 }
 
@@ -56,8 +56,8 @@ void writeValue(const SettingsBase::Setting& setting, xml::XmlOutput& output) {
     }
 }
 
-void writeKey(const FastString& name, const SettingsBase::Setting& setting,
-              xml::XmlOutput& output) {
+void appendKey(const FastString& name, const SettingsBase::Setting& setting,
+               xml::XmlOutput& output) {
     try {
         writeElement("\t\t<key>", name, "</key>\n", output);
         writeValue(setting, output);
@@ -66,13 +66,13 @@ void writeKey(const FastString& name, const SettingsBase::Setting& setting,
     }
 }
 
-void writeGroup(const FastString& name, const SettingsBase::KeyMap& keys, xml::XmlOutput& output) {
+void appendGroup(const FastString& name, const SettingsBase::KeyMap& keys, xml::XmlOutput& output) {
     try {
         writeElement("\t<key>", name, "</key>\n", output);
         output.append(keys.empty() ? "\t<dict/>\n" : "\t<dict>\n");
         for (const auto& [keyName, setting] : keys)
             if (setting.type() != SETTINGSTYPE_INVALID)
-                writeKey(keyName, setting, output);
+                appendKey(keyName, setting, output);
         if (!keys.empty())
             output.append("\t</dict>\n");
     } catch (const xml::XmlException& exception) {
@@ -82,11 +82,11 @@ void writeGroup(const FastString& name, const SettingsBase::KeyMap& keys, xml::X
 
 }  // namespace
 
-void writePropertyList(const SettingsBase::GroupMap& settings, xml::XmlOutput& output) {
+void writeSettingsPList(const SettingsBase::GroupMap& settings, xml::XmlOutput& output) {
     output.append(kBegin);
     output.append(settings.empty() ? "<dict/>\n" : "<dict>\n");
     for (const auto& [name, keys] : settings)
-        writeGroup(name, keys, output);
+        appendGroup(name, keys, output);
     output.append(settings.empty() ? "</plist>\n" : "</dict>\n</plist>\n");
 }
 

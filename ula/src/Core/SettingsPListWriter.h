@@ -9,6 +9,6 @@ namespace tav::ula {
 /// Writes settings as a property list in XML. What has no type is left out.
 /// Fails: throws `XmlException` for a name or value that XML cannot carry, and passes on what the
 /// output throws.
-void writePropertyList(const SettingsBase::GroupMap& settings, xml::XmlOutput& output);
+void writeSettingsPList(const SettingsBase::GroupMap& settings, xml::XmlOutput& output);
 
 }  // namespace tav::ula

@@ -56,30 +56,32 @@ FastString SettingsXML::toString(SettingsType type) {
 void SettingsXML::readAtConstruction() {
     try {
         if (!read())
-            keepUnreadableFileAside();
+            keepUnreadableFileAside(_lastError);
     } catch (const SettingsException&) {
-        keepUnreadableFileAside();
+        keepUnreadableFileAside(_lastError);
         throw;
     }
 }
 
 /// So that a later write, by this object or by one made in its stead, loses nothing.
-bool SettingsXML::keepUnreadableFileAside() {
-    if (!filesystem::isRegularFile(_filePath))
-        return true;
-    std::string result;
-    _unreadableFilePending = !keepUnreadableFile(_filePath, result);
-    _lastError += _unreadableFilePending ? "; it could not be kept aside: " + result
-                                         : "; kept aside as \"" + result + "\"";
-    return !_unreadableFilePending;
+bool SettingsXML::keepUnreadableFileAside(std::string reason) {
+    std::string note;
+    const bool isKept = keepUnreadableFile(_filePath, note);
+    _lastError = reason + note;
+    _reasonOfUnkeptFile.reset();
+    if (!isKept)
+        _reasonOfUnkeptFile = std::move(reason);
+    return isKept;
 }
 
 bool SettingsXML::read() {
     _lastError.clear();
-    if (readSettingsQuickly(_filePath, _settings))
-        return true;
     xml::XmlError error;
-    return readLoaded(XmlDocumentRapid::load(_filePath, true, &error), error);
+    if (!readSettingsXMLQuickly(_filePath, _settings) &&
+        !readLoaded(XmlDocumentRapid::load(_filePath, true, &error), error))
+        return false;
+    _reasonOfUnkeptFile.reset();
+    return true;
 }
 
 bool SettingsXML::read(const FastString& xmlText) {
@@ -119,13 +121,13 @@ bool SettingsXML::write() {
 }
 
 void SettingsXML::writeFile() {
-    if (_unreadableFilePending && !keepUnreadableFileAside())
+    if (_reasonOfUnkeptFile && !keepUnreadableFileAside(*_reasonOfUnkeptFile))
         throw xml::XmlException(_lastError);
     filesystem::DurableFileOptions options;
     if (_keepBackup && XmlDocumentRapid::load(_filePath, true))
         options.keepOldAs = filesystem::leaf(_filePath).toStdString() + ".bak";
     xml::XmlFile file(_filePath, options);
-    writeSettings(_settings, file.output());
+    writeSettingsXML(_settings, file.output());
     file.commit();
 }
 

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "ula/src/Core/SettingsXMLQuickReader.h"
 
-#include "ula/foundation/xml/XmlCharacters.h"
 #include "ula/foundation/xml/XmlWriter.h"
 #include "ula/src/Core/SettingsTypeText.h"
 #include "ula/src/Core/XmlCursor.h"
@@ -24,9 +23,13 @@ constexpr std::array<bool, 256> kSpecial = [] {
     return bytes;
 }();
 
-class QuickReader : private XmlCursor {
+constexpr auto isPlainInValue = [](char byte) {
+    return !kSpecial[static_cast<unsigned char>(byte)];
+};
+
+class XMLQuickReader : private XmlCursor {
 public:
-    explicit QuickReader(const xml::XmlText& text) : XmlCursor(text) {}
+    explicit XMLQuickReader(const xml::XmlText& text) : XmlCursor(text) {}
 
     bool read() { return skipDeclaration() && take("<settings>") && readGroups() && atEnd(); }
     void mergeInto(SettingsBase::GroupMap& settings) {
@@ -47,25 +50,24 @@ private:
     bool readStringArray(Setting& setting);
     bool readValue(std::string_view& value);
     bool readAttributeValue(std::string_view& value);
-    bool decodeRest(char* out, std::string_view& value);
 
     bool skipDeclaration();
 
     std::vector<Group> _groups;
 };
 
-bool QuickReader::skipDeclaration() {
+bool XMLQuickReader::skipDeclaration() {
     return takeHere(xml::XmlWriter::kDeclaration) || !takeHere("<?");
 }
 
-bool QuickReader::readGroups() {
+bool XMLQuickReader::readGroups() {
     while (!take("</settings>"))
         if (!readGroup())
             return false;
     return true;
 }
 
-bool QuickReader::readGroup() {
+bool XMLQuickReader::readGroup() {
     std::string_view name;
     if (!takeHere("<group name=") || !readAttributeValue(name))
         return false;
@@ -82,7 +84,7 @@ bool QuickReader::readGroup() {
     return true;
 }
 
-bool QuickReader::readKey(SettingsBase::KeyMap& keys) {
+bool XMLQuickReader::readKey(SettingsBase::KeyMap& keys) {
     std::string_view name;
     std::string_view typeText;
     if (!takeHere("<key name=") || !readAttributeValue(name) || !takeHere(" type=") ||
@@ -108,7 +110,7 @@ bool parse(std::string_view text, Number& number) {
     return error == std::errc() && stop == end;
 }
 
-bool QuickReader::readSetting(SettingsType type, Setting& setting) {
+bool XMLQuickReader::readSetting(SettingsType type, Setting& setting) {
     if (type == SETTINGSTYPE_STRING_ARRAY)
         return readStringArray(setting);
     std::string_view value;
@@ -132,12 +134,11 @@ bool QuickReader::readSetting(SettingsType type, Setting& setting) {
     }
 }
 
-bool QuickReader::readStringArray(Setting& setting) {
+bool XMLQuickReader::readStringArray(Setting& setting) {
     std::vector<FastString> texts;
     std::string_view value;
     skipBlanks();
-    while (_next < _end &&
-           !std::string_view(_next, static_cast<std::size_t>(_end - _next)).starts_with("</")) {
+    while (_next < _end && !rest().starts_with("</")) {
         if (!readValue(value))
             return false;
         texts.push_back(share(value));
@@ -147,52 +148,27 @@ bool QuickReader::readStringArray(Setting& setting) {
     return true;
 }
 
-bool QuickReader::readValue(std::string_view& value) {
+bool XMLQuickReader::readValue(std::string_view& value) {
     return take("<value value=") && readAttributeValue(value) && takeHere("/>");
 }
 
-bool QuickReader::readAttributeValue(std::string_view& value) {
+bool XMLQuickReader::readAttributeValue(std::string_view& value) {
     if (!takeHere("\""))
         return false;
     char* const begin = _next;
-    while (_next < _end && !kSpecial[static_cast<unsigned char>(*_next)])
+    while (_next < _end && isPlainInValue(*_next))
         ++_next;
     value = {begin, static_cast<std::size_t>(_next - begin)};
-    return takeHere("\"") || decodeRest(begin, value);
-}
-
-/// Goes on where the first reference stands, decoding in place: a reference is never shorter than
-/// its character.
-bool QuickReader::decodeRest(char* begin, std::string_view& value) {
-    char* out = _next;
-    while (_next < _end && *_next != '"') {
-        if (!kSpecial[static_cast<unsigned char>(*_next)]) {
-            *out++ = *_next++;
-            continue;
-        }
-        std::uint32_t code = 0;
-        const std::size_t length =
-            *_next == '&'
-                ? xml::decodeReference({_next, static_cast<std::size_t>(_end - _next)}, code)
-                : 0;
-        if (length == 0)
-            return false;
-        out = xml::encodeCharacter(code, out);
-        _next += length;
-    }
-    value = {begin, static_cast<std::size_t>(out - begin)};
-    return takeHere("\"");
+    return takeHere("\"") || (decodeTo('"', isPlainInValue, begin, value) && takeHere("\""));
 }
 
 }  // namespace
 
-bool readSettingsQuickly(const FastString& path, SettingsBase::GroupMap& settings) {
+bool readSettingsXMLQuickly(const FastString& path, SettingsBase::GroupMap& settings) {
     xml::XmlText text;
-    xml::XmlError ignored;
-    if (!xml::readXmlFile(path, text, ignored) ||
-        xml::findInvalidCharacter(text.view()) != FastString::npos)
+    if (!readCleanText(path, text))
         return false;
-    QuickReader reader(text);
+    XMLQuickReader reader(text);
     if (!reader.read())
         return false;
     reader.mergeInto(settings);

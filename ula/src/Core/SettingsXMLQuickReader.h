@@ -10,6 +10,6 @@ namespace tav::ula {
 /// same outcome.
 /// Fails: false, and nothing merged, at anything out of the ordinary, be it an error or not: the
 /// document tree then decides what it is.
-bool readSettingsQuickly(const FastString& path, SettingsBase::GroupMap& settings);
+bool readSettingsXMLQuickly(const FastString& path, SettingsBase::GroupMap& settings);
 
 }  // namespace tav::ula

@@ -12,7 +12,7 @@ namespace {
 
 using Setting = SettingsBase::Setting;
 
-constexpr const char* kSource = "src/Core/SettingsXML";
+constexpr const char* kLogSource = "src/Core/SettingsXML";
 // The two spellings tell a misplaced element from a bad type: programs compare them.
 constexpr const char* kBadElement = "unknown tag in the setings file";
 constexpr const char* kBadType = "unknown tag in the settings file";
@@ -81,7 +81,7 @@ FastString SettingsXMLReader::readAttribute(const xml::NodeIterator& element,
     const xml::AttributeIterator attribute = element.findAttribute(name);
     _valueIsMissing = !attribute.exists();
     if (_valueIsMissing)
-        debug::logf(kSource, 71, debug::LogLevelUnrecognised,
+        debug::logf(kLogSource, 71, debug::LogLevelUnrecognised,
                     "the attribute \"%*\" is missing in group \"%*\", key \"%*\"")
             .add(name)
             .add(place.group)
@@ -93,7 +93,7 @@ void SettingsXMLReader::logNoNumber(const FastString& text, const char* expected
                                     const Place& place) {
     if (_valueIsMissing)
         return;  // said already
-    debug::logf(kSource, 84, debug::LogLevelUnrecognised,
+    debug::logf(kLogSource, 84, debug::LogLevelUnrecognised,
                 "\"%*\" is not %* in group \"%*\", key \"%*\"")
         .add(text)
         .add(expected)

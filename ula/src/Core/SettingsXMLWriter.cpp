@@ -53,9 +53,17 @@ void writeKey(const FastString& name, const SettingsBase::Setting& setting,
         output.append("\n\t\t</key>");
 }
 
+void writeGroupName(const FastString& name, xml::XmlOutput& output) {
+    try {
+        output.appendValue("name", name);
+    } catch (const xml::XmlException& exception) {
+        throw xml::XmlException("group \"" + name.toStdString() + "\": " + exception.what());
+    }
+}
+
 void writeGroup(const FastString& name, const SettingsBase::KeyMap& keys, xml::XmlOutput& output) {
     output.append("\n\t<group name=\"");
-    output.appendValue("name", name);
+    writeGroupName(name, output);
     output.append(keys.empty() ? "\"/>" : "\">");
     for (const auto& [keyName, setting] : keys) {
         try {
@@ -71,7 +79,7 @@ void writeGroup(const FastString& name, const SettingsBase::KeyMap& keys, xml::X
 
 }  // namespace
 
-void writeSettings(const SettingsBase::GroupMap& settings, xml::XmlOutput& output) {
+void writeSettingsXML(const SettingsBase::GroupMap& settings, xml::XmlOutput& output) {
     output.append(xml::XmlWriter::kDeclaration);
     output.append(settings.empty() ? "\n<settings/>" : "\n<settings>");
     for (const auto& [name, keys] : settings)

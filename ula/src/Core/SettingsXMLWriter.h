@@ -9,6 +9,6 @@ namespace tav::ula {
 /// Writes a store as a settings document, in the store's order. Straight to the file's text: the
 /// same bytes that a document tree would give, without building one.
 /// Fails: throws `xml::XmlException` that names group and key of what XML cannot carry.
-void writeSettings(const SettingsBase::GroupMap& settings, xml::XmlOutput& output);
+void writeSettingsXML(const SettingsBase::GroupMap& settings, xml::XmlOutput& output);
 
 }  // namespace tav::ula

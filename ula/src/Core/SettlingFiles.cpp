@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "SettlingFiles.h"
+#include "ula/src/Core/SettlingFiles.h"
 
 #include <algorithm>
 
@@ -26,10 +26,9 @@ std::vector<TreeEvent> SettlingFiles::add(const std::vector<TreeEvent>& events, 
 
 // What is new stays new until it was told once.
 void SettlingFiles::hold(const TreeEvent& event, Time now) {
-    const auto [held, isNew] =
-        _held.try_emplace(event.path, Held{event.type, _look(event.path), now + _quiet});
-    if (!isNew)
-        held->second = {held->second.type, _look(event.path), now + _quiet};
+    Held& held = _held.try_emplace(event.path, Held{event.type, {}, {}}).first->second;
+    held.state = _look(event.path);
+    held.due = now + _quiet;
 }
 
 std::vector<std::string> SettlingFiles::heldAtOrBelow(const std::string& path) const {

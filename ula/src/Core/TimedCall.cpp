@@ -2,16 +2,13 @@
 #include "ula/src/Core/TimedCall.h"
 
 #include "ula/src/Core/ExceptionCopy.h"
+#include "ula/src/Core/TimeLimit.h"
 
-#include <algorithm>
 #include <memory>
 
 namespace tav::ula {
 
 namespace {
-
-/// As good as for ever, and no overflow.
-constexpr std::chrono::milliseconds kLongest = std::chrono::hours(24 * 365);
 
 /// Stands in the queue for a call and tells it when the queue lets go.
 class QueuedCall {
@@ -80,7 +77,7 @@ TimedCall::State TimedCall::waitForEnd(std::chrono::steady_clock::time_point dea
 }
 
 CallOutcome TimedCall::wait(std::chrono::milliseconds limit) {
-    const auto deadline = std::chrono::steady_clock::now() + std::min(limit, kLongest);
+    const auto deadline = std::chrono::steady_clock::now() + boundedLimit(limit);
     switch (waitForEnd(deadline)) {
     case State::Done:
         raise(_exception);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "TreeEventReader.h"
+#include "ula/src/Core/TreeEventReader.h"
 
 #include <algorithm>
 #include <utility>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "IgnorePatterns.h"
 #include "ula/TreeMonitor.h"
+#include "ula/src/Core/IgnorePatterns.h"
 
 #include <cstdint>
 #include <functional>

@@ -24,7 +24,7 @@ bool isBlank(char character) {
     return character == ' ' || (character >= '\t' && character <= '\r');
 }
 
-bool isDigit(char character) {
+bool isDecimalDigit(char character) {
     return character >= '0' && character <= '9';
 }
 
@@ -37,7 +37,7 @@ std::uint32_t convert(std::string_view piece) {
     if (i < piece.size() && (piece[i] == '-' || piece[i] == '+'))
         ++i;
     std::int32_t value = 0;
-    for (; i < piece.size() && isDigit(piece[i]); ++i)
+    for (; i < piece.size() && isDecimalDigit(piece[i]); ++i)
         value = value * 10 + (piece[i] - '0');
     return static_cast<std::uint32_t>(isNegative ? -value : value);
 }

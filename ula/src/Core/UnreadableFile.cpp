@@ -2,6 +2,7 @@
 #include "ula/src/Core/UnreadableFile.h"
 
 #include "ula/foundation/filesystem/DurableFile.h"
+#include "ula/foundation/filesystem/FileSystem.h"
 #include "ula/foundation/xml/XmlDocumentRapid.h"
 
 #include <algorithm>
@@ -92,10 +93,8 @@ bool copyDurably(const fs::path& from, const fs::path& to, std::string& reason) 
     return done;
 }
 
-}  // namespace
-
-bool keepUnreadableFile(const FastString& path, std::string& result) {
-    const fs::path original = path.toStdString();
+/// Fails: false, the reason in `result`; otherwise `result` is the copy's path.
+bool keep(const fs::path& original, std::string& result) {
     const std::string prefix = original.filename().string() + ".corrupt-";
     const fs::path known = findCopy(original, prefix);
     if (!known.empty()) {
@@ -111,6 +110,19 @@ bool keepUnreadableFile(const FastString& path, std::string& result) {
         return false;
     result = free;
     return true;
+}
+
+}  // namespace
+
+bool keepUnreadableFile(const FastString& path, std::string& note) {
+    note.clear();
+    if (!filesystem::isRegularFile(path))
+        return true;
+    std::string result;
+    const bool isKept = keep(path.toStdString(), result);
+    note =
+        isKept ? "; kept aside as \"" + result + "\"" : "; it could not be kept aside: " + result;
+    return isKept;
 }
 
 }  // namespace tav::ula

@@ -5,12 +5,10 @@
 
 namespace tav::ula {
 
-bool WatcherRegistry::add(FileSystemWatcher* watcher, const std::string& path) {
+void WatcherRegistry::add(FileSystemWatcher* watcher, const std::string& path) {
     const Lock lock(_mutex);
-    if (!_entries.try_emplace(watcher, Entry{path, ++_lastNumber}).second)
-        return false;
-    _byPath[path].insert(watcher);
-    return true;
+    if (_entries.try_emplace(watcher, Entry{path, ++_lastNumber}).second)
+        _byPath[path].insert(watcher);
 }
 
 void WatcherRegistry::remove(FileSystemWatcher* watcher) {

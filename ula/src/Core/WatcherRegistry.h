@@ -26,8 +26,8 @@ struct Registration {
 /// Thread: any. Its lock is held for moments only, and nothing else is locked or called meanwhile.
 class WatcherRegistry {
 public:
-    /// False when the watcher has an entry already.
-    bool add(FileSystemWatcher* watcher, const std::string& path);
+    /// A watcher that has an entry already keeps it.
+    void add(FileSystemWatcher* watcher, const std::string& path);
     void remove(FileSystemWatcher* watcher);
     void remove(const std::vector<Registration>& registrations);
 

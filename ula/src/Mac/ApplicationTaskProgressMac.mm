@@ -43,7 +43,7 @@ void setColour(TaskProgressState state) {
 
 }  // namespace
 
-ApplicationTaskProgress* makePlatformApplicationTaskProgress() {
+ApplicationTaskProgress* createPlatformApplicationTaskProgress() {
     return new ApplicationTaskProgressMac;
 }
 

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "DirHelperMac.h"
+#include "ula/src/Mac/DirHelperMac.h"
 
-#include "FolderChildren.h"
 #import "ula/ObjCHelper.h"
 #include "ula/ScopedARPool.h"
+#include "ula/src/Mac/FolderChildren.h"
 
 #import <Foundation/Foundation.h>
 

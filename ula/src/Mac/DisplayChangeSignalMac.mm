@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "ula/src/Mac/DisplayChangeSignalMac.h"
 
-#include "ScreenNumber.h"
 #include "ula/ScopedARPool.h"
+#include "ula/src/Mac/ScreenNumber.h"
 
 namespace tav::ula {
 

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "ula/Drive.h"
 
-#include "ula/NSPathUtil.h"
-#import "ula/ObjCHelper.h"
 #include "ula/ScopedARPool.h"
+#include "ula/src/Mac/Bridge.h"
+#include "ula/src/Mac/CFOwner.h"
+#include "ula/src/Mac/VolumesFolder.h"
 
 #import <AppKit/AppKit.h>
 #include <DiskArbitration/DiskArbitration.h>
@@ -12,9 +13,6 @@
 namespace tav::ula {
 
 namespace {
-
-constexpr const char* kVolumesFolder = "/Volumes";
-NSString* const kVolumes = @"/Volumes/";
 
 /// What the workspace says of the file system at a path.
 struct FileSystemInformation {
@@ -42,16 +40,12 @@ FileSystemInformation informationOf(NSString* path) {
 
 /// Autoreleased. Nil when the disk arbitration service has none.
 NSDictionary* descriptionOfDevice(const char* name) {
-    DASessionRef const session = DASessionCreate(kCFAllocatorDefault);
-    if (session == nullptr)
+    const CFOwner<DASessionRef> session(DASessionCreate(kCFAllocatorDefault));
+    if (!session)
         return nil;
-    CFDictionaryRef description = nullptr;
-    if (DADiskRef const disk = DADiskCreateFromBSDName(kCFAllocatorDefault, session, name)) {
-        description = DADiskCopyDescription(disk);
-        CFRelease(disk);
-    }
-    CFRelease(session);
-    return [reinterpret_cast<NSDictionary*>(const_cast<__CFDictionary*>(description)) autorelease];
+    const CFOwner<DADiskRef> disk(
+        DADiskCreateFromBSDName(kCFAllocatorDefault, session.get(), name));
+    return disk ? [bridged(DADiskCopyDescription(disk.get())) autorelease] : nil;
 }
 
 /// Of the volume at the path; nil when there is none.
@@ -63,7 +57,7 @@ NSDictionary* descriptionOf(NSString* path) {
 }
 
 id valueOf(NSDictionary* description, CFStringRef key) {
-    return [description objectForKey:reinterpret_cast<NSString*>(const_cast<__CFString*>(key))];
+    return [description objectForKey:bridged(key)];
 }
 
 bool is(NSDictionary* description, CFStringRef key, id value) {
@@ -98,11 +92,6 @@ std::unique_ptr<FileIconBitmap> bitmapOf(NSImage* icon) {
     return nullptr;
 }
 
-/// Empty for nil.
-std::string textOf(id value) {
-    return value == nil ? std::string() : [[value description] toStdString];
-}
-
 FileProperties propertiesOf(const std::string& path, NSString* platformPath, NSImage* icon,
                             bool isWritable) {
     FileProperties properties;
@@ -119,8 +108,9 @@ FileProperties propertiesOf(const std::string& path, NSString* platformPath, NSI
 /// Under which path a volume is reported; nil for what the system keeps for itself.
 NSString* reportedPath(NSString* path) {
     if ([path isEqualToString:NSOpenStepRootDirectory()])
-        return [NSString stringWithFormat:@"/Volumes/%@", [NSPathUtil getNameForRootDisk]];
-    const bool isVolume = [path length] > [kVolumes length] && [path hasPrefix:kVolumes];
+        return [NSString fromStdString:startupVolume()];
+    const bool isVolume =
+        [path length] > [kVolumesPrefix length] && [path hasPrefix:kVolumesPrefix];
     return isVolume ? path : nil;
 }
 
@@ -145,7 +135,8 @@ Drive Drive::fromDrivePath(std::string path) {
     Drive drive(typeOf(information.isRemovable, description),
                 propertiesOf(path, platformPath, icon, information.isWritable), kVolumesFolder);
     if (information.isRemovable)
-        drive._volumeURL = textOf(valueOf(description, kDADiskDescriptionVolumePathKey));
+        drive._volumeURL =
+            textOf([valueOf(description, kDADiskDescriptionVolumePathKey) description]);
     return drive;
 }
 
@@ -171,7 +162,7 @@ DriveDetails Drive::details() const {
     details.location = fileSystem.f_mntonname;
     details.fileSystemType = textOf(informationOf(path).type);
     details.label = textOf(valueOf(description, kDADiskDescriptionVolumeNameKey));
-    details.uuid = textOf(valueOf(description, kDADiskDescriptionVolumeUUIDKey));
+    details.uuid = textOf([valueOf(description, kDADiskDescriptionVolumeUUIDKey) description]);
     if (id const device = valueOf(description, kDADiskDescriptionMediaBSDNameKey))
         details.deviceNode = "/dev/" + textOf(device);
     return details;

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "ula/Environment.h"
 
-#include "CFOwner.h"
-#import "ula/ObjCHelper.h"
 #include "ula/ScopedARPool.h"
+#include "ula/src/Mac/Bridge.h"
+#include "ula/src/Mac/CFOwner.h"
 
 #include <CoreServices/CoreServices.h>
 #import <Foundation/Foundation.h>
@@ -15,13 +15,8 @@ namespace {
 /// 10.3.15, packed: later releases have numbers that the packed form has no room for.
 constexpr SInt32 kLastPackedVersion = 0x103F;
 
-/// Empty for nil.
-std::string textOf(NSString* text) {
-    return text == nil ? std::string() : [text toStdString];
-}
-
 NSString* stringOf(CFTypeRef text) {
-    return static_cast<NSString*>(const_cast<void*>(text));
+    return bridged(static_cast<CFStringRef>(text));
 }
 
 /// By the names that the user's own language has for them.

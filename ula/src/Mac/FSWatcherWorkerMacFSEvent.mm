@@ -210,6 +210,8 @@ void FSWatcherWorkerMacFSEvent::handleEvent(const char* eventPath, FSEventStream
 void FSWatcherWorkerMacFSEvent::handleChange(const std::string& path, bool isToBeChecked) {
     const bool isRemoved = isToBeChecked && !filesystem::exists(path);
     const Roots before = roots();
+    // Also what lies beside a root and has its name's beginning, "/ab" for "/a", on purpose:
+    // callers depend on it.
     for (const auto& [root, number] : before)
         if (path.starts_with(root) && !isDisabled(root))
             _worker->notify(root, path, isRemoved ? PathRemoved : PathChanged);

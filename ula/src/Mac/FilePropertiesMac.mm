@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
-#include "FileReference.h"
-#include "PlatformItemFacts.h"
 #include "ula/FileProperties.h"
 #import "ula/NSPathUtil.h"
 #import "ula/ObjCHelper.h"
 #include "ula/ScopedARPool.h"
 #include "ula/src/Core/ItemExamination.h"
+#include "ula/src/Mac/FileReference.h"
+#include "ula/src/Mac/PlatformItemFacts.h"
 
 namespace tav::ula {
 

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: MIT
-#include "FileReference.h"
+#include "ula/src/Mac/FileReference.h"
 
-#include "CFOwner.h"
+#include "ula/src/Mac/Bridge.h"
+#include "ula/src/Mac/CFOwner.h"
 
 namespace tav::ula {
 
 bool fileReferenceOf(NSString* path, bool isDirectory, FSRef& reference) {
-    const CFOwner<CFURLRef> url(CFURLCreateWithFileSystemPath(kCFAllocatorDefault,
-                                                              reinterpret_cast<CFStringRef>(path),
+    const CFOwner<CFURLRef> url(CFURLCreateWithFileSystemPath(kCFAllocatorDefault, bridged(path),
                                                               kCFURLPOSIXPathStyle, isDirectory));
     return url && CFURLGetFSRef(url.get(), &reference);
 }
@@ -17,7 +17,7 @@ NSString* pathOfFileReference(const FSRef& reference) {
     if (!url)
         return nil;
     const CFStringRef path = CFURLCopyFileSystemPath(url.get(), kCFURLPOSIXPathStyle);
-    return [reinterpret_cast<NSString*>(const_cast<__CFString*>(path)) autorelease];
+    return [bridged(path) autorelease];
 }
 
 }  // namespace tav::ula

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "ula/src/Core/FinderSort.h"
 
-#include "FinderOrder.h"
 #import "ula/ObjCHelper.h"
 #include "ula/ScopedARPool.h"
+#include "ula/src/Mac/FinderCollation.h"
 
 #include <CoreServices/TextSortKeys.h>
 #include <numeric>
@@ -54,7 +54,7 @@ std::vector<std::size_t> finderOrder(const std::vector<const std::string*>& text
     const std::vector<TextSortItem> items = characters.items();
     std::vector<UInt32> order(items.size());
     // Without memory for the keys the order stays as it is.
-    if (TextSortKeysOrder(kFinderOrder, items.data(), items.size(), order.data()) != noErr)
+    if (TextSortKeysOrder(kFinderCollation, items.data(), items.size(), order.data()) != noErr)
         std::iota(order.begin(), order.end(), 0U);
     return {order.begin(), order.end()};
 }

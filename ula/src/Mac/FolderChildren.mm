@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "FolderChildren.h"
+#include "ula/src/Mac/FolderChildren.h"
 
-#include "ListedItemFacts.h"
-#include "ula/NSPathUtil.h"
 #include "ula/src/Core/ItemExamination.h"
+#include "ula/src/Mac/ListedItemFacts.h"
+#include "ula/src/Mac/VolumesFolder.h"
 
 namespace tav::ula {
 
@@ -28,7 +28,7 @@ std::string folderOf(const FileProperties& item) {
 FolderChildren::FolderChildren(const FileProperties& item, bool visibleFoldersOnly)
     : _folder(folderOf(item)),
       _visibleFoldersOnly(visibleFoldersOnly),
-      _startupVolume("/Volumes/" + NSPathUtilNameSpace::nameForRootDisk()),
+      _startupVolume(startupVolume()),
       _listing(_folder) {
 }
 

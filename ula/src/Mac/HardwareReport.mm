@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "HardwareReport.h"
+#include "ula/src/Mac/HardwareReport.h"
 
 #import "ula/ObjCHelper.h"
 

@@ -2,8 +2,9 @@
 #include "ula/src/Mac/ImportSourceMac.h"
 
 #include "ula/ImportSession.h"
-#import "ula/ObjCHelper.h"
 #include "ula/ScopedARPool.h"
+#include "ula/src/Mac/Bridge.h"
+#include "ula/src/Mac/ObjectProperties.h"
 
 #import <Foundation/Foundation.h>
 #include <cstdlib>
@@ -11,24 +12,6 @@
 namespace tav::ula {
 
 namespace {
-
-using Properties = CFOwner<CFDictionaryRef>;
-
-/// Fails: leaves the owner empty.
-ICAError copyProperties(ICAObject object, Properties& properties) {
-    ICACopyObjectPropertyDictionaryPB block = {};
-    block.object = object;
-    block.theDict = properties.receive();
-    return ICACopyObjectPropertyDictionary(&block, nullptr);
-}
-
-NSDictionary* dictionary(const Properties& properties) {
-    return reinterpret_cast<NSDictionary*>(const_cast<__CFDictionary*>(properties.get()));
-}
-
-std::string textOf(NSString* text) {
-    return text == nil ? std::string() : [text toStdString];
-}
 
 ImportDevice deviceOf(NSDictionary* facts) {
     ImportDevice device;
@@ -42,10 +25,10 @@ ImportDevice deviceOf(NSDictionary* facts) {
 
 std::vector<ImportDevice> devicesOf(ICAObject list) {
     std::vector<ImportDevice> devices;
-    Properties properties;
+    ObjectProperties properties;
     copyProperties(list, properties);
     if (properties)
-        for (NSDictionary* facts in [dictionary(properties) objectForKey:@"devices"])
+        for (NSDictionary* facts in [bridged(properties.get()) objectForKey:@"devices"])
             devices.push_back(deviceOf(facts));
     return devices;
 }
@@ -72,7 +55,7 @@ std::string describe(ICAError error) {
 
 }  // namespace
 
-std::unique_ptr<ImportSource> openImportSource(const std::string& deviceId) {
+std::unique_ptr<ImportSource> createImportSource(const std::string& deviceId) {
     return std::make_unique<ImportSourceMac>(static_cast<ICAObject>(std::atoi(deviceId.c_str())));
 }
 
@@ -111,11 +94,11 @@ bool ImportSourceMac::item(std::uint32_t folder, std::uint32_t index, ImportSour
     ICAGetNthChildPB block = {};
     block.parentObject = folder;
     block.index = index + 1;
-    Properties properties;
+    ObjectProperties properties;
     if (!succeeded(ICAGetNthChild(&block, nullptr)) ||
         !succeeded(copyProperties(block.childObject, properties)))
         return false;
-    NSDictionary* const facts = dictionary(properties);
+    NSDictionary* const facts = bridged(properties.get());
     result.number = block.childObject;
     result.name = textOf([facts objectForKey:@"ifil"]);
     result.isFolder = block.childInfo.objectType == kICADirectory;
@@ -131,6 +114,7 @@ bool ImportSourceMac::read(std::uint32_t file, std::uint64_t offset, std::size_t
     block.object = file;
     block.startByte = offset;
     block.requestedSize = size;
+    _data.swap(_dataBefore);
     block.data = _data.receive();
     if (!succeeded(ICACopyObjectData(&block, nullptr)))
         return false;

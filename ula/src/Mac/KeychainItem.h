@@ -5,8 +5,13 @@
 
 #include <Security/Security.h>
 #include <functional>
+#include <string_view>
 
 namespace tav::ula {
+
+/// What the names of services begin with.
+inline constexpr std::string_view kPasswordPrefix = "Password:";
+inline constexpr std::string_view kNotePrefix = "Secure Note:";
 
 /// Writes a status of the keychain to the log, always the same three lines.
 void reportKeychainStatus(OSStatus status);

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
-#include "KeychainItem.h"
+#include "ula/src/Mac/KeychainItem.h"
 
-#include "CFOwner.h"
-#import "ula/ObjCHelper.h"
 #include "ula/ScopedARPool.h"
 #include "ula/foundation/debug/Assertion.h"
 #include "ula/foundation/debug/Log.h"
+#include "ula/src/Mac/Bridge.h"
+#include "ula/src/Mac/CFOwner.h"
 
 #include <cstring>
 
@@ -17,7 +17,7 @@ constexpr const char* kSource = "src/Mac/SecureData";
 constexpr std::size_t kBufferSize = 1024;
 
 FastString serviceName(const FastString& name, const FastString& kind) {
-    return FastString(kind == "Password" ? "Password:" : "Secure Note:") + name;
+    return FastString::borrow(kind == "Password" ? kPasswordPrefix : kNotePrefix) + name;
 }
 
 UInt32 lengthOf(const FastString& text) {
@@ -29,6 +29,19 @@ void wipe(char* bytes, std::size_t count) {
     for (volatile char* byte = bytes; count > 0; --count)
         *byte++ = 0;
 }
+
+/// A secret as the platform gives it, and takes it back: it wipes it.
+struct Content {
+    Content() = default;
+    Content(const Content&) = delete;
+    Content& operator=(const Content&) = delete;
+    ~Content() {
+        if (data != nullptr)
+            SecKeychainItemFreeContent(nullptr, data);
+    }
+
+    void* data = nullptr;
+};
 
 /// The text at the beginning, as much of it as the buffer takes.
 FastString textOf(const char* bytes, UInt32 length) {
@@ -46,7 +59,7 @@ FastString textOf(const char* bytes, UInt32 length) {
 
 FastString keychainMessage(OSStatus status) {
     const CFOwner<CFStringRef> message(SecCopyErrorMessageString(status, nullptr));
-    return message ? [(NSString*)message.get() toUTF8String] : FastString();
+    return fastTextOf(bridged(message.get()));
 }
 
 void reportKeychainStatus(OSStatus status) {
@@ -83,14 +96,12 @@ OSStatus KeychainItem::readFrom(CFTypeRef keychain,
                                 const std::function<void(const char*, UInt32)>& take) const {
     const ScopedARPool pool;
     UInt32 length = 0;
-    void* data = nullptr;
+    Content content;
     const OSStatus status = SecKeychainFindGenericPassword(
         keychain, lengthOf(_service), _service.data(), lengthOf(_account), _account.data(), &length,
-        &data, nullptr);
-    if (status == errSecSuccess && length != 0 && data != nullptr)
-        take(static_cast<const char*>(data), length);
-    if (data != nullptr)
-        SecKeychainItemFreeContent(nullptr, data);
+        &content.data, nullptr);
+    if (status == errSecSuccess && length != 0 && content.data != nullptr)
+        take(static_cast<const char*>(content.data), length);
     return status;
 }
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "ListedItemFacts.h"
+#include "ula/src/Mac/ListedItemFacts.h"
 
 namespace tav::ula {
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "ula/MainThreadCaller.h"
+#include "ula/src/Mac/CFOwner.h"
 
 #include <CoreFoundation/CoreFoundation.h>
 
@@ -18,7 +19,7 @@ public:
 private:
     static void perform(void* caller);
 
-    CFRunLoopSourceRef _source;
+    CFOwner<CFRunLoopSourceRef> _source;
     CFRunLoopRef _runLoop;  ///< not retained: it lives as long as the thread
 };
 

@@ -13,18 +13,17 @@ MainThreadCallerMacCF::MainThreadCallerMacCF() {
     CFRunLoopSourceContext context{};
     context.info = this;
     context.perform = perform;
-    _source = CFRunLoopSourceCreate(kCFAllocatorDefault, 0, &context);
+    *_source.receive() = CFRunLoopSourceCreate(kCFAllocatorDefault, 0, &context);
     _runLoop = CFRunLoopGetCurrent();
-    CFRunLoopAddSource(_runLoop, _source, kCFRunLoopCommonModes);
+    CFRunLoopAddSource(_runLoop, _source.get(), kCFRunLoopCommonModes);
 }
 
 MainThreadCallerMacCF::~MainThreadCallerMacCF() {
-    CFRunLoopSourceInvalidate(_source);
-    CFRelease(_source);
+    CFRunLoopSourceInvalidate(_source.get());
 }
 
 void MainThreadCallerMacCF::wakeUpMainThread() {
-    CFRunLoopSourceSignal(_source);
+    CFRunLoopSourceSignal(_source.get());
     CFRunLoopWakeUp(_runLoop);
 }
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "ula/ModuleMac.h"
 
-#import "ula/ObjCHelper.h"
 #include "ula/ScopedARPool.h"
+#include "ula/src/Mac/Bridge.h"
 
 #import <Foundation/Foundation.h>
 
@@ -11,11 +11,6 @@
 namespace tav::ula {
 
 namespace {
-
-/// Empty for nil.
-FastString textOf(NSString* text) {
-    return text == nil ? FastString() : [text toUTF8String];
-}
 
 /// Nil when there is none.
 NSBundle* loadedBundle(NSString* identifier) {
@@ -35,7 +30,7 @@ NSBundle* loadedBundle(NSString* identifier) {
 ModuleMac::ModuleMac(void* bundle) {
     const ScopedARPool pool;
     _bundle = bundle != nullptr ? bundle : [NSBundle mainBundle];
-    _identifier = textOf([static_cast<NSBundle*>(_bundle) bundleIdentifier]);
+    _identifier = fastTextOf([static_cast<NSBundle*>(_bundle) bundleIdentifier]);
 }
 
 ModuleMac::ModuleMac(const FastString& identifier) : _identifier(identifier) {
@@ -52,7 +47,7 @@ void* ModuleMac::getBundle() const {
 
 FastString ModuleMac::getPath() const {
     const ScopedARPool pool;
-    return textOf([static_cast<NSBundle*>(_bundle) bundlePath]);
+    return fastTextOf([static_cast<NSBundle*>(_bundle) bundlePath]);
 }
 
 FastString ModuleMac::getID() const {

@@ -3,7 +3,7 @@
 // Thread: main, as for all alerts.
 #pragma once
 
-#include "MovePlan.h"
+#include "ula/src/Mac/MovePlan.h"
 
 namespace tav::ula {
 

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "MoveAlerts.h"
+#include "ula/src/Mac/MoveAlerts.h"
 
-#include "AppKitVersion.h"
 #import "ula/ObjCHelper.h"
 #include "ula/foundation/i18n/Gettext.h"
+#include "ula/src/Mac/AppKitVersion.h"
 
 namespace tav::ula {
 
@@ -89,7 +89,7 @@ bool askToReplace() {
                                            defaultButton:translated("Continue")
                                          alternateButton:translated("Cancel")
                                              otherButton:nil
-                               informativeTextWithFormat:text];
+                               informativeTextWithFormat:@"%@", text];
     return [alert runModal] == NSAlertDefaultReturn;
 }
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "MoveCommands.h"
+#include "ula/src/Mac/MoveCommands.h"
 
-#include "AppKitVersion.h"
+#include "ula/src/Mac/AppKitVersion.h"
 
 namespace tav::ula {
 

@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: MIT
-#include "MovePaths.h"
+#include "ula/src/Mac/MovePaths.h"
 
-#include "FileReference.h"
-
-#import <AppKit/AppKit.h>
+#include "ula/src/Mac/FileReference.h"
+#include "ula/src/Mac/RecycleOperation.h"
 
 #include <sys/stat.h>
 
@@ -60,12 +59,7 @@ NSString* resolvedComponent(NSString* path) {
 }  // namespace
 
 bool trashPath(NSString* path) {
-    const bool done = [[NSWorkspace sharedWorkspace]
-        performFileOperation:NSWorkspaceRecycleOperation
-                      source:[path stringByDeletingLastPathComponent]
-                 destination:@""
-                       files:[NSArray arrayWithObject:[path lastPathComponent]]
-                         tag:nullptr];
+    const bool done = recycle([path stringByDeletingLastPathComponent], [path lastPathComponent]);
     if (!done)
         NSLog(@"ERROR -- Could not trash '%@'", path);
     return done;

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "MovePlan.h"
+#include "ula/src/Mac/MovePlan.h"
 
-#include "AppKitVersion.h"
-#include "MovePaths.h"
+#include "ula/src/Mac/AppKitVersion.h"
+#include "ula/src/Mac/MovePaths.h"
+#include "ula/src/Mac/VolumesFolder.h"
 
 namespace tav::ula {
 
@@ -51,7 +52,7 @@ MovePlan makeMovePlan(NSString* source) {
     MovePlan plan;
     plan.source = source;
     plan.isSourceWritable = [files isWritableFileAtPath:source];
-    plan.isSourceOnVolume = [source hasPrefix:@"/Volumes/"];
+    plan.isSourceOnVolume = [source hasPrefix:kVolumesPrefix];
     NSString* folder = firstPath(
         NSSearchPathForDirectoriesInDomains(NSApplicationDirectory, NSUserDomainMask, YES));
     plan.isHomeFolder = holdsApplications(folder);

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "ula/MoveToApplicationsFolder.h"
 
-#include "AppKitVersion.h"
-#include "MoveAlerts.h"
-#include "MoveCommands.h"
-#include "MovePaths.h"
-#include "MovePlan.h"
-#include "PrivilegedCopy.h"
 #include "ula/ScopedARPool.h"
+#include "ula/src/Mac/AppKitVersion.h"
+#include "ula/src/Mac/MoveAlerts.h"
+#include "ula/src/Mac/MoveCommands.h"
+#include "ula/src/Mac/MovePaths.h"
+#include "ula/src/Mac/MovePlan.h"
+#include "ula/src/Mac/PrivilegedCopy.h"
 
 #include <cstdlib>
 

@@ -3,14 +3,13 @@
 
 #import "ula/ObjCHelper.h"
 #include "ula/ScopedARPool.h"
+#include "ula/src/Mac/VolumesFolder.h"
 
 #import <AppKit/AppKit.h>
 #include <mutex>
 #include <sys/stat.h>
 
 namespace {
-
-NSString* const kVolumes = @"/Volumes/";
 
 /// Whether the entry is a link to the system's root directory.
 bool leadsToRoot(NSString* path) {
@@ -26,7 +25,7 @@ bool leadsToRoot(NSString* path) {
 NSString* findNameForRootDisk() {
     NSFileManager* const files = [NSFileManager defaultManager];
     for (NSString* entry in [files directoryContentsAtPath:@"/Volumes"]) {
-        if (leadsToRoot([kVolumes stringByAppendingString:entry]))
+        if (leadsToRoot([tav::ula::kVolumesPrefix stringByAppendingString:entry]))
             return entry;
     }
     return [files displayNameAtPath:@"/"];

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "ula/NativeTimer.h"
+#include "ula/src/Mac/CFOwner.h"
 
 #include <CoreFoundation/CoreFoundation.h>
 
@@ -15,7 +16,7 @@ public:
 private:
     static void callOut(CFRunLoopTimerRef timer, void* self);
 
-    CFRunLoopTimerRef _timer;
+    CFOwner<CFRunLoopTimerRef> _timer;
 };
 
 }  // namespace tav::ula

@@ -13,14 +13,13 @@ NativeTimerMac::NativeTimerMac(unsigned int interval, const util::Function0<void
     const CFTimeInterval period = interval * 0.001;
     CFRunLoopTimerContext context{};
     context.info = this;
-    _timer = CFRunLoopTimerCreate(kCFAllocatorDefault, CFAbsoluteTimeGetCurrent() + period, period,
-                                  0, 0, callOut, &context);
-    CFRunLoopAddTimer(CFRunLoopGetCurrent(), _timer, kCFRunLoopCommonModes);
+    *_timer.receive() = CFRunLoopTimerCreate(
+        kCFAllocatorDefault, CFAbsoluteTimeGetCurrent() + period, period, 0, 0, callOut, &context);
+    CFRunLoopAddTimer(CFRunLoopGetCurrent(), _timer.get(), kCFRunLoopCommonModes);
 }
 
 NativeTimerMac::~NativeTimerMac() {
-    CFRunLoopTimerInvalidate(_timer);
-    CFRelease(_timer);
+    CFRunLoopTimerInvalidate(_timer.get());
 }
 
 void NativeTimerMac::callOut(CFRunLoopTimerRef, void* self) {

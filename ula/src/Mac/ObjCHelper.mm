@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: MIT
 #import "ula/ObjCHelper.h"
 
-#include "FinderOrder.h"
 #include "ula/foundation/thread/ScratchPad.h"
+#include "ula/src/Mac/FinderCollation.h"
 
 #include <iterator>
 
 using tav::ula::FastString;
-using tav::ula::kFinderOrder;
+using tav::ula::kFinderCollation;
 
 namespace {
 
@@ -57,7 +57,7 @@ private:
     const Characters left(self);
     const Characters right(other);
     SInt32 order = 0;
-    UCCompareTextDefault(kFinderOrder, left.data(), left.length(), right.data(), right.length(),
+    UCCompareTextDefault(kFinderCollation, left.data(), left.length(), right.data(), right.length(),
                          nullptr, &order);
     if (order == 0)
         return NSOrderedSame;

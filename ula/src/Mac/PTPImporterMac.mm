@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "ula/src/Mac/PTPImporterMac.h"
 
-#import "ula/ObjCHelper.h"
 #include "ula/ScopedARPool.h"
+#include "ula/src/Mac/Bridge.h"
 
 #include <ImageCapture/ImageCapture.h>
 #include <cstdlib>
@@ -16,21 +16,17 @@ namespace {
 constexpr ICAError kFileExists = -48;
 constexpr UInt32 kDownloadFlags = 2;
 
-NSString* text(CFStringRef reference) {
-    return reinterpret_cast<NSString*>(const_cast<__CFString*>(reference));
-}
-
 bool isOneOf(CFStringRef type, CFStringRef first, CFStringRef second) {
-    return [text(type) isEqualToString:text(first)] || [text(type) isEqualToString:text(second)];
+    return [bridged(type) isEqualToString:bridged(first)] ||
+           [bridged(type) isEqualToString:bridged(second)];
 }
 
 /// A camera and its cards are told each for itself, and handled alike.
 void handleNotification(CFStringRef type, CFDictionaryRef notification) {
     const ScopedARPool pool;
-    NSDictionary* const facts =
-        reinterpret_cast<NSDictionary*>(const_cast<__CFDictionary*>(notification));
+    NSDictionary* const facts = bridged(notification);
     const int device = static_cast<int>(
-        [[facts objectForKey:text(kICANotificationDeviceICAObjectKey)] integerValue]);
+        [[facts objectForKey:bridged(kICANotificationDeviceICAObjectKey)] integerValue]);
     const bool isAdded =
         isOneOf(type, kICANotificationTypeDeviceAdded, kICANotificationTypeStoreAdded);
     if (!isAdded &&
@@ -44,12 +40,13 @@ void handleNotification(CFStringRef type, CFDictionaryRef notification) {
 }
 
 void registerForNotifications() {
-    NSArray* const types = [NSArray arrayWithObjects:text(kICANotificationTypeDeviceAdded),
-                                                     text(kICANotificationTypeDeviceRemoved),
-                                                     text(kICANotificationTypeStoreAdded),
-                                                     text(kICANotificationTypeStoreRemoved), nil];
+    NSArray* const types =
+        [NSArray arrayWithObjects:bridged(kICANotificationTypeDeviceAdded),
+                                  bridged(kICANotificationTypeDeviceRemoved),
+                                  bridged(kICANotificationTypeStoreAdded),
+                                  bridged(kICANotificationTypeStoreRemoved), nil];
     ICARegisterForEventNotificationPB block = {};
-    block.eventsOfInterest = reinterpret_cast<CFArrayRef>(types);
+    block.eventsOfInterest = bridged(types);
     block.notificationProc = handleNotification;
     if (ICARegisterForEventNotification(&block, nullptr) != noErr)
         NSLog(@"could not register with ICA notifications!");

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
-#include "PlatformItemFacts.h"
+#include "ula/src/Mac/PlatformItemFacts.h"
 
-#include "CFOwner.h"
-#include "FileReference.h"
-#include "ula/NSPathUtil.h"
-#import "ula/ObjCHelper.h"
+#include "ula/src/Mac/Bridge.h"
+#include "ula/src/Mac/CFOwner.h"
+#include "ula/src/Mac/FileReference.h"
+#include "ula/src/Mac/VolumesFolder.h"
 
 #include <CoreServices/CoreServices.h>
 
@@ -43,9 +43,8 @@ private:
 };
 
 NSArray* attributeNames() {
-    return @[
-        (NSString*)kLSItemContentType, (NSString*)kLSItemIsInvisible, (NSString*)kLSItemDisplayName
-    ];
+    return
+        @[ bridged(kLSItemContentType), bridged(kLSItemIsInvisible), bridged(kLSItemDisplayName) ];
 }
 
 void takeTypes(CFStringRef type, ItemAttributes& attributes) {
@@ -92,19 +91,17 @@ bool PlatformItemFacts::attributes(ItemAttributes& attributes) {
     if (!fileReferenceOf(_path, _isDirectory, reference))
         return false;
     CFOwner<CFDictionaryRef> values;
-    if (LSCopyItemAttributes(&reference, kLSRolesViewer,
-                             reinterpret_cast<CFArrayRef>(attributeNames()),
+    if (LSCopyItemAttributes(&reference, kLSRolesViewer, bridged(attributeNames()),
                              values.receive()) != noErr ||
         !values)
         return false;
-    NSDictionary* const found =
-        reinterpret_cast<NSDictionary*>(const_cast<__CFDictionary*>(values.get()));
-    attributes.isInvisible = [found objectForKey:(NSString*)kLSItemIsInvisible] ==
+    NSDictionary* const found = bridged(values.get());
+    attributes.isInvisible = [found objectForKey:bridged(kLSItemIsInvisible)] ==
                              reinterpret_cast<const NSObject*>(kCFBooleanTrue);
-    if (NSString* const displayName = [found objectForKey:(NSString*)kLSItemDisplayName])
+    if (NSString* const displayName = [found objectForKey:bridged(kLSItemDisplayName)])
         attributes.displayName = [displayName toStdString];
-    takeTypes(reinterpret_cast<CFStringRef>([found objectForKey:(NSString*)kLSItemContentType]),
-              attributes);
+    NSString* const type = [found objectForKey:bridged(kLSItemContentType)];
+    takeTypes(bridged(type), attributes);
     return true;
 }
 
@@ -139,7 +136,7 @@ bool PlatformItemFacts::resolveAlias(std::string& path) {
 
 const std::string& PlatformItemFacts::startupVolume() {
     if (_startupVolume.empty())
-        _startupVolume = "/Volumes/" + NSPathUtilNameSpace::nameForRootDisk();
+        _startupVolume = ula::startupVolume();
     return _startupVolume;
 }
 

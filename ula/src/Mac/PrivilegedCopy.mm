@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "PrivilegedCopy.h"
+#include "ula/src/Mac/PrivilegedCopy.h"
 
 #include <Security/Security.h>
 

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "PropertyListFile.h"
+#include "ula/src/Mac/PropertyListFile.h"
 
-#include "CFOwner.h"
-#import "ula/ObjCHelper.h"
+#include "ula/foundation/xml/XmlDocumentRapid.h"
+#include "ula/src/Mac/Bridge.h"
+#include "ula/src/Mac/CFOwner.h"
 
 #include <cerrno>
 #include <cstring>
@@ -12,7 +13,7 @@ namespace tav::ula {
 
 namespace {
 
-constexpr off_t kLargestFile = off_t{256} << 20;
+constexpr off_t kLargestFile = xml::XmlDocumentRapid::kLargestText;
 
 /// Empty when the file may be read.
 std::string reasonNotToRead(const std::string& path) {
@@ -39,18 +40,19 @@ NSData* readBytes(const std::string& path, std::string& error) {
     return bytes;
 }
 
-std::string takeReason(const CFOwner<CFErrorRef>& error) {
+std::string describe(const CFOwner<CFErrorRef>& error) {
+    if (!error)
+        return "no reason is given";
     const CFOwner<CFStringRef> description(CFErrorCopyDescription(error.get()));
-    return [reinterpret_cast<NSString*>(const_cast<__CFString*>(description.get())) toStdString];
+    return textOf(bridged(description.get()));
 }
 
 NSDictionary* dictionaryOf(NSData* bytes, std::string& error) {
     CFOwner<CFErrorRef> reason;
-    const CFPropertyListRef list =
-        CFPropertyListCreateWithData(kCFAllocatorDefault, reinterpret_cast<CFDataRef>(bytes),
-                                     kCFPropertyListImmutable, nullptr, reason.receive());
+    const CFPropertyListRef list = CFPropertyListCreateWithData(
+        kCFAllocatorDefault, bridged(bytes), kCFPropertyListImmutable, nullptr, reason.receive());
     if (list == nullptr) {
-        error = "no property list: " + takeReason(reason);
+        error = "no property list: " + describe(reason);
         return nil;
     }
     id root = [static_cast<id>(const_cast<void*>(list)) autorelease];

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "ula/RecycleBin.h"
 
-#import "ula/ObjCHelper.h"
 #include "ula/ScopedARPool.h"
 #include "ula/foundation/filesystem/FileSystem.h"
+#include "ula/src/Mac/Bridge.h"
+#include "ula/src/Mac/RecycleOperation.h"
 
-#import <AppKit/AppKit.h>
 #import <Foundation/NSFileManager+Trash.h>
 
 namespace tav::ula {
@@ -23,31 +23,14 @@ FastString nameOfItem(const FastString& path) {
     return FastString();
 }
 
-/// In which folder and under which name the workspace finds it. False without a name, as for bytes
-/// that are no text.
-bool recycle(NSString* folder, NSString* name) {
-    if (folder == nil || name == nil)
-        return false;
-    return [[NSWorkspace sharedWorkspace] performFileOperation:NSWorkspaceRecycleOperation
-                                                        source:folder
-                                                   destination:@""
-                                                         files:@[ name ]
-                                                           tag:nullptr];
-}
-
 /// Nil for what is no path: an empty text, or bytes that are no text.
 NSURL* urlOf(const FastString& path) {
     NSString* const text = [NSString fromUTF8String:path];
     return [text length] == 0 ? nil : [NSURL fileURLWithPath:text];
 }
 
-/// Empty for nil.
-FastString textOf(NSString* text) {
-    return text == nil ? FastString() : [text toUTF8String];
-}
-
 FastString descriptionOf(NSError* error) {
-    return textOf([error localizedDescription]);
+    return fastTextOf([error localizedDescription]);
 }
 
 RecycleBinResult failed(const RecycleBinReceipt& receipt, const FastString& error) {
@@ -68,8 +51,8 @@ RecycleBinResult recycleWithReceipt(const FastString& path) {
     result.done = [files trashItemAtURL:original resultingItemURL:&trashed error:&error];
     if (!result.done)
         return failed(result.receipt, descriptionOf(error));
-    result.receipt = {textOf([original path]), textOf([trashed path]),
-                      textOf([files identityOfItemAtURL:trashed])};
+    result.receipt = {fastTextOf([original path]), fastTextOf([trashed path]),
+                      fastTextOf([files identityOfItemAtURL:trashed])};
     return result;
 }
 
@@ -112,8 +95,8 @@ std::vector<RecycleBinReceipt> findInRecycleBin(const FastString& originalPath) 
         return receipts;
     NSFileManager* const files = [NSFileManager defaultManager];
     for (NSURL* trashed in [files trashedItemURLsOfURL:original])
-        receipts.push_back({textOf([original path]), textOf([trashed path]),
-                            textOf([files identityOfItemAtURL:trashed])});
+        receipts.push_back({fastTextOf([original path]), fastTextOf([trashed path]),
+                            fastTextOf([files identityOfItemAtURL:trashed])});
     return receipts;
 }
 

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "ula/Screen.h"
 
-#include "ScreenNumber.h"
 #import "ula/ObjCHelper.h"
 #include "ula/ScopedARPool.h"
 #include "ula/foundation/debug/Assertion.h"
+#include "ula/src/Mac/ScreenNumber.h"
 
 #import <AppKit/AppKit.h>
 #import <AppKit/NSScreen+Names.h>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ula/SecureData.h"
 
-#include "KeychainItem.h"
+#include "ula/src/Mac/KeychainItem.h"
 
 namespace tav::ula {
 

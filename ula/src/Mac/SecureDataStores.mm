@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 // Which items there are, where they lie, and moving them.
-#include "CFOwner.h"
-#include "KeychainItem.h"
-#import "ula/ObjCHelper.h"
 #include "ula/ScopedARPool.h"
 #include "ula/SecureData.h"
+#include "ula/src/Mac/Bridge.h"
+#include "ula/src/Mac/CFOwner.h"
+#include "ula/src/Mac/KeychainItem.h"
 
 #include <algorithm>
 #include <string_view>
@@ -14,15 +14,13 @@ namespace tav::ula {
 
 namespace {
 
-constexpr std::string_view kPassword = "Password:";
-constexpr std::string_view kNote = "Secure Note:";
-
 struct Item {
     FastString service;
     FastString account;
 
     bool isOurs() const {
-        return service.view().starts_with(kPassword) || service.view().starts_with(kNote);
+        return service.view().starts_with(kPasswordPrefix) ||
+               service.view().starts_with(kNotePrefix);
     }
 };
 
@@ -40,7 +38,7 @@ OSStatus itemsOf(NSArray* keychains, std::vector<Item>& items) {
         NSString* const account = [attributes objectForKey:(id)kSecAttrAccount];
         if (service == nil)
             continue;
-        Item item{[service toUTF8String], account == nil ? FastString() : [account toUTF8String]};
+        Item item{fastTextOf(service), fastTextOf(account)};
         if (item.isOurs())
             items.push_back(std::move(item));
     }
@@ -52,7 +50,7 @@ NSArray* allKeychains() {
     CFArrayRef list = nullptr;
     if (SecKeychainCopySearchList(&list) != errSecSuccess)
         return [NSArray array];
-    return [(NSArray*)list autorelease];
+    return [bridged(list) autorelease];
 }
 
 FastString pathOf(SecKeychainRef keychain) {
@@ -63,8 +61,8 @@ FastString pathOf(SecKeychainRef keychain) {
 }
 
 KeychainItemName nameOf(const Item& item) {
-    const bool isPassword = item.service.view().starts_with(kPassword);
-    const std::size_t prefix = isPassword ? kPassword.size() : kNote.size();
+    const bool isPassword = item.service.view().starts_with(kPasswordPrefix);
+    const std::size_t prefix = isPassword ? kPasswordPrefix.size() : kNotePrefix.size();
     return {isPassword ? KeychainItemKind::Password : KeychainItemKind::Note,
             item.service.substr(prefix), item.account};
 }

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "ula/SettingsPList.h"
 
-#include "PropertyListFile.h"
-#include "SettingsPListReader.h"
 #import "ula/ObjCHelper.h"
 #include "ula/ScopedARPool.h"
 #include "ula/SpecialFolders.h"
@@ -11,6 +9,8 @@
 #include "ula/src/Core/SettingsPListQuickReader.h"
 #include "ula/src/Core/SettingsPListWriter.h"
 #include "ula/src/Core/UnreadableFile.h"
+#include "ula/src/Mac/PropertyListFile.h"
+#include "ula/src/Mac/SettingsPListReader.h"
 
 namespace tav::ula {
 
@@ -23,7 +23,7 @@ bool readWithPlatform(const std::string& path, GroupMap& settings, std::string& 
     NSDictionary* const root = loadPropertyList(path, error);
     if (root == nil)
         return false;
-    const bool isDone = readSettings(root, settings, error);
+    const bool isDone = readSettingsPList(root, settings, error);
     if (!isDone)
         error = path + ": " + error;
     return isDone;
@@ -44,7 +44,7 @@ void makeFolderOf(const FastString& path) {
 /// anything else than what replaces it.
 bool isWorthABackup(const FastString& path, const GroupMap& replacement) {
     GroupMap groups;
-    if (readPropertyListQuickly(path, groups))
+    if (readSettingsPListQuickly(path, groups))
         return !groups.empty() && !(groups == replacement);
     const ScopedARPool pool;
     std::string ignored;
@@ -76,27 +76,26 @@ std::string SettingsPList::fileName(const FastString& appName, const FastString&
 bool SettingsPList::read() {
     const std::string path = buildFileName(_userScope);
     _lastError.clear();
-    _unreadableFilePending = false;
+    _reasonOfUnkeptFile.reset();
     if (readFile(path, _settings, _lastError))
         return true;
-    keepUnreadableFileAside();
+    keepUnreadableFileAside(_lastError);
     return false;
 }
 
 /// So that a later write loses nothing.
-bool SettingsPList::keepUnreadableFileAside() {
-    const FastString path = buildFileName(_userScope);
-    if (!filesystem::isRegularFile(path))
-        return true;
-    std::string result;
-    _unreadableFilePending = !keepUnreadableFile(path, result);
-    _lastError += _unreadableFilePending ? "; it could not be kept aside: " + result
-                                         : "; kept aside as \"" + result + "\"";
-    return !_unreadableFilePending;
+bool SettingsPList::keepUnreadableFileAside(std::string reason) {
+    std::string note;
+    const bool isKept = keepUnreadableFile(buildFileName(_userScope), note);
+    _lastError = reason + note;
+    _reasonOfUnkeptFile.reset();
+    if (!isKept)
+        _reasonOfUnkeptFile = std::move(reason);
+    return isKept;
 }
 
 bool SettingsPList::write() {
-    if (_unreadableFilePending && !keepUnreadableFileAside())
+    if (_reasonOfUnkeptFile && !keepUnreadableFileAside(*_reasonOfUnkeptFile))
         return false;
     _lastError.clear();
     return writeFile(buildFileName(_userScope), _settings, _keepBackup, _lastError);
@@ -105,7 +104,7 @@ bool SettingsPList::write() {
 bool SettingsPList::readFile(const std::string& path, GroupMap& settings, std::string& error) {
     settings.clear();
     error.clear();
-    return readPropertyListQuickly(path, settings) || readWithPlatform(path, settings, error);
+    return readSettingsPListQuickly(path, settings) || readWithPlatform(path, settings, error);
 }
 
 bool SettingsPList::writeFile(const std::string& path, const GroupMap& settings, bool keepBackup,
@@ -114,7 +113,7 @@ bool SettingsPList::writeFile(const std::string& path, const GroupMap& settings,
     error.clear();
     try {
         xml::XmlOutput output([&](std::string_view piece) { text += piece; });
-        writePropertyList(settings, output);
+        writeSettingsPList(settings, output);
         output.flush();
     } catch (const xml::XmlException& exception) {
         error = path + ": " + exception.what();

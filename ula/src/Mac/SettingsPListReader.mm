@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "SettingsPListReader.h"
+#include "ula/src/Mac/SettingsPListReader.h"
 
 #import "ula/ObjCHelper.h"
 
@@ -69,7 +69,7 @@ bool readGroup(NSDictionary* group, SettingsBase::KeyMap& keys, std::string& err
 
 }  // namespace
 
-bool readSettings(NSDictionary* root, SettingsBase::GroupMap& settings, std::string& error) {
+bool readSettingsPList(NSDictionary* root, SettingsBase::GroupMap& settings, std::string& error) {
     NSEnumerator* const names = [[root allKeys] objectEnumerator];
     while (NSString* const name = [names nextObject]) {
         id group = [root objectForKey:name];

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "ula/SystemInformation.h"
 
-#include "HardwareReport.h"
 #import "ula/ObjCHelper.h"
 #include "ula/ScopedARPool.h"
 #include "ula/foundation/debug/Assertion.h"
 #include "ula/foundation/debug/Log.h"
 #include "ula/foundation/text/NumberConversion.h"
+#include "ula/src/Mac/HardwareReport.h"
 
 namespace tav::ula {
 

@@ -4,6 +4,7 @@
 #include "ula/TreeMonitor.h"
 #include "ula/src/Core/SettlingFiles.h"
 #include "ula/src/Core/TreeEventReader.h"
+#include "ula/src/Mac/CFOwner.h"
 
 #include <CoreServices/CoreServices.h>
 
@@ -32,12 +33,13 @@ private:
 
     void handle(const std::vector<ReportedChange>& changes);
     void tell(const std::vector<TreeEvent>& events);
+    CFRunLoopTimerRef createTimer();
     void setTimer();
 
     TreeEventReader _reader;
     SettlingFiles _settling;
     FSEventStreamRef _stream = nullptr;
-    CFRunLoopTimerRef _timer = nullptr;
+    const CFOwner<CFRunLoopTimerRef> _timer;
     /// False once this object is gone, for whoever is about to tell something.
     std::shared_ptr<bool> _isAlive = std::make_shared<bool>(true);
 };

@@ -1,13 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "ula/src/Mac/TreeMonitorMac.h"
 
-#include "ula/foundation/filesystem/FileSystem.h"
-#include "ula/src/Mac/CFOwner.h"
+#include "ula/ScopedARPool.h"
+#include "ula/foundation/Exception.h"
+#include "ula/foundation/debug/Log.h"
 
 #include <cerrno>
 #include <climits>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <optional>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -16,6 +18,7 @@ namespace tav::ula {
 
 namespace {
 
+namespace fs = std::filesystem;
 using Clock = std::chrono::steady_clock;
 
 constexpr CFTimeInterval kNever = 1e9;
@@ -27,12 +30,16 @@ std::optional<bool> lookAt(const std::string& path) {
     return S_ISDIR(item.st_mode);
 }
 
+// A link is written at once: it has settled as soon as it is there.
 SettlingFiles::State stateOf(const std::string& path) {
-    struct stat item {};
-    if (lstat(path.c_str(), &item) != 0)
+    std::error_code error;
+    const fs::file_status status = fs::symlink_status(path, error);
+    if (!fs::exists(status))
         return {};
-    return {true, static_cast<std::uint64_t>(item.st_size),
-            item.st_mtim.tv_sec * 1000000000LL + item.st_mtim.tv_nsec};
+    if (fs::is_symlink(status))
+        return {true};
+    const std::uint64_t size = fs::is_regular_file(status) ? fs::file_size(path, error) : 0;
+    return {true, size, fs::last_write_time(path, error).time_since_epoch().count()};
 }
 
 ReportedChange changeOf(const char* path, FSEventStreamEventFlags flags, FSEventStreamEventId id) {
@@ -77,11 +84,25 @@ std::string problemWith(const std::string& path) {
     return "";
 }
 
+// What a slot throws keeps nothing from the slots of later events, and stays out of the platform's
+// frames below. The signal may be gone afterwards.
+void emitLogged(TreeMonitor::Signal& signal, const TreeEvent& event) {
+    try {
+        signal.emit(event);
+    } catch (...) {
+        debug::logf("src/Mac/TreeMonitor", 1, debug::LogLevelError,
+                    "a slot has thrown when it was told of %*: %*")
+            .add(event.path.c_str())
+            .add(describeCurrentException());
+    }
+}
+
 }  // namespace
 
 std::unique_ptr<TreeMonitor> TreeMonitor::create(const std::string& path,
                                                  const TreeMonitorOptions& options,
                                                  std::string* error) {
+    const ScopedARPool pool;
     const std::string root = absolutePath(path);
     std::string problem = problemWith(root);
     if (problem.empty()) {
@@ -96,7 +117,9 @@ std::unique_ptr<TreeMonitor> TreeMonitor::create(const std::string& path,
 }
 
 TreeMonitorMac::TreeMonitorMac(const std::string& root, const TreeMonitorOptions& options)
-    : _reader(root, options.ignore, lookAt), _settling(options.settle, stateOf) {
+    : _reader(root, options.ignore, lookAt),
+      _settling(options.settle, stateOf),
+      _timer(createTimer()) {
     const CFOwner<CFStringRef> path(
         CFStringCreateWithCString(kCFAllocatorDefault, root.c_str(), kCFStringEncodingUTF8));
     const void* value = path.get();
@@ -108,18 +131,21 @@ TreeMonitorMac::TreeMonitorMac(const std::string& root, const TreeMonitorOptions
         kCFAllocatorDefault, receive, &context, paths.get(), kFSEventStreamEventIdSinceNow,
         static_cast<double>(options.latency.count()) / 1000,
         kFSEventStreamCreateFlagWatchRoot | kFSEventStreamCreateFlagFileEvents);
-    CFRunLoopTimerContext timer{};
-    timer.info = this;
+    CFRunLoopAddTimer(CFRunLoopGetCurrent(), _timer.get(), kCFRunLoopCommonModes);
+}
+
+CFRunLoopTimerRef TreeMonitorMac::createTimer() {
+    CFRunLoopTimerContext context{};
+    context.info = this;
     // The interval only keeps it valid.
-    _timer = CFRunLoopTimerCreate(kCFAllocatorDefault, CFAbsoluteTimeGetCurrent() + kNever, kNever,
-                                  0, 0, tellSettled, &timer);
-    CFRunLoopAddTimer(CFRunLoopGetCurrent(), _timer, kCFRunLoopCommonModes);
+    return CFRunLoopTimerCreate(kCFAllocatorDefault, CFAbsoluteTimeGetCurrent() + kNever, kNever, 0,
+                                0, tellSettled, &context);
 }
 
 TreeMonitorMac::~TreeMonitorMac() {
+    const ScopedARPool pool;
     *_isAlive = false;
-    CFRunLoopTimerInvalidate(_timer);
-    CFRelease(_timer);
+    CFRunLoopTimerInvalidate(_timer.get());
     if (_stream == nullptr)
         return;
     FSEventStreamStop(_stream);
@@ -141,12 +167,14 @@ bool TreeMonitorMac::start() {
 }
 
 void TreeMonitorMac::flush() {
+    const ScopedARPool pool;
     FSEventStreamFlushSync(_stream);
 }
 
 void TreeMonitorMac::receive(ConstFSEventStreamRef, void* self, size_t count, void* paths,
                              const FSEventStreamEventFlags* flags,
                              const FSEventStreamEventId* ids) {
+    const ScopedARPool pool;
     std::vector<ReportedChange> changes;
     for (size_t index = 0; index < count; ++index)
         changes.push_back(
@@ -164,6 +192,7 @@ void TreeMonitorMac::handle(const std::vector<ReportedChange>& changes) {
 }
 
 void TreeMonitorMac::tellSettled(CFRunLoopTimerRef, void* self) {
+    const ScopedARPool pool;
     auto& monitor = *static_cast<TreeMonitorMac*>(self);
     const std::vector<TreeEvent> events = monitor._settling.settled(Clock::now());
     const std::shared_ptr<bool> isAlive = monitor._isAlive;
@@ -176,7 +205,7 @@ void TreeMonitorMac::setTimer() {
     CFTimeInterval seconds = kNever;
     if (!_settling.isEmpty())
         seconds = std::chrono::duration<double>(_settling.nextLook() - Clock::now()).count();
-    CFRunLoopTimerSetNextFireDate(_timer, CFAbsoluteTimeGetCurrent() + seconds);
+    CFRunLoopTimerSetNextFireDate(_timer.get(), CFAbsoluteTimeGetCurrent() + seconds);
 }
 
 void TreeMonitorMac::tell(const std::vector<TreeEvent>& events) {
@@ -184,7 +213,7 @@ void TreeMonitorMac::tell(const std::vector<TreeEvent>& events) {
     for (const TreeEvent& event : events) {
         if (!*isAlive)
             return;
-        changed().emit(event);
+        emitLogged(changed(), event);
         if (*isAlive && event.type == TreeEventType::RescanNeeded)
             _reader.didRescan(event.path, FSEventStreamFlushAsync(_stream));
     }

@@ -60,6 +60,8 @@ ULATime ULATime::fromCurrentTime(bool localTime) {
     if (localTime)
         [now setTimeZone:[NSTimeZone localTimeZone]];
     ULATime time = fieldsOf(now);
+    // A second look at the clock, on purpose: callers depend on its whole milliseconds. Where a
+    // second ends between the two, the time is nearly a second early.
     time.milliOfSecond = millisecondsOfClock();
     return time;
 }

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "ula/UniqueAppInstance.h"
 
-#import "ula/ObjCHelper.h"
 #include "ula/ScopedARPool.h"
 #include "ula/foundation/debug/Log.h"
+#include "ula/src/Mac/Bridge.h"
 
 #import <AppKit/AppKit.h>
 
@@ -51,12 +51,6 @@ void open(char* path) {
         return;
     char* const arguments[] = {const_cast<char*>(kOpen), path, nullptr};
     execv(kOpen, arguments);
-}
-
-/// Empty for nil.
-std::string textAt(NSDictionary* entry, NSString* key) {
-    NSString* const text = [entry objectForKey:key];
-    return text == nil ? std::string() : [text toStdString];
 }
 
 }  // namespace
@@ -109,9 +103,9 @@ std::vector<RunningApplicationInfo> runningApplications() {
     const ScopedARPool pool;
     std::vector<RunningApplicationInfo> applications;
     for (NSDictionary* entry in [[NSWorkspace sharedWorkspace] launchedApplications])
-        applications.push_back({textAt(entry, @"NSApplicationName"),
-                                textAt(entry, @"NSApplicationBundleIdentifier"),
-                                textAt(entry, @"NSApplicationPath"),
+        applications.push_back({textOf([entry objectForKey:@"NSApplicationName"]),
+                                textOf([entry objectForKey:@"NSApplicationBundleIdentifier"]),
+                                textOf([entry objectForKey:@"NSApplicationPath"]),
                                 [[entry objectForKey:@"NSApplicationProcessIdentifier"] intValue]});
     return applications;
 }

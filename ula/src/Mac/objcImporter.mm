@@ -1,30 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "ula/src/Mac/objcImporter.h"
 
-#import "ula/ObjCHelper.h"
 #include "ula/ScopedARPool.h"
-#include "ula/src/Mac/CFOwner.h"
+#include "ula/src/Mac/Bridge.h"
+#include "ula/src/Mac/ObjectProperties.h"
 
-#include <ImageCapture/ImageCapture.h>
-
-using tav::ula::CFOwner;
+using tav::ula::ObjectProperties;
 using tav::ula::ScopedARPool;
+using tav::ula::bridged;
 
 namespace {
-
-using Properties = CFOwner<CFDictionaryRef>;
-
-/// Fails: leaves the owner empty.
-void copyProperties(ICAObject object, Properties& properties) {
-    ICACopyObjectPropertyDictionaryPB block = {};
-    block.object = object;
-    block.theDict = properties.receive();
-    ICACopyObjectPropertyDictionary(&block, nullptr);
-}
-
-NSDictionary* dictionary(const Properties& properties) {
-    return reinterpret_cast<NSDictionary*>(const_cast<__CFDictionary*>(properties.get()));
-}
 
 /// The first file of each name.
 NSDictionary* filesByName(NSArray* files) {
@@ -60,26 +45,26 @@ NSDictionary* filesByName(NSArray* files) {
     ICAGetDeviceListPB list = {};
     if (ICAGetDeviceList(&list, nullptr) != noErr)
         return;
-    Properties properties;
+    ObjectProperties properties;
     copyProperties(list.object, properties);
     if (!properties) {
         NSLog(@"could not obtain device list dictionary!");
         return;
     }
-    for (NSDictionary* device in [dictionary(properties) objectForKey:@"devices"])
+    for (NSDictionary* device in [bridged(properties.get()) objectForKey:@"devices"])
         [self
             addDeviceDictionary:[NSNumber numberWithInt:[[device objectForKey:@"icao"] intValue]]];
 }
 
 - (BOOL)addDeviceDictionary:(NSNumber*)number {
     const ScopedARPool pool;
-    Properties properties;
+    ObjectProperties properties;
     copyProperties(static_cast<ICAObject>([number intValue]), properties);
     if (!properties) {
         NSLog(@"could not obtain device dictionary of current device!");
         return NO;
     }
-    NSDictionary* const device = dictionary(properties);
+    NSDictionary* const device = bridged(properties.get());
     NSNumber* const count = [device objectForKey:@"ICANumberOfDownloadableObjectsKey"];
     if ([count intValue] == 0)
         return NO;
@@ -110,7 +95,8 @@ NSDictionary* filesByName(NSArray* files) {
     const ScopedARPool pool;
     std::vector<std::string> names;
     for (NSDictionary* file in [[_devices objectForKey:number] objectForKey:@"data"])
-        names.push_back([[file objectForKey:@"ifil"] toStdString]);
+        if (NSString* const name = [file objectForKey:@"ifil"])
+            names.push_back([name toStdString]);
     return names;
 }
 

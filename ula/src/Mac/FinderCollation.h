@@ -6,10 +6,10 @@
 namespace tav::ula {
 
 /// How the Finder compares names.
-inline constexpr UCCollateOptions kFinderOrder =
+inline constexpr UCCollateOptions kFinderCollation =
     kUCCollateComposeInsensitiveMask | kUCCollateWidthInsensitiveMask |
     kUCCollateCaseInsensitiveMask | kUCCollatePunctuationSignificantMask |
     kUCCollateDigitsOverrideMask | kUCCollateDigitsAsNumberMask;
-static_assert(kFinderOrder == 0x3800E);
+static_assert(kFinderCollation == 0x3800E);
 
 }  // namespace tav::ula
