@@ -6,7 +6,7 @@
 
 @class NSAlert, NSButton;
 
-@interface ULAlertPanel : NSPanel {
+@interface ULAAlertPanel : NSPanel {
     NSArray* _answers;
     CGFloat _top;
 }

@@ -57,14 +57,14 @@ NSTextField* textField(NSString* text, NSFont* font, CGFloat width) {
 
 }  // namespace
 
-@interface ULAlertPanel (Layout)
+@interface ULAAlertPanel (Layout)
 - (void)addButtons;
 - (void)addBox:(NSButton*)box;
 - (void)addTextsOf:(NSAlert*)alert;
 - (void)addIconOf:(NSAlert*)alert;
 @end
 
-@implementation ULAlertPanel
+@implementation ULAAlertPanel
 
 - (id)initWithAlert:(NSAlert*)alert box:(NSButton*)box {
     NSArray* const answers = [alert buttons];

@@ -10,7 +10,7 @@
 #include <libintl.h>
 #include <objc/runtime.h>
 
-@interface ULAlert : NSAlert {
+@interface ULAAlert : NSAlert {
     NSButton* _box;
     BOOL _showsBox;
     int _answersAsPanel;  // 0: no; 2: with an alternate button
@@ -29,7 +29,7 @@ NSString* okTitle() {
 }
 
 id allocateAlert(id self, SEL, NSZone* zone) {
-    Class const type = self == [NSAlert class] ? [ULAlert class] : self;
+    Class const type = self == [NSAlert class] ? [ULAAlert class] : self;
     return NSAllocateObject(type, 0, zone);
 }
 
@@ -42,7 +42,7 @@ NSInteger panelAnswer(NSInteger number, bool hasAlternate) {
 
 }  // namespace
 
-@implementation ULAlert
+@implementation ULAAlert
 
 + (void)load {
     Class const type = object_getClass(objc_getClass("NSAlert"));
@@ -59,7 +59,7 @@ NSInteger panelAnswer(NSInteger number, bool hasAlternate) {
                  alternateButton:(NSString*)alternateButton
                      otherButton:(NSString*)otherButton
        informativeTextWithFormat:(NSString*)format, ... {
-    ULAlert* const alert = [[[ULAlert alloc] init] autorelease];
+    ULAAlert* const alert = [[[ULAAlert alloc] init] autorelease];
     va_list values;
     va_start(values, format);
     if (format != nil)
@@ -103,7 +103,7 @@ NSInteger panelAnswer(NSInteger number, bool hasAlternate) {
     if ([[self buttons] count] == 0)
         [self addButtonWithTitle:okTitle()];
     NSButton* const box = _showsBox ? [self suppressionButton] : nil;
-    ULAlertPanel* const panel = [[[ULAlertPanel alloc] initWithAlert:self box:box] autorelease];
+    ULAAlertPanel* const panel = [[[ULAAlertPanel alloc] initWithAlert:self box:box] autorelease];
     const NSInteger answer = [panel runUntilAnswered];
     if (_answersAsPanel != 0)
         return answer < 0 ? NSAlertErrorReturn : panelAnswer(answer, _answersAsPanel == 2);

@@ -6,7 +6,7 @@
 #import <AppKit/AppKit.h>
 
 #include "AppKit/LauncherProgress.h"
-#include "AppKit/ReplaceWorkspaceMethod.h"
+#include "Foundation/ReplaceMethod.h"
 
 #include <algorithm>
 
@@ -96,10 +96,10 @@ void replaceShownIcon(NSImage* image) {
 
 }  // namespace
 
-@interface ULApplicationIcon : NSObject
+@interface ULAApplicationIcon : NSObject
 @end
 
-@implementation ULApplicationIcon
+@implementation ULAApplicationIcon
 
 + (void)progressDidChange:(NSNotification*)notification {
     NSNumber* fraction = [[notification userInfo] objectForKey:@"fraction"];
@@ -113,7 +113,7 @@ static void listenForProgress() {
     if (isListening)
         return;
     isListening = true;
-    [[NSNotificationCenter defaultCenter] addObserver:[ULApplicationIcon class]
+    [[NSNotificationCenter defaultCenter] addObserver:[ULAApplicationIcon class]
                                              selector:@selector(progressDidChange:)
                                                  name:kProgressDidChange
                                                object:nil];
@@ -138,11 +138,12 @@ static void finishLaunching(id self, SEL command) {
 
 + (void)load {
     const char* name = "NSApplication";
-    originalSet =
-        appkit::replaceMethod(name, @selector(setApplicationIconImage:), setApplicationIconImage);
-    originalGet =
-        appkit::replaceMethod(name, @selector(applicationIconImage), applicationIconImage);
-    originalFinish = appkit::replaceMethod(name, @selector(finishLaunching), finishLaunching);
+    originalSet = foundation::replaceInstanceMethod(name, @selector(setApplicationIconImage:),
+                                                    setApplicationIconImage);
+    originalGet = foundation::replaceInstanceMethod(name, @selector(applicationIconImage),
+                                                    applicationIconImage);
+    originalFinish =
+        foundation::replaceInstanceMethod(name, @selector(finishLaunching), finishLaunching);
 }
 
 @end

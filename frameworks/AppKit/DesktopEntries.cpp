@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "AppKit/DesktopEntries.h"
 
-#include "CoreFoundation/Descriptor.h"
 #include "CoreFoundation/EnvironmentVariable.h"
 #include "CoreFoundation/FolderStream.h"
+#include "CoreFoundation/WholeContent.h"
 
 #include <algorithm>
 #include <climits>
@@ -43,15 +43,7 @@ std::vector<std::string> foldersOfProcess() {
 
 std::string beginningOf(const std::string& path, size_t largest) {
     const cf::Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
-    std::string text;
-    char part[16384];
-    while (file && text.size() < largest) {
-        const ssize_t size = read(file.get(), part, std::min(sizeof part, largest - text.size()));
-        if (size <= 0)
-            break;
-        text.append(part, static_cast<size_t>(size));
-    }
-    return text;
+    return file ? cf::readUpTo(file.get(), largest) : "";
 }
 
 // Empty when nothing can be run there.

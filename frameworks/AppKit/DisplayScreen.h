@@ -6,7 +6,7 @@
 #include "ApplicationServices/Display.h"
 
 // A screen as it was when it was made. It does not change: a display that does gets another one.
-@interface ULDisplayScreen : NSScreen {
+@interface ULADisplayScreen : NSScreen {
     displays::Display _display;
     int _mainHeight;
 }

@@ -21,7 +21,7 @@ NSWindowDepth depthOf(int bitsPerPixel) {
 
 }  // namespace
 
-@implementation ULDisplayScreen
+@implementation ULADisplayScreen
 
 // The initializers above this one ask GNUstep's display server, which need not be there.
 - (id)initWithDisplay:(const displays::Display&)display mainHeight:(int)mainHeight {
@@ -94,9 +94,9 @@ NSWindowDepth depthOf(int bitsPerPixel) {
 }
 
 - (BOOL)isEqual:(id)other {
-    if (![other isKindOfClass:[ULDisplayScreen class]])
+    if (![other isKindOfClass:[ULADisplayScreen class]])
         return NO;
-    return _display.id == [static_cast<ULDisplayScreen*>(other) display].id;
+    return _display.id == [static_cast<ULADisplayScreen*>(other) display].id;
 }
 
 - (NSUInteger)hash {

@@ -150,12 +150,15 @@ int copyItem(const Place& from, const Place& to) {
 int removeItem(const Place& place) {
     if (unlinkat(place.folder, place.name.c_str(), 0) == 0 || errno == ENOENT)
         return 0;
-    if (errno != EISDIR && errno != EPERM)
+    if (errno != EISDIR)
         return errno;
     cf::Descriptor folder(
         openat(place.folder, place.name.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
     if (!folder)
         return errno;
+    // A folder of the user's that may not be changed would keep what it holds.
+    if (faccessat(folder.get(), ".", W_OK | X_OK, AT_EACCESS) != 0)
+        (void)fchmod(folder.get(), S_IRWXU);
     int error = forEachEntry(folder.get(), [&](const std::string& name) {
         return removeItem({folder.get(), name});
     });

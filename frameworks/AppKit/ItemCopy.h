@@ -11,8 +11,9 @@ namespace appkit {
 // Fails: errno, and nothing is left at the new name; 0 when done.
 int copyItem(const Place& from, const Place& to);
 
-// Removes an item with all it holds; folders on other file systems mounted within it stop it.
-// Fails: errno; 0 when done or when there was none.
+// Removes an item with all it holds, be it in folders of the user's that may not be changed;
+// folders on other file systems mounted within it stop it. Fails: errno; 0 when done or when there
+// was none.
 int removeItem(const Place& place);
 
 }  // namespace appkit

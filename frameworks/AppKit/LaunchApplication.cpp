@@ -10,7 +10,6 @@
 #include <cerrno>
 #include <climits>
 #include <csignal>
-#include <cstdlib>
 #include <fcntl.h>
 #include <gio/gio.h>
 #include <sys/stat.h>
@@ -21,27 +20,23 @@ namespace appkit {
 
 namespace {
 
-constexpr int kPatienceMs = 1000;
-
 // An application that listens has its identifier as its name on the bus, and as its path there.
 bool activateOverBus(const std::string& identifier) {
-    // Without it the bus would be started, or be looked for through the display.
-    if (std::getenv("DBUS_SESSION_BUS_ADDRESS") == nullptr || !g_dbus_is_name(identifier.c_str()))
+    if (!g_dbus_is_name(identifier.c_str()))
         return false;
-    GDBusConnection* bus = g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, nullptr);
-    if (bus == nullptr)
+    const coreservices::BusConnection bus = connectToSessionBus();
+    if (!bus)
         return false;
     std::string path = "/" + identifier;
     std::replace(path.begin(), path.end(), '.', '/');
     std::replace(path.begin(), path.end(), '-', '_');
     GVariant* answer = g_dbus_connection_call_sync(
-        bus, identifier.c_str(), path.c_str(), "org.freedesktop.Application", "Activate",
-        g_variant_new("(a{sv})", nullptr), nullptr, G_DBUS_CALL_FLAGS_NO_AUTO_START, kPatienceMs,
-        nullptr, nullptr);
+        bus.get(), identifier.c_str(), path.c_str(), "org.freedesktop.Application", "Activate",
+        g_variant_new("(a{sv})", nullptr), nullptr, G_DBUS_CALL_FLAGS_NO_AUTO_START,
+        static_cast<int>(kBusPatience.count()), nullptr, nullptr);
     const bool isDone = answer != nullptr;
     if (isDone)
         g_variant_unref(answer);
-    g_object_unref(bus);
     return isDone;
 }
 

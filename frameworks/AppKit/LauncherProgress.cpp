@@ -4,7 +4,7 @@
 #include "AppKit/ProcessTable.h"
 #include "AppKit/RunningApplications.h"
 #include "AppKit/SessionBus.h"
-#include "CoreFoundation/Descriptor.h"
+#include "CoreFoundation/WholeContent.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -23,7 +23,7 @@ constexpr char kInterface[] = "com.canonical.Unity.LauncherEntry";
 
 // Null where there is none. One for the process: a dock drops what is shown when it is closed.
 GDBusConnection* sessionBus() {
-    static GDBusConnection* const bus = connectToSessionBus();
+    static GDBusConnection* const bus = connectToSessionBus().release();
     return bus;
 }
 
@@ -46,7 +46,7 @@ void emit(double fraction, bool isVisible) {
                                   g_variant_new("(sa{sv})", entry.c_str(), &properties), nullptr);
     // Programs take it away and end: it would be lost with the thread that sends it.
     if (!isVisible)
-        g_dbus_connection_flush_sync(bus, nullptr, nullptr);
+        flush(bus);
 }
 
 // A file that is there while progress is shown, with the number of the process. Empty where there
@@ -64,20 +64,19 @@ void mark() {
         return;
     const cf::Descriptor file(
         open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOFOLLOW, 0600));
-    const std::string text = std::to_string(getpid());
     // Without the mark a dock that does not notice the end of programs shows what was last.
-    if (file && write(file.get(), text.data(), text.size()) < 0)
+    if (file && !cf::writeAll(file.get(), std::to_string(getpid())))
         unlink(path.c_str());
 }
 
 // The one that shows progress still runs.
 bool isAlive(const std::string& path) {
     const cf::Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW));
-    char text[16] = {};
-    if (!file || read(file.get(), text, sizeof text - 1) <= 0)
+    const std::string text = file ? cf::readUpTo(file.get(), 15) : "";
+    if (text.empty())
         return false;
     const ProcessTable processes;
-    const pid_t process = atoi(text);
+    const pid_t process = atoi(text.c_str());
     return process != getpid() && processes.program(process) == processes.program(getpid());
 }
 

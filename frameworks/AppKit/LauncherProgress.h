@@ -8,7 +8,7 @@
 namespace appkit {
 
 // Nothing for no progress. Does nothing without a session bus, or where the program has no desktop
-// entry. Thread: any; does not wait for the dock.
+// entry. Thread: any; does not wait for the dock, and a second at most for a bus that is stuck.
 void showLauncherProgress(std::optional<double> fraction);
 
 // Docks take away what is shown for a program when that leaves the bus, or should. To be called at

@@ -8,6 +8,7 @@
 #include "AppKit/MoveItem.h"
 #include "CoreFoundation/Descriptor.h"
 #import "Foundation/NSFileManager+Trash.h"
+#include "Foundation/ReplaceMethod.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -16,12 +17,11 @@
 #include <string>
 #include <unistd.h>
 
-using cf::Descriptor;
 using appkit::Place;
 
 namespace {
 
-using Copy = BOOL (*)(id, SEL, NSString*, NSString*, NSError**);
+using Copy = BOOL (*)(NSFileManager*, SEL, NSString*, NSString*, NSError**);
 
 Copy copyOfGNUstep = nullptr;
 
@@ -108,10 +108,8 @@ BOOL copyItem(NSFileManager* self, SEL selector, NSString* from, NSString* to, N
 @implementation ULACopies
 
 + (void)load {
-    const Method method = class_getInstanceMethod(objc_getClass("NSFileManager"),
-                                                  @selector(copyItemAtPath:toPath:error:));
-    copyOfGNUstep =
-        reinterpret_cast<Copy>(method_setImplementation(method, reinterpret_cast<IMP>(copyItem)));
+    copyOfGNUstep = foundation::replaceInstanceMethod(
+        "NSFileManager", @selector(copyItemAtPath:toPath:error:), copyItem);
 }
 
 @end

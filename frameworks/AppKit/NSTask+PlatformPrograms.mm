@@ -3,6 +3,7 @@
 #import <Foundation/Foundation.h>
 
 #include "AppKit/PlatformPrograms.h"
+#include "Foundation/ReplaceMethod.h"
 
 #include <objc/runtime.h>
 
@@ -53,8 +54,7 @@ void launch(id task, SEL selector) {
     Class const concrete = objc_getClass("NSConcreteUnixTask");
     const Method method = class_getInstanceMethod(
         concrete != Nil ? concrete : objc_getClass("NSTask"), @selector(launch));
-    launchBefore =
-        reinterpret_cast<Launch>(method_setImplementation(method, reinterpret_cast<IMP>(launch)));
+    launchBefore = foundation::replaceMethod(method, launch);
 }
 
 @end

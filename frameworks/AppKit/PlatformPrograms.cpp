@@ -14,7 +14,8 @@ namespace {
 
 constexpr std::string_view kPlace = "/usr/bin/";
 constexpr const char* kPrograms[] = {"hdiutil", "open", "xattr"};
-constexpr std::string_view kBeginners[] = {"!", "{", "do", "elif", "else", "if", "then", "while"};
+constexpr std::string_view kBeginners[] = {"!",  "{",    "do",    "elif", "else",
+                                           "if", "then", "until", "while"};
 
 std::string folderOfPrograms() {
     Dl_info library{};
@@ -57,7 +58,15 @@ private:
         _result += character;
     }
 
+    void passComment() {
+        const size_t end = std::min(_script.find('\n', _at), _script.size());
+        _result += _script.substr(_at, end - _at);
+        _at = end;
+    }
+
     void passWord() {
+        if (_script[_at] == '#')
+            return passComment();
         const size_t begin = _at;
         while (_at < _script.size() && !isWordEnd(_script[_at]))
             passCharacter();

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "AppKit/ProcessTable.h"
 
-#include "CoreFoundation/Descriptor.h"
 #include "CoreFoundation/FolderStream.h"
+#include "CoreFoundation/WholeContent.h"
 
 #include <algorithm>
 #include <cctype>
@@ -22,11 +22,7 @@ namespace {
 // Empty when there is nothing to read, for whatever reason.
 std::string contentOf(const std::string& path) {
     const cf::Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
-    std::string text;
-    char part[4096];
-    for (ssize_t size; file && (size = read(file.get(), part, sizeof part)) > 0;)
-        text.append(part, static_cast<size_t>(size));
-    return text;
+    return file ? cf::readUpTo(file.get(), SIZE_MAX) : "";
 }
 
 std::string linkAt(int folder, const char* path) {

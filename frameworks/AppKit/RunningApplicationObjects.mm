@@ -5,15 +5,15 @@
 
 #include "AppKit/LaunchApplication.h"
 #include "AppKit/ProcessTable.h"
-#include "AppKit/ReplaceWorkspaceMethod.h"
 #include "AppKit/RunningApplications.h"
+#include "Foundation/ReplaceMethod.h"
 
 #include <csignal>
 #include <unistd.h>
 
 using appkit::RunningApplication;
 
-@interface ULRunningApplication : NSRunningApplication {
+@interface ULARunningApplication : NSRunningApplication {
     RunningApplication _application;
 }
 - (id)initWithApplication:(const RunningApplication&)application;
@@ -36,7 +36,7 @@ NSArray* objectsWhere(Condition isWanted) {
     NSMutableArray* list = [NSMutableArray array];
     for (const RunningApplication& application : appkit::runningApplications())
         if (isWanted(application))
-            [list addObject:[[[ULRunningApplication alloc] initWithApplication:application]
+            [list addObject:[[[ULARunningApplication alloc] initWithApplication:application]
                                 autorelease]];
     return list;
 }
@@ -62,24 +62,21 @@ id currentApplication(id self, SEL) {
     return runningApplicationWithProcess(self, nullptr, getpid());
 }
 
-template <class Function>
-void replaceClassMethod(SEL selector, Function function) {
-    Class const applications = objc_getClass("NSRunningApplication");
-    method_setImplementation(class_getClassMethod(applications, selector),
-                             reinterpret_cast<IMP>(function));
-}
-
 }  // namespace
 
-@implementation ULRunningApplication
+@implementation ULARunningApplication
 
 + (void)load {
-    replaceClassMethod(@selector(runningApplicationsWithBundleIdentifier:),
-                       runningApplicationsWithIdentifier);
-    replaceClassMethod(@selector(runningApplicationWithProcessIdentifier:),
-                       runningApplicationWithProcess);
-    replaceClassMethod(@selector(currentApplication), currentApplication);
-    appkit::replaceWorkspaceMethod(@selector(runningApplications), runningApplications);
+    const char* const applications = "NSRunningApplication";
+    foundation::replaceClassMethod(applications,
+                                   @selector(runningApplicationsWithBundleIdentifier:),
+                                   runningApplicationsWithIdentifier);
+    foundation::replaceClassMethod(applications,
+                                   @selector(runningApplicationWithProcessIdentifier:),
+                                   runningApplicationWithProcess);
+    foundation::replaceClassMethod(applications, @selector(currentApplication), currentApplication);
+    foundation::replaceInstanceMethod("NSWorkspace", @selector(runningApplications),
+                                      runningApplications);
 }
 
 - (id)initWithApplication:(const RunningApplication&)application {
@@ -130,9 +127,9 @@ void replaceClassMethod(SEL selector, Function function) {
 }
 
 - (BOOL)isEqual:(id)other {
-    return [other isKindOfClass:[ULRunningApplication class]] &&
+    return [other isKindOfClass:[ULARunningApplication class]] &&
            [other processIdentifier] == _application.process &&
-           static_cast<ULRunningApplication*>(other)->_application.startTicks ==
+           static_cast<ULARunningApplication*>(other)->_application.startTicks ==
                _application.startTicks;
 }
 

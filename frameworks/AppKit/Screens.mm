@@ -6,9 +6,9 @@
 
 #import "AppKit/DisplayScreen.h"
 #include "ApplicationServices/DisplayList.h"
+#include "Foundation/ReplaceMethod.h"
 
 #include <mutex>
-#include <objc/runtime.h>
 
 using displays::DisplayList;
 
@@ -20,10 +20,10 @@ NSArray* screens = nil;
 
 // A display that is as it was keeps its screen, so that those who hold it find it in the list.
 NSScreen* screenOf(const displays::Display& display, int mainHeight) {
-    for (ULDisplayScreen* known in screens)
+    for (ULADisplayScreen* known in screens)
         if ([known display] == display && [known mainHeight] == mainHeight)
             return [[known retain] autorelease];
-    return [[[ULDisplayScreen alloc] initWithDisplay:display mainHeight:mainHeight] autorelease];
+    return [[[ULADisplayScreen alloc] initWithDisplay:display mainHeight:mainHeight] autorelease];
 }
 
 NSArray* screensFrom(const displays::Displays& displays) {
@@ -54,22 +54,16 @@ NSScreen* mainScreen(id, SEL) {
     return [all count] > 0 ? [all objectAtIndex:0] : nil;
 }
 
-template <class Function>
-void replaceClassMethod(SEL selector, Function function) {
-    Method method = class_getClassMethod(objc_getClass("NSScreen"), selector);
-    method_setImplementation(method, reinterpret_cast<IMP>(function));
-}
-
 }  // namespace
 
-@interface ULScreens : NSObject
+@interface ULAScreens : NSObject
 @end
 
-@implementation ULScreens
+@implementation ULAScreens
 
 + (void)load {
-    replaceClassMethod(@selector(screens), currentScreens);
-    replaceClassMethod(@selector(mainScreen), mainScreen);
+    foundation::replaceClassMethod("NSScreen", @selector(screens), currentScreens);
+    foundation::replaceClassMethod("NSScreen", @selector(mainScreen), mainScreen);
 }
 
 @end

@@ -1,21 +1,32 @@
 // SPDX-License-Identifier: MIT
 #include "AppKit/SessionBus.h"
 
-#include <cstdlib>
+#include "CoreServices/Patience.h"
+
 #include <gio/gio.h>
 
 namespace appkit {
 
-GDBusConnection* connectToSessionBus() {
-    // Without it a bus would be started, or be looked for through the display.
-    const char* address = std::getenv("DBUS_SESSION_BUS_ADDRESS");
-    if (address == nullptr || !g_dbus_is_supported_address(address, nullptr))
-        return nullptr;
-    return g_dbus_connection_new_for_address_sync(
-        address,
-        static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
-                                          G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION),
-        nullptr, nullptr, nullptr);
+namespace {
+
+constexpr char kConnecting[] = "session bus";
+constexpr char kSending[] = "session bus: sending";
+
+}  // namespace
+
+coreservices::BusConnection connectToSessionBus() {
+    return coreservices::askPatiently<coreservices::BusConnection>(
+               kConnecting, kBusPatience, [] { return coreservices::connectToSessionBus(); })
+        .value_or(nullptr);
+}
+
+void flush(GDBusConnection* connection) {
+    const std::shared_ptr<GDBusConnection> held(
+        static_cast<GDBusConnection*>(g_object_ref(connection)),
+        coreservices::ReleaseBusConnection());
+    coreservices::runPatiently(kSending, kBusPatience, [held] {
+        g_dbus_connection_flush_sync(held.get(), nullptr, nullptr);
+    });
 }
 
 }  // namespace appkit

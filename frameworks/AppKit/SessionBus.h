@@ -1,12 +1,20 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-typedef struct _GDBusConnection GDBusConnection;
+#include "CoreServices/BusConnection.h"
+
+#include <chrono>
 
 namespace appkit {
 
-// A connection of its own: the one that GIO's users share ends the process when the bus goes.
-// Owner: the caller. Fails: null, where the session has no bus or it does not answer.
-GDBusConnection* connectToSessionBus();
+// How long the session's bus is waited for: many times what one that is well takes.
+constexpr std::chrono::milliseconds kBusPatience(1000);
+
+// Fails: null, where the session has no bus or it does not answer in time.
+coreservices::BusConnection connectToSessionBus();
+
+// Waits until what was sent has left, or the bus shows that it takes nothing. Returns at once where
+// an earlier call waits still.
+void flush(GDBusConnection* connection);
 
 }  // namespace appkit

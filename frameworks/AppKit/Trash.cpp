@@ -4,6 +4,8 @@
 #include "AppKit/MoveItem.h"
 #include "AppKit/TrashFolder.h"
 #include "CoreFoundation/Descriptor.h"
+#include "CoreFoundation/DescriptorPath.h"
+#include "CoreServices/MountLookup.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -82,7 +84,7 @@ int findItem(const std::string& path, ItemPlace* place) {
     place->folder = cf::Descriptor(open(folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
     if (!place->folder)
         return errno;
-    place->item = {place->folder.get(), leaf, pathOf(place->folder.get())};
+    place->item = {place->folder.get(), leaf, cf::pathOfDescriptor(place->folder.get())};
     place->item.path += place->item.path == "/" ? leaf : "/" + leaf;
     bool known = readInfo(place->item.folder, "", AT_EMPTY_PATH, &place->folderInfo) &&
                  readInfo(place->item.folder, leaf.c_str(), AT_SYMLINK_NOFOLLOW, &place->itemInfo);
@@ -103,9 +105,10 @@ bool hasFolder(const std::string& path, const std::string& folder) {
 // A trash folder of the user's, what is in one, and what the home trash is in.
 bool touchesTrash(const std::string& path, const TrashPlaces& places) {
     const std::string& home = places.homeTrash;
+    bool touchesHome =
+        !home.empty() && (path == home || isWithin(path, home) || isWithin(home, path));
     std::string user = std::to_string(places.user);
-    return path == home || isWithin(path, home) || isWithin(home, path) ||
-           hasFolder(path, "/.Trash-" + user) || hasFolder(path, "/.Trash/" + user);
+    return touchesHome || hasFolder(path, "/.Trash-" + user) || hasFolder(path, "/.Trash/" + user);
 }
 
 // What the nearest folder of a path that exists is on: where the rest would be made.
@@ -123,9 +126,10 @@ std::optional<struct stat> deviceOf(std::string path) {
 std::optional<coreservices::Mount> mountOf(const struct statx& info) {
     if ((info.stx_mask & STATX_MNT_ID) == 0)
         return std::nullopt;
-    for (coreservices::Mount& mount : coreservices::parseMountInfo(coreservices::readMountInfo()))
+    const coreservices::MountList mounts = coreservices::currentMounts();
+    for (const coreservices::Mount& mount : *mounts)
         if (mount.id == info.stx_mnt_id)
-            return std::move(mount);
+            return mount;
     return std::nullopt;
 }
 
@@ -170,6 +174,18 @@ TrashOutcome moveToTrash(const std::string& path, const TrashPlaces& places) {
             return outcome;
     }
     return putIntoTop(place, places);
+}
+
+bool recycle(const std::vector<std::string>& paths) noexcept {
+    try {
+        bool all = true;
+        const TrashPlaces places = TrashPlaces::ofProcess();
+        for (const std::string& path : paths)
+            all = moveToTrash(path, places).done() && all;
+        return all;
+    } catch (...) {
+        return false;
+    }
 }
 
 std::string TrashOutcome::explanation() const {

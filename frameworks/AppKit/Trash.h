@@ -50,7 +50,7 @@ struct TrashOutcome {
 
 // What the trash depends on outside the items themselves.
 struct TrashPlaces {
-    std::string homeTrash;  // the user's trash folder; need not exist
+    std::string homeTrash;  // the user's trash folder; need not exist; empty for none
     uid_t user = 0;
     // Whether a trash folder may be put on a file system that is not the home trash's.
     std::function<bool(const coreservices::Mount&)> mayHoldTrash;

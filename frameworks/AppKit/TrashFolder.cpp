@@ -3,6 +3,8 @@
 
 #include "AppKit/MoveItem.h"
 #include "AppKit/TrashInfo.h"
+#include "CoreFoundation/DescriptorPath.h"
+#include "CoreFoundation/WholeContent.h"
 
 #include <cerrno>
 #include <climits>
@@ -64,29 +66,12 @@ cf::Descriptor openOwn(int top, uid_t user) {
     return own && belongsTo(own.get(), user) ? std::move(own) : cf::Descriptor();
 }
 
-bool writeAll(int file, const std::string& text) {
-    for (size_t done = 0; done < text.size();) {
-        ssize_t written = write(file, text.data() + done, text.size() - done);
-        if (written < 0 && errno != EINTR)
-            return false;
-        done += written > 0 ? static_cast<size_t>(written) : 0;
-    }
-    return true;
-}
-
 size_t longestName(int folder) {
     long length = fpathconf(folder, _PC_NAME_MAX);
     return length > 0 ? static_cast<size_t>(length) : NAME_MAX;
 }
 
 }  // namespace
-
-std::string pathOf(int descriptor) {
-    char path[PATH_MAX];
-    std::string link = "/proc/self/fd/" + std::to_string(descriptor);
-    ssize_t length = readlink(link.c_str(), path, sizeof path);
-    return length > 0 ? std::string(path, static_cast<size_t>(length)) : std::string();
-}
 
 TrashFolder::TrashFolder(cf::Descriptor folder, std::string path, std::string top)
     : _path(std::move(path)),
@@ -100,7 +85,7 @@ std::optional<TrashFolder> TrashFolder::open(cf::Descriptor folder, std::string 
     *error = errno;
     if (!folder)
         return std::nullopt;
-    std::string path = pathOf(folder.get());
+    std::string path = cf::pathOfDescriptor(folder.get());
     TrashFolder trash(std::move(folder), std::move(path), std::move(top));
     *error = errno;
     if (!trash._files || !trash._info)
@@ -156,7 +141,7 @@ int TrashFolder::writeInfo(const std::string& name, const std::string& text) con
     if (!file)
         return errno;
     // Some file systems tell of a full disk only when the file is closed.
-    if (writeAll(file.get(), text) && ::close(file.release()) == 0)
+    if (cf::writeAll(file.get(), text) && ::close(file.release()) == 0)
         return 0;
     int error = errno;
     unlinkat(_info.get(), name.c_str(), 0);

@@ -51,7 +51,4 @@ private:
     cf::Descriptor _info;
 };
 
-// The path a descriptor stands for. Fails: empty.
-std::string pathOf(int descriptor);
-
 }  // namespace appkit

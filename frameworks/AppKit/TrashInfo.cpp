@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "AppKit/TrashInfo.h"
 
-#include "CoreFoundation/PercentDecoded.h"
+#include "CoreFoundation/PercentEscapes.h"
 
 #include <algorithm>
-#include <cstring>
 #include <random>
 
 namespace appkit {
@@ -13,27 +12,6 @@ namespace {
 
 constexpr unsigned kNumberedAttempts = 32;
 constexpr size_t kLongestExtension = 24;
-
-bool isLiteral(char c) {
-    bool letter = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
-    return letter || (c >= '0' && c <= '9') || (c != '\0' && std::strchr("-._~/", c) != nullptr);
-}
-
-std::string percentEncoded(std::string_view path) {
-    constexpr char digits[] = "0123456789ABCDEF";
-    std::string encoded;
-    for (char c : path) {
-        if (isLiteral(c)) {
-            encoded += c;
-            continue;
-        }
-        auto byte = static_cast<unsigned char>(c);
-        encoded += '%';
-        encoded += digits[byte >> 4];
-        encoded += digits[byte & 15];
-    }
-    return encoded;
-}
 
 // The dot of a dot file begins no extension.
 size_t extensionStart(std::string_view leaf) {
@@ -71,7 +49,7 @@ std::string trashInfoText(std::string_view originalPath, std::time_t when) {
     localtime_r(&when, &local);
     char date[32];
     size_t length = std::strftime(date, sizeof date, "%Y-%m-%dT%H:%M:%S", &local);
-    return "[Trash Info]\nPath=" + percentEncoded(originalPath) +
+    return "[Trash Info]\nPath=" + cf::percentEncoded(originalPath) +
            "\nDeletionDate=" + std::string(date, length) + "\n";
 }
 

@@ -60,16 +60,4 @@ TrashPlaces TrashPlaces::ofProcess() {
     return {homeTrashPath(), geteuid(), isForUsers, [] { return std::time(nullptr); }};
 }
 
-bool recycle(const std::vector<std::string>& paths) noexcept {
-    try {
-        bool all = true;
-        const TrashPlaces places = TrashPlaces::ofProcess();
-        for (const std::string& path : paths)
-            all = moveToTrash(path, places).done() && all;
-        return all;
-    } catch (...) {
-        return false;
-    }
-}
-
 }  // namespace appkit

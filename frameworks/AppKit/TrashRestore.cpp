@@ -70,7 +70,9 @@ int copyBack(const Place& from, const Place& to) {
         removeItem(temporary);
         return error;
     }
-    return removeItem(from);
+    // It is back; what cannot be taken from the trash now is there twice.
+    removeItem(from);
+    return 0;
 }
 
 // Looks whether the item in the trash is the one the receipt tells of.

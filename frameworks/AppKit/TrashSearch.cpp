@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "AppKit/Trash.h"
 #include "AppKit/TrashInfo.h"
+#include "CoreServices/MountLookup.h"
 
 #include <algorithm>
 #include <fcntl.h>
@@ -46,9 +47,12 @@ bool isOwnFolder(const std::string& path, uid_t user) {
 }
 
 std::vector<TrashToSearch> trashesFor(const std::string& path, const TrashPlaces& places) {
-    std::vector<TrashToSearch> trashes{{places.homeTrash, ""}};
+    std::vector<TrashToSearch> trashes;
+    if (!places.homeTrash.empty())
+        trashes.push_back({places.homeTrash, ""});
     std::string user = std::to_string(places.user);
-    for (const auto& mount : coreservices::parseMountInfo(coreservices::readMountInfo())) {
+    const coreservices::MountList mounts = coreservices::currentMounts();
+    for (const coreservices::Mount& mount : *mounts) {
         std::string top = mount.point == "/" ? "/" : mount.point + "/";
         if (path.compare(0, top.size(), top) != 0 || !places.mayHoldTrash(mount))
             continue;

@@ -6,6 +6,7 @@
 #import <GNUstepGUI/GSDisplayServer.h>
 
 #include "ApplicationServices/DisplayList.h"
+#include "Foundation/ReplaceMethod.h"
 
 #include <objc/runtime.h>
 
@@ -89,8 +90,7 @@ template <class Function>
 void replace(Class type, const char* name, Function ours, Function& theirs) {
     Method const method = class_getInstanceMethod(type, sel_registerName(name));
     if (method != nullptr && theirs == nullptr)
-        theirs = reinterpret_cast<Function>(
-            method_setImplementation(method, reinterpret_cast<IMP>(ours)));
+        theirs = foundation::replaceMethod(method, ours);
 }
 
 // The server comes with a bundle that is loaded with the first application object.
@@ -109,16 +109,14 @@ void chooseAndMend(id self, SEL selector, Class type) {
 
 }  // namespace
 
-@interface ULWindowPlaces : NSObject
+@interface ULAWindowPlaces : NSObject
 @end
 
-@implementation ULWindowPlaces
+@implementation ULAWindowPlaces
 
 + (void)load {
-    Method const method =
-        class_getClassMethod(objc_getClass("GSDisplayServer"), @selector(setDefaultServerClass:));
-    chooseServerClass = reinterpret_cast<ServerClassChoice>(
-        method_setImplementation(method, reinterpret_cast<IMP>(chooseAndMend)));
+    chooseServerClass = foundation::replaceClassMethod(
+        "GSDisplayServer", @selector(setDefaultServerClass:), chooseAndMend);
 }
 
 @end

@@ -4,8 +4,8 @@
 #import <AppKit/AppKit.h>
 
 #include "AppKit/LaunchApplication.h"
-#include "AppKit/ReplaceWorkspaceMethod.h"
 #include "AppKit/RunningApplications.h"
+#include "Foundation/ReplaceMethod.h"
 
 using appkit::RunningApplication;
 
@@ -47,15 +47,16 @@ BOOL launchApplication(id self, SEL command, NSString* name) {
 
 }  // namespace
 
-@interface ULWorkspaceApplications : NSObject
+@interface ULAWorkspaceApplications : NSObject
 @end
 
-@implementation ULWorkspaceApplications
+@implementation ULAWorkspaceApplications
 
 + (void)load {
-    appkit::replaceWorkspaceMethod(@selector(launchedApplications), launchedApplications);
-    originalLaunchApplication =
-        appkit::replaceWorkspaceMethod(@selector(launchApplication:), launchApplication);
+    foundation::replaceInstanceMethod("NSWorkspace", @selector(launchedApplications),
+                                      launchedApplications);
+    originalLaunchApplication = foundation::replaceInstanceMethod(
+        "NSWorkspace", @selector(launchApplication:), launchApplication);
 }
 
 @end

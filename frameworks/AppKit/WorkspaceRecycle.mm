@@ -5,8 +5,7 @@
 #import <Foundation/Foundation.h>
 
 #include "AppKit/Trash.h"
-
-#include <objc/runtime.h>
+#include "Foundation/ReplaceMethod.h"
 
 namespace {
 
@@ -50,17 +49,15 @@ BOOL performFileOperation(id self, SEL command, NSString* operation, NSString* s
 
 }  // namespace
 
-@interface ULWorkspaceRecycle : NSObject
+@interface ULAWorkspaceRecycle : NSObject
 @end
 
-@implementation ULWorkspaceRecycle
+@implementation ULAWorkspaceRecycle
 
-// Looked up, not sent a message: that would initialize the workspace before the program has begun.
 + (void)load {
-    SEL selector = @selector(performFileOperation:source:destination:files:tag:);
-    Method method = class_getInstanceMethod(objc_getClass("NSWorkspace"), selector);
-    originalPerform = reinterpret_cast<PerformFileOperation>(
-        method_setImplementation(method, reinterpret_cast<IMP>(performFileOperation)));
+    originalPerform = foundation::replaceInstanceMethod(
+        "NSWorkspace", @selector(performFileOperation:source:destination:files:tag:),
+        performFileOperation);
 }
 
 @end

@@ -3,13 +3,13 @@
 // does so from the moment that somebody first asks for it, on the main run loop.
 #import <AppKit/AppKit.h>
 
-#include "AppKit/ReplaceWorkspaceMethod.h"
 #include "AppKit/ToldVolumes.h"
 #include "AppKit/VolumeNotifications.h"
 #include "AppKit/VolumeWatch.h"
 #include "CoreFoundation/AutoreleasePool.h"
 #include "CoreFoundation/RunLoopDescriptor.h"
 #include "CoreServices/MountSerials.h"
+#include "Foundation/ReplaceMethod.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -213,14 +213,14 @@ const std::vector<std::string>* volumesBeingTold() {
 
 }  // namespace appkit
 
-@interface ULWorkspaceVolumeNotifications : NSObject
+@interface ULAWorkspaceVolumeNotifications : NSObject
 @end
 
-@implementation ULWorkspaceVolumeNotifications
+@implementation ULAWorkspaceVolumeNotifications
 
 + (void)load {
-    originalNotificationCenter =
-        appkit::replaceWorkspaceMethod(@selector(notificationCenter), notificationCenter);
+    originalNotificationCenter = foundation::replaceInstanceMethod(
+        "NSWorkspace", @selector(notificationCenter), notificationCenter);
 }
 
 @end

@@ -6,9 +6,9 @@
 
 #include "AppKit/IconPixels.h"
 #include "AppKit/IconTheme.h"
-#include "AppKit/ReplaceWorkspaceMethod.h"
 #include "AppKit/VolumeFacts.h"
 #include "AppKit/VolumeNotifications.h"
+#include "Foundation/ReplaceMethod.h"
 
 #include <cstring>
 #include <map>
@@ -115,15 +115,18 @@ BOOL getFileSystemInfo(id, SEL, NSString* path, BOOL* removable, BOOL* writable,
 
 }  // namespace
 
-@interface ULWorkspaceVolumes : NSObject
+@interface ULAWorkspaceVolumes : NSObject
 @end
 
-@implementation ULWorkspaceVolumes
+@implementation ULAWorkspaceVolumes
 
 + (void)load {
-    originalIconForFile = appkit::replaceWorkspaceMethod(@selector(iconForFile:), iconForFile);
-    appkit::replaceWorkspaceMethod(@selector(mountedLocalVolumePaths), mountedLocalVolumePaths);
-    appkit::replaceWorkspaceMethod(
+    originalIconForFile =
+        foundation::replaceInstanceMethod("NSWorkspace", @selector(iconForFile:), iconForFile);
+    foundation::replaceInstanceMethod("NSWorkspace", @selector(mountedLocalVolumePaths),
+                                      mountedLocalVolumePaths);
+    foundation::replaceInstanceMethod(
+        "NSWorkspace",
         @selector(getFileSystemInfoForPath:isRemovable:isWritable:isUnmountable:description:type:),
         getFileSystemInfo);
 }

@@ -43,14 +43,6 @@ std::uint32_t flagsOf(const Display* before, const Display& now) {
 
 }  // namespace
 
-Area intersection(const Area& first, const Area& second) {
-    const int left = std::max(first.x, second.x);
-    const int top = std::max(first.y, second.y);
-    const int right = std::min(first.x + first.width, second.x + second.width);
-    const int bottom = std::min(first.y + first.height, second.y + second.height);
-    return {left, top, std::max(0, right - left), std::max(0, bottom - top)};
-}
-
 std::vector<Change> changesBetween(const Displays& before, const Displays& after) {
     std::vector<Change> changes;
     for (const Display& display : before)

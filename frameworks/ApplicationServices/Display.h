@@ -19,8 +19,6 @@ struct Area {
     friend bool operator==(const Area&, const Area&) = default;
 };
 
-Area intersection(const Area& first, const Area& second);
-
 // One attached display, as the server describes it. Areas count from the upper left corner of the
 // main display.
 struct Display {

@@ -11,6 +11,14 @@ std::int64_t sizeOf(const Area& area) {
     return std::int64_t{area.width} * area.height;
 }
 
+Area intersection(const Area& first, const Area& second) {
+    const int left = std::max(first.x, second.x);
+    const int top = std::max(first.y, second.y);
+    const int right = std::min(first.x + first.width, second.x + second.width);
+    const int bottom = std::min(first.y + first.height, second.y + second.height);
+    return {left, top, std::max(0, right - left), std::max(0, bottom - top)};
+}
+
 // The one that covers most of the frame, cut to it; empty when none does.
 Area bestOf(const std::vector<Area>& areas, const Area& frame) {
     Area best;

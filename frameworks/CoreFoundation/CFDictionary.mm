@@ -3,7 +3,6 @@
 
 #include <CoreFoundation/CFDictionary.h>
 #include <CoreFoundation/CFString.h>
-#include <vector>
 
 namespace {
 

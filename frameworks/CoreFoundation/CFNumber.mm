@@ -53,6 +53,20 @@ T nearest(long long value) {
     return static_cast<T>(value);
 }
 
+// One that no signed number can be.
+bool isAboveSigned(NSNumber* value) {
+    const char kind = [value objCType][0];
+    return (kind == 'Q' || kind == 'L') &&
+           [value unsignedLongLongValue] > std::numeric_limits<long long>::max();
+}
+
+template <class T>
+T nearest(unsigned long long value) {
+    if constexpr (std::is_integral_v<T>)
+        return std::numeric_limits<T>::max();
+    return static_cast<T>(value);
+}
+
 template <class T>
 bool store(NSNumber* source, void* target) {
     T stored{};
@@ -61,6 +75,10 @@ bool store(NSNumber* source, void* target) {
         double value = [source doubleValue];
         stored = nearest<T>(value);
         exact = static_cast<double>(stored) == value || (value != value && !std::is_integral_v<T>);
+    } else if (isAboveSigned(source)) {
+        unsigned long long value = [source unsignedLongLongValue];
+        stored = nearest<T>(value);
+        exact = static_cast<long double>(stored) == static_cast<long double>(value);
     } else {
         long long value = [source longLongValue];
         stored = nearest<T>(value);

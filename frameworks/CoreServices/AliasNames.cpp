@@ -2,6 +2,8 @@
 #include "CoreServices/AliasNames.h"
 
 #include "CoreServices/AliasPlaces.h"
+#include "CoreServices/MountLookup.h"
+#include "CoreServices/VolumeLinks.h"
 #include "CoreServices/Volumes.h"
 
 #include <algorithm>
@@ -31,14 +33,14 @@ HFSUniStr255 hfsName(std::string_view name) {
 }
 
 std::string volumeNameOf(const std::string& path) {
-    std::vector<Mount> mounts = parseMountInfo(readMountInfo());
-    std::vector<std::string> points = volumePoints(mounts, "/Volumes");
+    const MountList mounts = currentMounts();
+    std::vector<std::string> points = volumePoints(*mounts, kVolumesFolder);
     std::string volume = "/";
     for (const std::string& point : points)
         if (path.compare(0, point.size(), point) == 0 && point.size() > volume.size() &&
             (path.size() == point.size() || path[point.size()] == '/'))
             volume = point;
-    for (const VolumeEntry& entry : Volumes().list(mounts))
+    for (const VolumeEntry& entry : Volumes().list(*mounts))
         if (entry.target == volume)
             return entry.name;
     return volume;

@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "CoreServices/Aliases.h"
 
+#include "CoreFoundation/Guarded.h"
 #include "CoreServices/AliasNames.h"
 #include "CoreServices/AliasResolver.h"
 #include "CoreServices/Finder.h"
 
 #include <cerrno>
 #include <cstring>
-#include <new>
+#include <memory>
 #include <sys/stat.h>
 #include <type_traits>
 
@@ -85,31 +86,30 @@ void copyInfo(const AliasRecord& record, FSAliasInfoBitmap* whichInfo, FSAliasIn
     info->isDirectory = record.isFolder;
 }
 
-}  // namespace
-
-OSErr FSNewAliasMinimal(const FSRef* target, AliasHandle* inAlias) {
-    if (inAlias == nullptr)
-        return paramErr;
-    *inAlias = nullptr;
-    if (target == nullptr || pathOf(*target)[0] != '/')
-        return paramErr;
+OSErr makeAlias(const char* path, AliasHandle* made) {
     struct stat info;
-    if (lstat(pathOf(*target), &info) != 0)
+    if (lstat(path, &info) != 0)
         return errorOf(errno);
-    auto* block = new (std::nothrow) Block;
-    if (block == nullptr)
-        return memFullErr;
+    auto block = std::make_unique<Block>();
     block->master = &block->record;
-    fill(block->record, pathOf(*target), info.st_mode);
-    *inAlias = &block->master;
+    fill(block->record, path, info.st_mode);
+    *made = &block.release()->master;
     return noErr;
 }
 
-OSStatus FSCopyAliasInfo(AliasHandle inAlias, HFSUniStr255* targetName, HFSUniStr255* volumeName,
-                         CFStringRef* pathString, FSAliasInfoBitmap* whichInfo, FSAliasInfo* info) {
-    if (inAlias == nullptr || *inAlias == nullptr)
-        return paramErr;
-    const AliasRecord& record = **inAlias;
+OSErr resolve(FSRef& reference, Chains chains, Mounting mounting, Boolean* isFolder,
+              Boolean* wasAliased) {
+    ResolvedAlias alias =
+        resolveAlias(pathOf(reference), chains, mounting, AliasPlaces::ofProcess());
+    *wasAliased = alias.wasAliased;
+    *isFolder = alias.isFolder;
+    if (alias.resolution == Resolution::Found && !setPath(reference, alias.path))
+        return bdNamErr;
+    return errorOf(alias.resolution);
+}
+
+void copyNames(const AliasRecord& record, HFSUniStr255* targetName, HFSUniStr255* volumeName,
+               CFStringRef* pathString) {
     if (targetName != nullptr)
         *targetName = hfsName(record.path.substr(record.path.rfind('/') + 1));
     if (volumeName != nullptr)
@@ -118,8 +118,29 @@ OSStatus FSCopyAliasInfo(AliasHandle inAlias, HFSUniStr255* targetName, HFSUniSt
         *pathString = CFStringCreateWithBytes(
             kCFAllocatorDefault, reinterpret_cast<const UInt8*>(record.path.data()),
             static_cast<CFIndex>(record.path.size()), kCFStringEncodingUTF8, false);
-    copyInfo(record, whichInfo, info);
-    return noErr;
+}
+
+}  // namespace
+
+OSErr FSNewAliasMinimal(const FSRef* target, AliasHandle* inAlias) {
+    if (inAlias == nullptr)
+        return paramErr;
+    *inAlias = nullptr;
+    if (target == nullptr || pathOf(*target)[0] != '/')
+        return paramErr;
+    return cf::guarded<OSErr>(memFullErr, ioErr,
+                              [&] { return makeAlias(pathOf(*target), inAlias); });
+}
+
+OSStatus FSCopyAliasInfo(AliasHandle inAlias, HFSUniStr255* targetName, HFSUniStr255* volumeName,
+                         CFStringRef* pathString, FSAliasInfoBitmap* whichInfo, FSAliasInfo* info) {
+    if (inAlias == nullptr || *inAlias == nullptr)
+        return paramErr;
+    return cf::guarded<OSStatus>(memFullErr, ioErr, [&]() -> OSStatus {
+        copyNames(**inAlias, targetName, volumeName, pathString);
+        copyInfo(**inAlias, whichInfo, info);
+        return noErr;
+    });
 }
 
 OSErr FSResolveAliasFileWithMountFlags(FSRef* theRef, Boolean resolveAliasChains,
@@ -129,14 +150,11 @@ OSErr FSResolveAliasFileWithMountFlags(FSRef* theRef, Boolean resolveAliasChains
         pathOf(*theRef)[0] != '/')
         return paramErr;
     bool quiet = (mountFlags & kResolveAliasFileNoUI) != 0;
-    ResolvedAlias alias =
-        resolveAlias(pathOf(*theRef), resolveAliasChains ? Chains::Follow : Chains::OneStep,
-                     quiet ? Mounting::Never : Mounting::IfNeeded, AliasPlaces::ofProcess());
-    *wasAliased = alias.wasAliased;
-    *targetIsFolder = alias.isFolder;
-    if (alias.resolution == Resolution::Found && !setPath(*theRef, alias.path))
-        return bdNamErr;
-    return errorOf(alias.resolution);
+    const Mounting mounting = quiet ? Mounting::Never : Mounting::IfNeeded;
+    const Chains chains = resolveAliasChains ? Chains::Follow : Chains::OneStep;
+    return cf::guarded<OSErr>(memFullErr, ioErr, [&] {
+        return resolve(*theRef, chains, mounting, targetIsFolder, wasAliased);
+    });
 }
 
 OSErr FSResolveAliasFile(FSRef* theRef, Boolean resolveAliasChains, Boolean* targetIsFolder,

@@ -15,7 +15,6 @@ class ByteReader {
 public:
     ByteReader(std::string_view bytes, ByteOrder order) : _bytes(bytes), _order(order) {}
 
-    size_t size() const { return _bytes.size(); }
     bool has(size_t offset, size_t length) const {
         return offset <= _bytes.size() && length <= _bytes.size() - offset;
     }

@@ -65,7 +65,7 @@ public:
         return s_ofProcess.load(std::memory_order_acquire);
     }
 
-    // False when this ICU's keys are not made as SortKeyWriter makes them, or its rules (backward
+    // False when this ICU's keys are not made as fastSortKey makes them, or its rules (backward
     // second level) are not of the simple kind: then nothing but ICU is to be used.
     bool usable() const { return _usable; }
 

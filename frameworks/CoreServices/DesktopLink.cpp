@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "CoreServices/DesktopLink.h"
 
-#include "CoreFoundation/PercentDecoded.h"
+#include "CoreFoundation/PercentEscapes.h"
 
 #include <algorithm>
 #include <cctype>
@@ -18,10 +18,6 @@ constexpr std::string_view kNetworkSchemes[] = {"afp",  "dav", "davs", "davs+sd"
 constexpr std::string_view kFolderIcons[] = {"folder",       "inode-directory", "user-home",
                                              "user-desktop", "gtk-directory",   "stock_folder"};
 constexpr std::string_view kDiskIcons[] = {"drive-", "media-", "gnome-dev-", "network-server"};
-
-bool startsWith(std::string_view text, std::string_view start) {
-    return text.substr(0, start.size()) == start;
-}
 
 std::string_view trimmed(std::string_view text) {
     size_t first = text.find_first_not_of(" \t\r");
@@ -114,7 +110,7 @@ Entry readEntry(std::string_view text) {
 template <size_t Count>
 bool startsWithAny(std::string_view text, const std::string_view (&starts)[Count]) {
     return std::any_of(std::begin(starts), std::end(starts),
-                       [text](std::string_view start) { return startsWith(text, start); });
+                       [text](std::string_view start) { return text.starts_with(start); });
 }
 
 AliasKind hintOf(const Entry& entry, bool onNetwork) {
@@ -143,7 +139,7 @@ bool isNetworkPlace(std::string_view url) {
     std::string scheme = schemeOf(url);
     bool known = std::find(std::begin(kNetworkSchemes), std::end(kNetworkSchemes), scheme) !=
                  std::end(kNetworkSchemes);
-    return known && startsWith(url.substr(scheme.size()), "://") &&
+    return known && url.substr(scheme.size()).starts_with("://") &&
            url.size() > scheme.size() + 3 && url.find('\0') == std::string_view::npos;
 }
 
@@ -160,7 +156,7 @@ std::string localPath(std::string_view url) {
     std::string path(url);
     if (schemeOf(url) == "file") {
         std::string_view rest = url.substr(5);
-        if (startsWith(rest, "//")) {
+        if (rest.starts_with("//")) {
             size_t slash = std::min(rest.find('/', 2), rest.size());
             if (!isThisHost(rest.substr(2, slash - 2)))
                 return {};

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "CoreServices/FSEvents.h"
 
+#include "CoreFoundation/Guarded.h"
 #include "FSEvents/EventCollector.h"
 
 #include <string>
@@ -44,15 +45,17 @@ FSEventStreamRef FSEventStreamCreate(CFAllocatorRef, FSEventStreamCallback callb
                                      FSEventStreamContext* context, CFArrayRef pathsToWatch,
                                      FSEventStreamEventId sinceWhen, CFTimeInterval latency,
                                      FSEventStreamCreateFlags flags) {
-    const FSEventStreamContext none{};
-    const FSEventStreamContext& given = context != nullptr ? *context : none;
+    const FSEventStreamContext given = context != nullptr ? *context : FSEventStreamContext{};
     if (callback == nullptr || given.version != 0 || pathsToWatch == nullptr)
         return nullptr;
-    std::vector<std::string> roots = rootsOf(pathsToWatch);
-    if (roots.empty())
-        return nullptr;
-    return (new EventStream(callback, given, std::move(roots), sinceWhen, latency, flags))
-        ->reference();
+    const FSEventStreamRef none = nullptr;
+    return cf::guarded(none, none, [&]() -> FSEventStreamRef {
+        std::vector<std::string> roots = rootsOf(pathsToWatch);
+        if (roots.empty())
+            return nullptr;
+        return (new EventStream(callback, given, std::move(roots), sinceWhen, latency, flags))
+            ->reference();
+    });
 }
 
 void FSEventStreamRetain(FSEventStreamRef stream) {
@@ -76,7 +79,8 @@ void FSEventStreamUnscheduleFromRunLoop(FSEventStreamRef stream, CFRunLoopRef ru
 }
 
 Boolean FSEventStreamStart(FSEventStreamRef stream) {
-    return EventCollector::ofProcess().start(EventStream::of(stream));
+    return cf::guarded(false, false,
+                       [&] { return EventCollector::ofProcess().start(EventStream::of(stream)); });
 }
 
 void FSEventStreamStop(FSEventStreamRef stream) {

@@ -2,10 +2,11 @@
 #include "CoreServices/FolderListing.h"
 
 #include "CoreFoundation/Descriptor.h"
+#include "CoreFoundation/DescriptorPath.h"
 #include "CoreServices/AccessRights.h"
 #include "CoreServices/AliasFile.h"
 #include "CoreServices/HiddenNames.h"
-#include "CoreServices/MountInfo.h"
+#include "CoreServices/MountLookup.h"
 #include "CoreServices/Patience.h"
 #include "CoreServices/StallingMount.h"
 #include "CoreServices/VolumeLinks.h"
@@ -20,6 +21,7 @@
 #include <optional>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 #include <vector>
 
 namespace coreservices {
@@ -36,16 +38,7 @@ constexpr std::chrono::milliseconds kPatience(2000);
 // Pipes and the like have names that are no paths, and what was removed has none any more.
 bool isPath(std::string_view name) {
     constexpr std::string_view kRemoved = " (deleted)";
-    return name.substr(0, 1) == "/" && (name.size() < kRemoved.size() ||
-                                        name.substr(name.size() - kRemoved.size()) != kRemoved);
-}
-
-// The system's own name of what is open, without links.
-std::string pathOfDescriptor(int descriptor) {
-    char path[PATH_MAX];
-    const std::string link = "/proc/self/fd/" + std::to_string(descriptor);
-    const ssize_t length = readlink(link.c_str(), path, sizeof path);
-    return length > 0 ? std::string(path, static_cast<std::size_t>(length)) : std::string();
+    return name.starts_with('/') && !name.ends_with(kRemoved);
 }
 
 uint64_t mountOf(int descriptor) {
@@ -91,16 +84,15 @@ std::optional<ItemType> ordinaryType(const std::string& folder, std::string_view
 }  // namespace
 
 struct FolderListing::Folder {
-    Folder(const std::string& path_, int descriptor_)
+    Folder(const std::string& path_, cf::Descriptor opened)
         : path(path_),
-          descriptor(descriptor_),
-          mount(mountOf(descriptor_)),
-          rights(descriptor_),
-          hidden(descriptor_) {}
-    ~Folder() { close(descriptor); }
+          descriptor(std::move(opened)),
+          mount(mountOf(descriptor.get())),
+          rights(descriptor.get()),
+          hidden(descriptor.get()) {}
 
     std::string path;
-    int descriptor;
+    cf::Descriptor descriptor;
     uint64_t mount;
     AccessRights rights;
     HiddenNames hidden;
@@ -114,9 +106,9 @@ struct FolderListing::Folder {
 };
 
 FolderListing::FolderListing(const std::string& folder) {
-    const int descriptor = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (descriptor >= 0)
-        _folder = std::make_unique<Folder>(folder, descriptor);
+    cf::Descriptor opened(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (opened)
+        _folder = std::make_unique<Folder>(folder, std::move(opened));
 }
 
 FolderListing::~FolderListing() = default;
@@ -126,7 +118,7 @@ bool FolderListing::fill() {
     const std::size_t wanted =
         folder.entries.empty() ? kFirstRead : std::min(folder.entries.size() * 16, kLargestRead);
     folder.entries.resize(wanted);
-    const ssize_t length = getdents64(folder.descriptor, folder.entries.data(), wanted);
+    const ssize_t length = getdents64(folder.descriptor.get(), folder.entries.data(), wanted);
     folder.position = 0;
     folder.used = length > 0 ? static_cast<std::size_t>(length) : 0;
     return length > 0;
@@ -176,7 +168,8 @@ void FolderListing::lookAtItem(const FolderEntry& entry, EntryFacts& facts) {
     const Folder& folder = *_folder;
     const char* const name = entry.name.data();
     struct statx item;
-    if (statx(folder.descriptor, name, AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT, kWanted, &item) != 0)
+    if (statx(folder.descriptor.get(), name, AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT, kWanted,
+              &item) != 0)
         return;
     const std::optional<ItemType> type = ordinaryType(folder.path, entry.name, item);
     // A folder that was moved away has no place for the folders in it any more.
@@ -197,18 +190,18 @@ void FolderListing::lookAtLink(const FolderEntry& entry, EntryFacts& facts) {
     const char* const name = entry.name.data();
     facts.isOrdinary = true;
     facts.type = ItemType::SymbolicLink;
-    const cf::Descriptor target(openat(folder.descriptor, name, O_PATH | O_CLOEXEC));
+    const cf::Descriptor target(openat(folder.descriptor.get(), name, O_PATH | O_CLOEXEC));
     struct statx item;
     if (target.get() < 0 ||
         statx(target.get(), "", AT_EMPTY_PATH, kWanted | STATX_MNT_ID, &item) != 0)
         return;
     const bool isElsewhere = item.stx_mnt_id != folder.mount;
     facts.isDirectory = S_ISDIR(item.stx_mode);
-    facts.isReadable = isElsewhere ? faccessat(folder.descriptor, name, R_OK, 0) == 0
+    facts.isReadable = isElsewhere ? faccessat(folder.descriptor.get(), name, R_OK, 0) == 0
                                    : folder.rights.isReadable(name, item);
-    facts.isWritable = isElsewhere ? faccessat(folder.descriptor, name, W_OK, 0) == 0
+    facts.isWritable = isElsewhere ? faccessat(folder.descriptor.get(), name, W_OK, 0) == 0
                                    : folder.rights.isWritable(name, item);
-    const std::string path = pathOfDescriptor(target.get());
+    const std::string path = cf::pathOfDescriptor(target.get());
     facts.isOrdinary = isPath(path);
     facts.target = folder.links.name(path);
 }
@@ -217,7 +210,7 @@ void FolderListing::lookAtLink(const FolderEntry& entry, EntryFacts& facts) {
 bool FolderListing::answers(const FolderEntry& entry) {
     Folder& folder = *_folder;
     if (!folder.mounts.has_value()) {
-        folder.mounts = parseMountInfo(readMountInfo());
+        folder.mounts = *currentMounts();
         if (std::none_of(folder.mounts->begin(), folder.mounts->end(), mayStall))
             folder.mounts->clear();
         folder.stallingMount = stallingMountOn(folder.path, *folder.mounts);

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "CoreServices/HiddenNames.h"
 
+#include "CoreFoundation/WholeContent.h"
+
 #include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 namespace coreservices {
 
@@ -15,21 +16,18 @@ std::string contentOf(int file) {
     struct stat item;
     if (fstat(file, &item) != 0 || !S_ISREG(item.st_mode) || item.st_size > kLargestList)
         return {};
-    std::string content(static_cast<std::size_t>(item.st_size), '\0');
-    const ssize_t length = read(file, content.data(), content.size());
-    content.resize(length > 0 ? static_cast<std::size_t>(length) : 0);
-    return content;
+    return cf::readUpTo(file, kLargestList);
 }
 
 }  // namespace
 
 HiddenNames::HiddenNames(int folder) {
     // What pretends to be the list must not make anyone wait.
-    const int file = openat(folder, ".hidden", O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
-    if (file < 0)
+    const cf::Descriptor file(
+        openat(folder, ".hidden", O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
+    if (!file)
         return;
-    const std::string content = contentOf(file);
-    close(file);
+    const std::string content = contentOf(file.get());
     if (!content.empty())
         _lines = "\n" + content + "\n";
 }

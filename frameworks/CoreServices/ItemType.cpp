@@ -2,7 +2,7 @@
 #include "CoreServices/ItemType.h"
 
 #include "CoreServices/AliasFile.h"
-#include "CoreServices/MountInfo.h"
+#include "CoreServices/MountLookup.h"
 #include "CoreServices/VolumeLinks.h"
 #include "CoreServices/Volumes.h"
 
@@ -34,8 +34,7 @@ bool hasExtension(std::string_view name, std::string_view extension) {
 bool isVolumePoint(const std::string& point) {
     if (point == "/")
         return true;
-    const std::vector<std::string> points =
-        volumePoints(parseMountInfo(readMountInfo()), kVolumesFolder);
+    const std::vector<std::string> points = volumePoints(*currentMounts(), kVolumesFolder);
     return std::find(points.begin(), points.end(), point) != points.end();
 }
 

@@ -22,9 +22,6 @@ public:
         return _at;
     }
 
-    // How many bytes reserve() has given, beyond what was asked.
-    size_t room() const { return _left - kReadable; }
-
     const uint8_t* keep(size_t length) {
         const uint8_t* key = _at;
         _at += length;

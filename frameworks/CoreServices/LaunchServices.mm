@@ -2,6 +2,8 @@
 #include <CoreServices/LaunchServices.h>
 
 #include "CoreFoundation/AutoreleasePool.h"
+#include "CoreFoundation/Descriptor.h"
+#include "CoreFoundation/Guarded.h"
 #include "CoreServices/HiddenNames.h"
 #include "CoreServices/ItemType.h"
 
@@ -10,8 +12,8 @@
 #include <fcntl.h>
 #include <gio/gio.h>
 #include <memory>
+#include <optional>
 #include <string>
-#include <unistd.h>
 
 const CFStringRef kLSItemContentType = CFSTR("LSItemContentType");
 const CFStringRef kLSItemIsInvisible = CFSTR("LSItemIsInvisible");
@@ -80,17 +82,31 @@ bool isInvisible(const std::string& path) {
     const std::string name = leafOf(path);
     if (name.front() == '.')
         return true;
-    const int folder = open(parentOf(path).c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC);
-    if (folder < 0)
-        return false;
-    const bool isListed = coreservices::HiddenNames(folder).contains(name);
-    close(folder);
-    return isListed;
+    const cf::Descriptor folder(open(parentOf(path).c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+    return folder && coreservices::HiddenNames(folder.get()).contains(name);
 }
 
 // Null for a name that is no text.
 NSString* displayName(const std::string& path) {
     return [NSString stringWithUTF8String:leafOf(path).c_str()];
+}
+
+OSStatus copyAttributes(const std::string& path, CFArrayRef names, CFDictionaryRef* values) {
+    const std::optional<ItemType> type = coreservices::itemType(path);
+    if (!type.has_value())
+        return fnfErr;
+    NSMutableDictionary* const answers = [NSMutableDictionary dictionaryWithCapacity:3];
+    for (NSString* name in reinterpret_cast<NSArray*>(const_cast<__CFArray*>(names))) {
+        if ([name isEqual:(NSString*)kLSItemContentType])
+            [answers setObject:(NSString*)contentTypeOf(*type, path) forKey:name];
+        else if ([name isEqual:(NSString*)kLSItemIsInvisible])
+            [answers setObject:(NSNumber*)(isInvisible(path) ? kCFBooleanTrue : kCFBooleanFalse)
+                        forKey:name];
+        else if ([name isEqual:(NSString*)kLSItemDisplayName] && displayName(path) != nil)
+            [answers setObject:displayName(path) forKey:name];
+    }
+    *values = reinterpret_cast<CFDictionaryRef>([answers retain]);
+    return noErr;
 }
 
 }  // namespace
@@ -102,20 +118,7 @@ OSStatus LSCopyItemAttributes(const FSRef* item, LSRolesMask, CFArrayRef names,
     if (item == nullptr || names == nullptr || values == nullptr)
         return paramErr;
     const cf::AutoreleasePool pool;
-    const std::string path = coreservices::pathOf(*item);
-    const std::optional<ItemType> type = coreservices::itemType(path);
-    if (!type.has_value())
-        return fnfErr;
-    NSMutableDictionary* const answers = [[NSMutableDictionary alloc] initWithCapacity:3];
-    for (NSString* name in reinterpret_cast<NSArray*>(const_cast<__CFArray*>(names))) {
-        if ([name isEqual:(NSString*)kLSItemContentType])
-            [answers setObject:(NSString*)contentTypeOf(*type, path) forKey:name];
-        else if ([name isEqual:(NSString*)kLSItemIsInvisible])
-            [answers setObject:(NSNumber*)(isInvisible(path) ? kCFBooleanTrue : kCFBooleanFalse)
-                        forKey:name];
-        else if ([name isEqual:(NSString*)kLSItemDisplayName] && displayName(path) != nil)
-            [answers setObject:displayName(path) forKey:name];
-    }
-    *values = reinterpret_cast<CFDictionaryRef>(answers);
-    return noErr;
+    return cf::guarded<OSStatus>(memFullErr, ioErr, [&] {
+        return copyAttributes(coreservices::pathOf(*item), names, values);
+    });
 }

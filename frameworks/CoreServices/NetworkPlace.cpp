@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "CoreServices/NetworkPlace.h"
 
-#include "CoreFoundation/PercentDecoded.h"
+#include "CoreFoundation/PercentEscapes.h"
 
 #include <algorithm>
 #include <cctype>

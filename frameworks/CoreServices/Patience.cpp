@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "CoreServices/Patience.h"
 
+#include "CoreServices/SignalsBlocked.h"
+
 #include <condition_variable>
 #include <mutex>
+#include <pthread.h>
 #include <set>
 #include <system_error>
 #include <thread>
@@ -12,13 +15,26 @@ namespace coreservices {
 namespace {
 
 // Never destroyed: threads left behind outlive the statics.
-struct Overdue {
+class Overdue {
+public:
+    static Overdue& instance() { return *ofProcess(); }
+
     std::mutex mutex;
     std::set<std::string> places;
 
-    static Overdue& instance() {
-        static auto* overdue = new Overdue;
-        return *overdue;
+private:
+    static Overdue*& ofProcess() {
+        static Overdue* overdue = makeFirst();
+        return overdue;
+    }
+
+    // A forked child has none of the threads that were left behind, and its parent's lock may have
+    // been held. It begins anew: to be locked before a fork it would need its turn among all locks
+    // that are held while something is asked.
+    static Overdue* makeFirst() {
+        auto* overdue = new Overdue;
+        pthread_atfork(nullptr, nullptr, [] { ofProcess() = new Overdue; });
+        return overdue;
     }
 };
 
@@ -46,6 +62,7 @@ void perform(const std::shared_ptr<Job>& job) {
 
 bool start(const std::shared_ptr<Job>& job) {
     try {
+        const SignalsBlocked blocked;
         std::thread([job] { perform(job); }).detach();
         return true;
     } catch (const std::system_error&) {

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "CoreServices/RunProgram.h"
 
+#include "CoreServices/SignalsBlocked.h"
+
 #include <cerrno>
 #include <fcntl.h>
 #include <poll.h>
@@ -8,6 +10,7 @@
 #include <spawn.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
+#include <system_error>
 #include <thread>
 #include <unistd.h>
 
@@ -58,6 +61,19 @@ bool reap(pid_t child) {
     return WIFEXITED(status) && WEXITSTATUS(status) == 0;
 }
 
+// It may hang in the kernel, where it cannot be ended now.
+void endLater(pid_t child) {
+    kill(child, SIGKILL);
+    try {
+        const SignalsBlocked blocked;
+        std::thread([child] { reap(child); }).detach();
+    } catch (const std::system_error&) {
+        // Without another thread it is reaped here if it has ended, or stays until this process
+        // ends.
+        waitpid(child, nullptr, WNOHANG);
+    }
+}
+
 }  // namespace
 
 bool runProgram(const std::vector<std::string>& arguments, std::chrono::milliseconds patience) {
@@ -70,9 +86,7 @@ bool runProgram(const std::vector<std::string>& arguments, std::chrono::millisec
         close(process);
     if (ended)
         return reap(child);
-    // It may hang in the kernel, where it cannot be ended now.
-    kill(child, SIGKILL);
-    std::thread([child] { reap(child); }).detach();
+    endLater(child);
     return false;
 }
 

@@ -2,35 +2,27 @@
 #include "CoreServices/StallingMount.h"
 
 #include "CoreServices/MostLinks.h"
+#include "CoreServices/MountLookup.h"
 
 #include <algorithm>
 #include <climits>
-#include <string_view>
 #include <unistd.h>
 
 namespace coreservices {
 
 namespace {
 
-constexpr std::string_view kStallingTypes[] = {"9p",   "afs",  "autofs",    "ceph",  "cifs",
-                                               "coda", "fuse", "fuseblk",   "davfs", "nfs",
-                                               "nfs4", "smb3", "glusterfs", "ncpfs"};
+constexpr std::string_view kNetworkTypes[] = {
+    "9p",        "afs",    "beegfs", "ceph",  "cifs",   "coda",     "davfs",
+    "glusterfs", "lustre", "ncp",    "ncpfs", "nfs",    "nfs4",     "orangefs",
+    "prl_fs",    "pvfs2",  "smb3",   "smbfs", "vboxsf", "virtiofs", "vmhgfs"};
 
-bool isAtOrIn(const std::string& path, const std::string& folder) {
-    if (folder == "/")
-        return true;
-    return path.compare(0, folder.size(), folder) == 0 &&
-           (path.size() == folder.size() || path[folder.size()] == '/');
-}
+// What another process answers for, which may have a server behind it.
+constexpr std::string_view kProcessTypes[] = {"autofs", "fuse", "fuseblk"};
 
-// A later mount on the same point hides the earlier one.
-const Mount* mountAbove(const std::string& path, const std::vector<Mount>& mounts) {
-    const Mount* best = nullptr;
-    for (const Mount& mount : mounts)
-        if (isAtOrIn(path, mount.point) &&
-            (best == nullptr || mount.point.size() >= best->point.size()))
-            best = &mount;
-    return best;
+template <size_t Count>
+bool isIn(const std::string_view (&list)[Count], std::string_view type) {
+    return std::find(std::begin(list), std::end(list), type) != std::end(list);
 }
 
 std::string linkTarget(const std::string& path) {
@@ -49,11 +41,13 @@ std::string takeComponent(std::string& rest) {
 
 }  // namespace
 
+bool isNetworkType(std::string_view type) {
+    return isIn(kNetworkTypes, type);
+}
+
 bool mayStall(const Mount& mount) {
-    std::string_view type = mount.type;
-    return type.substr(0, 5) == "fuse." ||
-           std::find(std::begin(kStallingTypes), std::end(kStallingTypes), type) !=
-               std::end(kStallingTypes);
+    return isNetworkType(mount.type) || isIn(kProcessTypes, mount.type) ||
+           mount.type.starts_with("fuse.");
 }
 
 std::optional<std::string> stallingMountOn(const std::string& path,
@@ -63,7 +57,7 @@ std::optional<std::string> stallingMountOn(const std::string& path,
     std::string done;
     std::string rest = path;
     for (int links = 0;;) {
-        const Mount* mount = mountAbove(done.empty() ? "/" : done, mounts);
+        const Mount* mount = mountCovering(done.empty() ? "/" : done, mounts);
         if (mount != nullptr && mayStall(*mount))
             return mount->point;
         // Nothing is asked of `done` before it is known to answer.

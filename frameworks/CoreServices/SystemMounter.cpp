@@ -5,7 +5,7 @@
 #include "CoreServices/NetworkPlace.h"
 #include "CoreServices/Patience.h"
 #include "CoreServices/RunProgram.h"
-#include "CoreServices/UdisksMount.h"
+#include "CoreServices/UDisksMount.h"
 
 namespace coreservices {
 

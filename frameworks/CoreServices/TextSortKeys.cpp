@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include <CoreServices/TextSortKeys.h>
 
+#include "CoreFoundation/Guarded.h"
 #include "CoreServices/FastSortKey.h"
 #include "CoreServices/KeyArena.h"
 #include "CoreServices/KeySort.h"
@@ -109,12 +110,10 @@ template <typename Function>
 OSStatus withMaker(UCCollateOptions options, Function function) {
     if (!optionsAreKnown(options))
         return kCollateInvalidOptions;
-    try {
+    return cf::guarded<OSStatus>(paramErr, paramErr, [&] {
         KeyMaker maker(options);
         return maker.usable() ? function(maker) : OSStatus{kCollateMissingUnicodeTableErr};
-    } catch (const std::bad_alloc&) {
-        return paramErr;
-    }
+    });
 }
 
 }  // namespace

@@ -28,10 +28,6 @@ std::string parentOf(const std::string& path) {
     return path.substr(0, path.rfind('/'));
 }
 
-bool endsWith(std::string_view text, std::string_view end) {
-    return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
-}
-
 // Names below the folder of nodes may be links to the nodes: "/dev/mapper/backup" to "../dm-0".
 std::string pathOfName(const std::string& name, const Machine& machine) {
     bool isPath = name.substr(0, 5) == "/dev/";
@@ -61,13 +57,9 @@ std::string bottomOf(std::string disk, const Machine& machine) {
 std::string imageBehind(const std::string& disk) {
     constexpr std::string_view gone = " (deleted)";
     std::string image = attribute(disk + "/loop/backing_file");
-    if (endsWith(image, gone))
+    if (image.ends_with(gone))
         image.resize(image.size() - gone.size());
     return image;
-}
-
-bool begins(const std::string& text, std::string_view begin) {
-    return text.compare(0, begin.size(), begin) == 0;
 }
 
 std::string mediaTypeBySize(uint64_t size, const std::string& kind) {
@@ -82,11 +74,11 @@ std::string mediaTypeOf(const BlockDevice& device, const std::string& kind,
     for (const auto& [name, value] : properties) {
         if (value != "1")
             continue;
-        if (begins(name, "ID_CDROM_MEDIA_BD"))
+        if (name.starts_with("ID_CDROM_MEDIA_BD"))
             return "BD-ROM";
-        if (begins(name, "ID_CDROM_MEDIA_DVD") || begins(name, "ID_CDROM_MEDIA_HDDVD"))
+        if (name.starts_with("ID_CDROM_MEDIA_DVD") || name.starts_with("ID_CDROM_MEDIA_HDDVD"))
             return "DVD-ROM";
-        if (begins(name, "ID_CDROM_MEDIA_CD"))
+        if (name.starts_with("ID_CDROM_MEDIA_CD"))
             return "CD-ROM";
     }
     return mediaTypeBySize(device.size, kind);
@@ -94,7 +86,7 @@ std::string mediaTypeOf(const BlockDevice& device, const std::string& kind,
 
 // Scsi device type 5 is the optical drive's.
 bool isOptical(const std::string& disk) {
-    return begins(leafOf(disk), "sr") || attribute(disk + "/device/type") == "5";
+    return leafOf(disk).starts_with("sr") || attribute(disk + "/device/type") == "5";
 }
 
 // "Thunderbolt": a port outside, which the firmware marks.
@@ -114,7 +106,7 @@ void readDevice(BlockDevice& device, const std::string& disk, const Machine& mac
     device.revision = attribute(disk + "/device/rev");
     device.image = imageBehind(disk);
     // Of PCI devices, virtual disks among them, it is a number.
-    if (begins(device.vendor, "0x"))
+    if (device.vendor.starts_with("0x"))
         device.vendor.clear();
     device.hasRemovableMedium = flagAttribute(disk + "/removable") || isOptical(disk) ||
                                 device.protocol == "Secure Digital" || !device.image.empty();

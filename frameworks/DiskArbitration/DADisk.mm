@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
+#include "CoreFoundation/AutoreleasePool.h"
+#include "CoreFoundation/Guarded.h"
+#include "CoreFoundation/PercentEscapes.h"
 #include "DiskArbitration/Description.h"
 
 #include <DiskArbitration/DADisk.h>
 
 #import <Foundation/Foundation.h>
-#include <cctype>
-#include <cstdio>
-#include <cstring>
 
 using diskarbitration::BlockDevice;
 using diskarbitration::Description;
@@ -43,22 +43,12 @@ NSString* textOf(const std::string& bytes) {
     return [NSString stringWithUTF8String:bytes.c_str()];
 }
 
-bool isPlain(unsigned char c) {
-    return c < 0x80 && (isalnum(c) != 0 || strchr("/-._~", c) != nullptr);
-}
-
 // Written out: GNUstep looks at the folder even when it is told that it is one, and the server
 // behind it may be gone. Nil for a path that is no text.
 NSURL* folderURL(const std::string& path) {
     if (textOf(path) == nil)
         return nil;
-    std::string text = "file://";
-    for (char c : path) {
-        auto byte = static_cast<unsigned char>(c);
-        char escape[4];
-        snprintf(escape, sizeof escape, "%%%02X", byte);
-        text += isPlain(byte) ? std::string(1, c) : escape;
-    }
+    const std::string text = "file://" + cf::percentEncoded(path);
     return [NSURL URLWithString:textOf(text.back() == '/' ? text : text + "/")];
 }
 
@@ -123,6 +113,32 @@ void addDevice(Table& table, const BlockDevice& device) {
     table.add(kDADiskDescriptionDeviceVendorKey, device.vendor);
 }
 
+DADiskRef makeDisk(const char* name) {
+    auto* disk = [[[ULADADisk alloc] init] autorelease];
+    disk->_name = name;
+    auto description = diskarbitration::describeName(disk->_name, Machine::ofProcess());
+    if (description && description->device)
+        disk->_bsdName = description->device->name;
+    return reinterpret_cast<DADiskRef>([disk retain]);
+}
+
+CFDictionaryRef copyDescription(const std::string& name) {
+    const Machine& machine = Machine::ofProcess();
+    auto description = diskarbitration::describeName(name, machine);
+    if (!description)
+        return nullptr;
+    Table table;
+    if (description->mount)
+        addVolume(table, *description);
+    if (description->device)
+        addDevice(table, *description->device);
+    diskarbitration::VolumeLabel names = namesOf(*description, machine);
+    table.add(kDADiskDescriptionVolumeNameKey, names.label);
+    table.add(kDADiskDescriptionVolumeUUIDKey, names.uuid);
+    table.add(kDADiskDescriptionDeviceProtocolKey, description->protocol);
+    return table.copy();
+}
+
 }  // namespace
 
 #define DA_KEY(name, text) const CFStringRef kDADiskDescription##name##Key = CFSTR(text)
@@ -157,12 +173,9 @@ DASessionRef DASessionCreate(CFAllocatorRef) {
 DADiskRef DADiskCreateFromBSDName(CFAllocatorRef, DASessionRef session, const char* name) {
     if (session == nullptr || name == nullptr || *name == '\0')
         return nullptr;
-    auto* disk = [[ULADADisk alloc] init];
-    disk->_name = name;
-    auto description = diskarbitration::describeName(disk->_name, Machine::ofProcess());
-    if (description && description->device)
-        disk->_bsdName = description->device->name;
-    return reinterpret_cast<DADiskRef>(disk);
+    const cf::AutoreleasePool pool;
+    const DADiskRef none = nullptr;
+    return cf::guarded(none, none, [&] { return makeDisk(name); });
 }
 
 const char* DADiskGetBSDName(DADiskRef disk) {
@@ -173,21 +186,7 @@ const char* DADiskGetBSDName(DADiskRef disk) {
 CFDictionaryRef DADiskCopyDescription(DADiskRef disk) {
     if (disk == nullptr)
         return nullptr;
-    const Machine& machine = Machine::ofProcess();
-    auto description = diskarbitration::describeName(diskOf(disk)->_name, machine);
-    if (!description)
-        return nullptr;
-    NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
-    Table table;
-    if (description->mount)
-        addVolume(table, *description);
-    if (description->device)
-        addDevice(table, *description->device);
-    diskarbitration::VolumeLabel names = namesOf(*description, machine);
-    table.add(kDADiskDescriptionVolumeNameKey, names.label);
-    table.add(kDADiskDescriptionVolumeUUIDKey, names.uuid);
-    table.add(kDADiskDescriptionDeviceProtocolKey, description->protocol);
-    CFDictionaryRef copy = table.copy();
-    [pool release];
-    return copy;
+    const cf::AutoreleasePool pool;
+    const CFDictionaryRef none = nullptr;
+    return cf::guarded(none, none, [&] { return copyDescription(diskOf(disk)->_name); });
 }

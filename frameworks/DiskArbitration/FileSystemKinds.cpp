@@ -1,17 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "DiskArbitration/FileSystemKinds.h"
 
+#include "CoreServices/StallingMount.h"
+
 #include <algorithm>
 #include <string_view>
 
 namespace diskarbitration {
 
 namespace {
-
-constexpr std::string_view kNetwork[] = {"9p",     "afs",       "beegfs", "ceph",  "cifs",  "coda",
-                                         "davfs",  "glusterfs", "lustre", "ncp",   "ncpfs", "nfs",
-                                         "nfs4",   "orangefs",  "prl_fs", "pvfs2", "smb3",  "smbfs",
-                                         "vboxsf", "virtiofs",  "vmhgfs"};
 
 // The part behind "fuse.".
 constexpr std::string_view kNetworkProcesses[] = {
@@ -42,7 +39,7 @@ bool namesAServer(std::string_view source) {
 Backing backingOf(const coreservices::Mount& mount) {
     constexpr std::string_view fuse = "fuse.";
     std::string_view type = mount.type;
-    if (isIn(kNetwork, type))
+    if (coreservices::isNetworkType(type))
         return Backing::Network;
     if (isIn(kPools, type))
         return Backing::Pool;

@@ -1,20 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "DiskArbitration/VolumeNames.h"
 
+#include "CoreFoundation/PercentEscapes.h"
 #include "DiskArbitration/Sysfs.h"
 
 #include <string_view>
-#include <unistd.h>
 
 namespace diskarbitration {
 
 namespace {
-
-int hexDigit(char c) {
-    std::string_view digits = "0123456789abcdef";
-    size_t value = digits.find(static_cast<char>(c | 0x20));
-    return c >= '0' && value != std::string_view::npos ? static_cast<int>(value) : -1;
-}
 
 // udev writes what could harm a name as "\x20".
 std::string unescape(std::string_view escaped) {
@@ -22,8 +16,8 @@ std::string unescape(std::string_view escaped) {
     for (size_t i = 0; i < escaped.size(); ++i) {
         int high = -1, low = -1;
         if (escaped[i] == '\\' && i + 3 < escaped.size() && escaped[i + 1] == 'x') {
-            high = hexDigit(escaped[i + 2]);
-            low = hexDigit(escaped[i + 3]);
+            high = cf::hexadecimalDigit(escaped[i + 2]);
+            low = cf::hexadecimalDigit(escaped[i + 3]);
         }
         if (high < 0 || low < 0) {
             text += escaped[i];

@@ -72,8 +72,9 @@ std::optional<BundleLayout> contentsLayout(const std::string& bundle) {
 BundleLayout programLayout(const std::string& program) {
     const std::string folder = folderOf(program);
     if (folder.size() > kProgramsFolder.size() && folder.ends_with(kProgramsFolder)) {
-        BundleLayout layout =
-            *contentsLayout(folder.substr(0, folder.size() - kProgramsFolder.size()));
+        const std::string bundle = folder.substr(0, folder.size() - kProgramsFolder.size());
+        // One that runs may be moved away or replaced meanwhile.
+        BundleLayout layout = contentsLayout(bundle).value_or(BundleLayout{bundle, "", "", "", ""});
         layout.executable = program;
         return layout;
     }

@@ -89,7 +89,7 @@ NSDictionary* information(const BundleLayout& layout) {
              std::pair{@selector(privateFrameworksPath), @selector(ula_privateFrameworksPath)},
              std::pair{@selector(resourcePath), @selector(ula_resourcePath)},
          })
-        exchangeInstanceMethods(bundle, theirs, ours);
+        foundation::exchangeInstanceMethods(bundle, theirs, ours);
 }
 
 - (NSString*)ula_bundlePath {

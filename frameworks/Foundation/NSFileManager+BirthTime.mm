@@ -93,10 +93,10 @@ NSDictionary* withBirthTime(NSDictionary* attributes, NSFileManager* files, NSSt
 
 + (void)load {
     Class files = [NSFileManager class];
-    exchangeInstanceMethods(files, @selector(fileAttributesAtPath:traverseLink:),
-                            @selector(ula_fileAttributesAtPath:traverseLink:));
-    exchangeInstanceMethods(files, @selector(attributesOfItemAtPath:error:),
-                            @selector(ula_attributesOfItemAtPath:error:));
+    foundation::exchangeInstanceMethods(files, @selector(fileAttributesAtPath:traverseLink:),
+                                        @selector(ula_fileAttributesAtPath:traverseLink:));
+    foundation::exchangeInstanceMethods(files, @selector(attributesOfItemAtPath:error:),
+                                        @selector(ula_attributesOfItemAtPath:error:));
 }
 
 - (NSDictionary*)ula_fileAttributesAtPath:(NSString*)path traverseLink:(BOOL)follow {

@@ -5,9 +5,9 @@
 
 #include "CoreServices/MountLookup.h"
 #include "Foundation/FileSystemSpace.h"
+#include "Foundation/ReplaceMethod.h"
 
 #include <cerrno>
-#include <objc/runtime.h>
 
 namespace {
 
@@ -59,24 +59,19 @@ NSDictionary* fileSystemAttributesOrError(id self, SEL command, NSString* path, 
     return answer;
 }
 
-template <class Function>
-void replaceMethod(SEL selector, Function function, Function& original) {
-    Method method = class_getInstanceMethod(objc_getClass("NSFileManager"), selector);
-    original = reinterpret_cast<Function>(
-        method_setImplementation(method, reinterpret_cast<IMP>(function)));
-}
-
 }  // namespace
 
-@interface ULFileManagerSpace : NSObject
+@interface ULAFileManagerSpace : NSObject
 @end
 
-@implementation ULFileManagerSpace
+@implementation ULAFileManagerSpace
 
 + (void)load {
-    replaceMethod(@selector(fileSystemAttributesAtPath:), fileSystemAttributes, originalAttributes);
-    replaceMethod(@selector(attributesOfFileSystemForPath:error:), fileSystemAttributesOrError,
-                  originalAttributesOrError);
+    originalAttributes = foundation::replaceInstanceMethod(
+        "NSFileManager", @selector(fileSystemAttributesAtPath:), fileSystemAttributes);
+    originalAttributesOrError = foundation::replaceInstanceMethod(
+        "NSFileManager", @selector(attributesOfFileSystemForPath:error:),
+        fileSystemAttributesOrError);
 }
 
 @end

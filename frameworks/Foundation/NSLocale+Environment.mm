@@ -43,8 +43,10 @@ NSLocale* userLocale() {
 
 + (void)load {
     Class locale = [NSLocale class];
-    exchangeClassMethods(locale, @selector(currentLocale), @selector(ula_currentLocale));
-    exchangeClassMethods(locale, @selector(preferredLanguages), @selector(ula_preferredLanguages));
+    foundation::exchangeClassMethods(locale, @selector(currentLocale),
+                                     @selector(ula_currentLocale));
+    foundation::exchangeClassMethods(locale, @selector(preferredLanguages),
+                                     @selector(ula_preferredLanguages));
 }
 
 + (NSLocale*)ula_currentLocale {

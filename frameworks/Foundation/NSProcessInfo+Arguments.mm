@@ -41,12 +41,13 @@ thread_local bool readsArguments = false;
 
 // Looked up, not sent messages: that would initialize them before the program has begun.
 + (void)load {
-    exchangeClassMethods(objc_lookUpClass("NSString"), @selector(stringWithCString:encoding:),
-                         @selector(ula_stringWithCString:encoding:));
-    exchangeInstanceMethods(objc_lookUpClass("NSString"), @selector(initWithCString:),
-                            @selector(ula_initWithCString:));
-    exchangeClassMethods(objc_lookUpClass("NSProcessInfo"), @selector(initialize),
-                         @selector(ula_initialize));
+    foundation::exchangeClassMethods(objc_lookUpClass("NSString"),
+                                     @selector(stringWithCString:encoding:),
+                                     @selector(ula_stringWithCString:encoding:));
+    foundation::exchangeInstanceMethods(objc_lookUpClass("NSString"), @selector(initWithCString:),
+                                        @selector(ula_initWithCString:));
+    foundation::exchangeClassMethods(objc_lookUpClass("NSProcessInfo"), @selector(initialize),
+                                     @selector(ula_initialize));
 }
 
 + (void)ula_initialize {

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "CoreServices/VolumeLinks.h"
+#include "Foundation/ReplaceMethod.h"
 
 #import <Foundation/Foundation.h>
-#import <objc/runtime.h>
 
 namespace {
 
@@ -23,16 +23,14 @@ NSString* resolveSymlinks(NSString* self, SEL selector) {
 }  // namespace
 
 // A category of its own would lose GNUstep's method.
-@interface UlaPathResolution : NSObject
+@interface ULAPathResolution : NSObject
 @end
 
-@implementation UlaPathResolution
+@implementation ULAPathResolution
 
 + (void)load {
-    const Method method =
-        class_getInstanceMethod([NSString class], @selector(stringByResolvingSymlinksInPath));
-    answerOfGNUstep = reinterpret_cast<Resolve>(
-        method_setImplementation(method, reinterpret_cast<IMP>(resolveSymlinks)));
+    answerOfGNUstep = foundation::replaceInstanceMethod(
+        "NSString", @selector(stringByResolvingSymlinksInPath), resolveSymlinks);
 }
 
 @end

@@ -191,8 +191,8 @@ NSTimeZone* systemZone(NSTimeZone* (*zoneOfGNUstep)()) {
 @implementation NSTimeZone (ULAEnvironment)
 
 + (void)load {
-    exchangeClassMethods([NSTimeZone class], @selector(systemTimeZone),
-                         @selector(ula_systemTimeZone));
+    foundation::exchangeClassMethods([NSTimeZone class], @selector(systemTimeZone),
+                                     @selector(ula_systemTimeZone));
 }
 
 + (NSTimeZone*)ula_systemTimeZone {

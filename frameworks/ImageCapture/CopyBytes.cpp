@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ImageCapture/CopyBytes.h"
 
-#include "CoreFoundation/Descriptor.h"
+#include "CoreFoundation/WholeContent.h"
 
 #include <algorithm>
 #include <fcntl.h>
@@ -12,17 +12,6 @@ namespace imagecapture {
 namespace {
 
 constexpr size_t kPieceSize = 1 << 20;
-
-bool writeAll(int target, const char* bytes, size_t size) {
-    while (size > 0) {
-        ssize_t count = cf::retryInterrupted([&] { return write(target, bytes, size); });
-        if (count < 0)
-            return false;
-        bytes += count;
-        size -= static_cast<size_t>(count);
-    }
-    return true;
-}
 
 // The kernel's own copy tells one error for both sides: whatever is left is done by hand, which
 // tells them apart.
@@ -51,7 +40,7 @@ CopyResult copyBytes(int source, int target, uint64_t size) {
             result.readError = errno;
         if (count <= 0)
             break;
-        if (!writeAll(target, buffer.get(), static_cast<size_t>(count))) {
+        if (!cf::writeAll(target, {buffer.get(), static_cast<size_t>(count)})) {
             result.writeError = errno;
             break;
         }

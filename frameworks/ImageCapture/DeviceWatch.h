@@ -3,8 +3,6 @@
 
 #include "CoreFoundation/Descriptor.h"
 
-#include <memory>
-
 struct udev;
 struct udev_monitor;
 

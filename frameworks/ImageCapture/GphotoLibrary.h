@@ -6,7 +6,6 @@
 #include <gphoto2/gphoto2-port-result.h>
 #include <memory>
 #include <mutex>
-#include <optional>
 #include <string>
 
 namespace imagecapture {

@@ -218,19 +218,24 @@ ICAError ICARegisterForEventNotification(ICARegisterForEventNotificationPB* pb,
 }
 
 Boolean ULANetworkCameraAdd(CFStringRef address) {
-    const cf::AutoreleasePool pool;
-    const std::string place = addressOf(address);
-    if (place.empty())
-        return false;
-    if (Service::instance().networkCameras().add(place))
-        Service::instance().lookAgain();
-    return true;
+    bool isAdded = false;
+    guarded([&] {
+        const std::string place = addressOf(address);
+        if (!place.empty() && Service::instance().networkCameras().add(place))
+            Service::instance().lookAgain();
+        isAdded = !place.empty();
+        return 0;
+    });
+    return isAdded;
 }
 
 Boolean ULANetworkCameraRemove(CFStringRef address) {
-    const cf::AutoreleasePool pool;
-    const bool wasThere = Service::instance().networkCameras().remove(addressOf(address));
-    if (wasThere)
-        Service::instance().lookAgain();
+    bool wasThere = false;
+    guarded([&] {
+        wasThere = Service::instance().networkCameras().remove(addressOf(address));
+        if (wasThere)
+            Service::instance().lookAgain();
+        return 0;
+    });
     return wasThere;
 }

@@ -15,7 +15,7 @@ using coreservices::Mount;
 
 namespace {
 
-constexpr std::chrono::seconds kPatience{2};
+constexpr std::chrono::seconds kCardPatience{2};
 
 bool isFolder(const std::string& path) {
     struct stat info {};
@@ -39,7 +39,7 @@ bool mayBeCard(const Mount& mount) {
 
 // One that is worn out may take long.
 std::string askForPictures(const Mount& mount) {
-    return coreservices::askPatiently<std::string>("card " + mount.point, kPatience,
+    return coreservices::askPatiently<std::string>("card " + mount.point, kCardPatience,
                                                    [mount] { return pictureFolder(mount); })
         .value_or("");
 }
@@ -59,7 +59,8 @@ std::vector<FoundDevice> MountedCards::look() {
     std::vector<FoundDevice> found;
     std::set<std::string> devices;
     const std::map<uint64_t, uint64_t> serials = coreservices::mountSerials();
-    for (const Mount& mount : *coreservices::currentMounts()) {
+    const coreservices::MountList mounts = coreservices::currentMounts();
+    for (const Mount& mount : *mounts) {
         if (!mayBeCard(mount) || devices.contains(mount.device))
             continue;
         std::string pictures = askForPictures(mount);

@@ -2,6 +2,7 @@
 // The objects behind the references.
 #pragma once
 
+#include "CoreFoundation/Guarded.h"
 #include "Security/Keychain/SearchList.h"
 
 #include <Security/SecBase.h>
@@ -29,13 +30,7 @@ const ItemPlace* placeOf(SecKeychainItemRef item);
 // The status that a call ends with; what it throws has one, too.
 template <class Call>
 OSStatus guarded(Call call) {
-    try {
-        return call();
-    } catch (const std::bad_alloc&) {
-        return errSecAllocate;
-    } catch (...) {
-        return errSecInternalComponent;
-    }
+    return cf::guarded<OSStatus>(errSecAllocate, errSecInternalComponent, call);
 }
 
 }  // namespace security

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "CoreFoundation/AutoreleasePool.h"
 #include "Security/KeychainObjects.h"
 
 #include <Security/SecItem.h>
@@ -69,11 +70,9 @@ OSStatus copyNames(NSDictionary* query, CFTypeRef* result) {
 OSStatus SecItemCopyMatching(CFDictionaryRef query, CFTypeRef* result) {
     if (query == nullptr || result == nullptr)
         return errSecParam;
-    NSAutoreleasePool* const pool = [[NSAutoreleasePool alloc] init];
-    const OSStatus status = guarded([&] {
+    const cf::AutoreleasePool pool;
+    return guarded([&] {
         return copyNames(reinterpret_cast<NSDictionary*>(const_cast<__CFDictionary*>(query)),
                          result);
     });
-    [pool release];
-    return status;
 }

@@ -2,13 +2,14 @@
 #include "SystemProfiler/KernelFile.h"
 
 #include "CoreFoundation/FolderStream.h"
+#include "CoreFoundation/WholeContent.h"
 
 #include <algorithm>
 #include <charconv>
+#include <cstdint>
 #include <cstring>
 #include <fcntl.h>
 #include <memory>
-#include <unistd.h>
 
 namespace systemprofiler {
 
@@ -26,14 +27,10 @@ std::string_view trimmed(std::string_view text) {
 }  // namespace
 
 std::string readKernelFile(const std::string& path) {
-    const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    if (file < 0)
+    const cf::Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    if (!file)
         return {};
-    std::string text;
-    char piece[16384];
-    for (ssize_t count; (count = read(file, piece, sizeof piece)) > 0;)
-        text.append(piece, static_cast<size_t>(count));
-    close(file);
+    std::string text = cf::readUpTo(file.get(), SIZE_MAX);
     text.resize(text.find_last_not_of(kBlanks) + 1);
     return text;
 }

@@ -2,11 +2,11 @@
 // The platform's report of its hardware is a program. Where the system has none by its name, this
 // process writes the report itself, and whole before the launch returns: a reader that does not
 // wait for the program's end finds it.
+#include "CoreFoundation/WholeContent.h"
+#include "Foundation/ReplaceMethod.h"
 #include "SystemProfiler/HardwareReport.h"
 
 #import <Foundation/Foundation.h>
-#include <algorithm>
-#include <cerrno>
 #include <objc/runtime.h>
 #include <unistd.h>
 
@@ -35,16 +35,6 @@ NSFileHandle* handleOf(id output) {
     return [output isKindOfClass:[NSPipe class]] ? [output fileHandleForWriting] : output;
 }
 
-// As a program whose disk is full, it ends and leaves what could be written.
-void writeAll(int descriptor, std::string_view text) {
-    while (!text.empty()) {
-        const ssize_t written = write(descriptor, text.data(), text.size());
-        if (written < 0 && errno != EINTR)
-            return;
-        text.remove_prefix(static_cast<size_t>(std::max<ssize_t>(written, 0)));
-    }
-}
-
 }  // namespace
 
 @interface NSTask (ULASystemProfiler)
@@ -59,7 +49,8 @@ void writeAll(int descriptor, std::string_view text) {
     const std::string report = reportOf([self arguments]);
     NSFileHandle* const handle = handleOf([self standardOutput]);
     _hasLaunched = YES;
-    writeAll([handle fileDescriptor], report);
+    // As a program whose disk is full, it ends and leaves what could be written.
+    cf::writeAll([handle fileDescriptor], report);
     // The reader of a pipe waits for its end.
     if ([[self standardOutput] isKindOfClass:[NSPipe class]])
         [handle closeFile];
@@ -85,18 +76,17 @@ void launch(id task, SEL selector) {
 
 }  // namespace
 
-@interface UlaReportTask : NSObject
+@interface ULAReportTask : NSObject
 @end
 
-@implementation UlaReportTask
+@implementation ULAReportTask
 
 // Tasks are made of a class below the public one.
 + (void)load {
     Class const concrete = objc_getClass("NSConcreteUnixTask");
-    const Method method =
-        class_getInstanceMethod(concrete != Nil ? concrete : [NSTask class], @selector(launch));
-    launchOfGNUstep =
-        reinterpret_cast<Launch>(method_setImplementation(method, reinterpret_cast<IMP>(launch)));
+    const Method method = class_getInstanceMethod(
+        concrete != Nil ? concrete : objc_getClass("NSTask"), @selector(launch));
+    launchOfGNUstep = foundation::replaceMethod(method, launch);
 }
 
 @end

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "sys/WatchedItem.h"
 
+#include "CoreFoundation/DescriptorPath.h"
+
 #include <cerrno>
-#include <climits>
 #include <fcntl.h>
 #include <sys/inotify.h>
 #include <sys/socket.h>
@@ -26,12 +27,8 @@ std::string folderOf(const std::string& path) {
 
 /// Empty for what has none.
 std::string pathOf(int descriptor) {
-    char path[PATH_MAX];
-    const std::string link = "/proc/self/fd/" + std::to_string(descriptor);
-    const ssize_t length = readlink(link.c_str(), path, sizeof path);
-    if (length <= 0 || length == sizeof path || path[0] != '/')
-        return {};
-    return {path, static_cast<std::size_t>(length)};
+    const std::string path = cf::pathOfDescriptor(descriptor);
+    return path.starts_with('/') ? path : "";
 }
 
 /// A descriptor that holds nothing, blocks nobody, and is known by its inode.

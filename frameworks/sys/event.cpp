@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "sys/event.h"
 
+#include "sys/GuardedCall.h"
 #include "sys/QueueTable.h"
 
 #include <algorithm>
@@ -61,7 +62,7 @@ int collectWithin(kernelqueue::EventQueue& queue, int descriptor, std::span<stru
 }  // namespace
 
 int kqueue() {
-    return kernelqueue::QueueTable::instance().add();
+    return kernelqueue::guardedCall([] { return kernelqueue::QueueTable::instance().add(); });
 }
 
 int kevent(int queue, const struct kevent* changes, int changeCount, struct kevent* events,
@@ -70,14 +71,16 @@ int kevent(int queue, const struct kevent* changes, int changeCount, struct keve
         return failWith(EINVAL);
     if ((changes == nullptr && changeCount > 0) || (events == nullptr && eventCount > 0))
         return failWith(EFAULT);
-    const auto known = kernelqueue::QueueTable::instance().find(queue);
-    if (!known)
-        return failWith(EBADF);
-    const std::span room(events, static_cast<std::size_t>(eventCount));
-    if (changeCount > 0) {
-        const int failed = known->apply({changes, static_cast<std::size_t>(changeCount)}, room);
-        if (failed != 0)
-            return failed;
-    }
-    return eventCount == 0 ? 0 : collectWithin(*known, queue, room, timeout);
+    return kernelqueue::guardedCall([&] {
+        const auto known = kernelqueue::QueueTable::instance().find(queue);
+        if (!known)
+            return failWith(EBADF);
+        const std::span room(events, static_cast<std::size_t>(eventCount));
+        if (changeCount > 0) {
+            const int failed = known->apply({changes, static_cast<std::size_t>(changeCount)}, room);
+            if (failed != 0)
+                return failed;
+        }
+        return eventCount == 0 ? 0 : collectWithin(*known, queue, room, timeout);
+    });
 }

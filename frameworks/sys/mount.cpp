@@ -3,6 +3,7 @@
 
 #include "CoreServices/MountLookup.h"
 #include "DiskArbitration/Description.h"
+#include "sys/GuardedCall.h"
 
 #include <cerrno>
 #include <cstring>
@@ -17,9 +18,7 @@ void store(char (&field)[Size], const std::string& text) {
     field[length] = '\0';
 }
 
-}  // namespace
-
-int statfs(const char* path, struct statfs* information) {
+int fill(const char* path, struct statfs* information) {
     coreservices::MountList mounts = coreservices::currentMounts();
     const Mount* mount = coreservices::mountOf(path != nullptr ? path : "", *mounts);
     if (mount == nullptr) {
@@ -32,4 +31,10 @@ int statfs(const char* path, struct statfs* information) {
     store(information->f_mntonname, mount->point);
     store(information->f_mntfromname, diskarbitration::mountedFromName(*mount, *mounts));
     return 0;
+}
+
+}  // namespace
+
+int statfs(const char* path, struct statfs* information) {
+    return kernelqueue::guardedCall([&] { return fill(path, information); });
 }

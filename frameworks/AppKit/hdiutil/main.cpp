@@ -6,7 +6,9 @@
 // The folder is the one on which it is mounted, or a link to that. What is in use stays. Users
 // without rights of their own have udisks do it, as their desktop had udisks mount it.
 #include "CoreFoundation/Descriptor.h"
+#include "CoreServices/BusConnection.h"
 #include "CoreServices/MountInfo.h"
+#include "CoreServices/UDisksObject.h"
 
 #include <cerrno>
 #include <climits>
@@ -39,18 +41,18 @@ std::optional<coreservices::Mount> mountAt(const std::string& folder) {
     return found;
 }
 
-bool callUdisks(const std::string& device, const char* interface, const char* method) {
-    GDBusConnection* const bus = g_bus_get_sync(G_BUS_TYPE_SYSTEM, nullptr, nullptr);
-    if (bus == nullptr)
+// By the kernel's name of the device: "/dev/mapper/NAME" leads to "/dev/dm-0".
+bool callUDisks(const std::string& device, const char* interface, const char* method) {
+    const coreservices::BusConnection bus = coreservices::connectToSystemBus();
+    char path[PATH_MAX];
+    if (!bus || realpath(device.c_str(), path) == nullptr)
         return false;
-    const std::string object =
-        "/org/freedesktop/UDisks2/block_devices/" + device.substr(device.rfind('/') + 1);
+    const std::string object = coreservices::uDisksObject(std::strrchr(path, '/') + 1);
     GVariant* const answer = g_dbus_connection_call_sync(
-        bus, "org.freedesktop.UDisks2", object.c_str(), interface, method,
+        bus.get(), "org.freedesktop.UDisks2", object.c_str(), interface, method,
         g_variant_new("(a{sv})", nullptr), nullptr, G_DBUS_CALL_FLAGS_NONE, -1, nullptr, nullptr);
     if (answer != nullptr)
         g_variant_unref(answer);
-    g_object_unref(bus);
     return answer != nullptr;
 }
 
@@ -73,11 +75,12 @@ int unmount(const coreservices::Mount& mount) {
     const int error = errno;
     if (error != EPERM)
         return error;
-    if (mount.type.starts_with("fuse"))
+    // "fuseblk" is a disk, which was mounted by udisks.
+    if (mount.type == "fuse" || mount.type.starts_with("fuse."))
         return runFusermount("fusermount3", mount.point) || runFusermount("fusermount", mount.point)
                    ? 0
                    : error;
-    const bool isDone = callUdisks(mount.source, "org.freedesktop.UDisks2.Filesystem", "Unmount");
+    const bool isDone = callUDisks(mount.source, "org.freedesktop.UDisks2.Filesystem", "Unmount");
     return isDone ? 0 : error;
 }
 
@@ -89,7 +92,7 @@ void freeLoop(const std::string& device) {
     if (loop)
         ioctl(loop.get(), LOOP_CLR_FD, 0);
     else
-        callUdisks(device, "org.freedesktop.UDisks2.Loop", "Delete");
+        callUDisks(device, "org.freedesktop.UDisks2.Loop", "Delete");
 }
 
 }  // namespace

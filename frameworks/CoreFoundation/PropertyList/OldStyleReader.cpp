@@ -2,6 +2,7 @@
 // The form from before XML: { key = value; }, ( member, member ), <data>, "texts" and words. All
 // its values are texts, but GNUstep writes <*I5>, <*R1.5>, <*BY> and <*D…> for typed ones. A file
 // of translations, which is the inside of a dictionary, is a list as well.
+#include "CoreFoundation/PercentEscapes.h"
 #include "Readers.h"
 #include "Text.h"
 #include "TextReader.h"
@@ -118,7 +119,7 @@ Object OldStyleReader::readAngled() {
     std::string bytes;
     int high = -1;
     for (const char byte : inside) {
-        const int digit = hexDigit(byte);
+        const int digit = hexadecimalDigit(byte);
         if (digit < 0 && !isBlank(byte))
             return failed("data with what is no digit");
         if (digit >= 0 && high >= 0)
@@ -178,7 +179,7 @@ bool OldStyleReader::readQuoted(std::string_view& text) {
 std::uint32_t OldStyleReader::readDigits(std::uint32_t base, std::size_t most) {
     std::uint32_t value = 0;
     for (std::size_t i = 0; i < most && !atEnd(); ++i) {
-        const int digit = hexDigit(_text[_next]);
+        const int digit = hexadecimalDigit(_text[_next]);
         if (digit < 0 || digit >= static_cast<int>(base))
             break;
         value = value * base + static_cast<std::uint32_t>(digit);

@@ -149,11 +149,4 @@ void appendCharacter(std::string& text, std::uint32_t character) {
     more(character);
 }
 
-int hexDigit(char byte) {
-    if (byte >= '0' && byte <= '9')
-        return byte - '0';
-    const char letter = static_cast<char>(byte | 0x20);
-    return letter >= 'a' && letter <= 'f' ? letter - 'a' + 10 : -1;
-}
-
 }  // namespace cf::plist

@@ -22,7 +22,5 @@ void appendCharacter(std::string& text, std::uint32_t character);
 inline bool isBlank(char byte) {
     return byte == ' ' || byte == '\n' || byte == '\t' || byte == '\r';
 }
-/// The value of a hexadecimal digit; -1 for any other byte.
-int hexDigit(char byte);
 
 }  // namespace cf::plist

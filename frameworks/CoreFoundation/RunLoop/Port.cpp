@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Port.h"
 
-#include "Descriptor.h"
+#include "DescriptorCalls.h"
 #include "WakePort.h"
 
 #include <algorithm>

@@ -3,7 +3,7 @@
 #include "RunLoop.h"
 
 #include "Clock.h"
-#include "Descriptor.h"
+#include "DescriptorCalls.h"
 #include "Membership.h"
 #include "ThreadRunLoop.h"
 
@@ -82,12 +82,16 @@ int RunLoop::pollDescriptor() {
     if (_pollDescriptor >= 0)
         return _pollDescriptor;
     _pollDescriptor = checked(epoll_create1(EPOLL_CLOEXEC), "epoll_create1");
+    watchDefaultPorts();
+    return _pollDescriptor;
+}
+
+void RunLoop::watchDefaultPorts() {
     for (ModeItems* items : {_modes.served(defaultMode())[0], &_modes.single(defaultMode())}) {
         epoll_event event{};
         event.events = EPOLLIN;
         epoll_ctl(_pollDescriptor, EPOLL_CTL_ADD, items->port().descriptor(), &event);
     }
-    return _pollDescriptor;
 }
 
 void RunLoop::itemsChanged() {
@@ -267,11 +271,7 @@ void RunLoop::renew() noexcept {
     if (_pollDescriptor < 0)
         return;
     replaceDescriptor(_pollDescriptor, epoll_create1(EPOLL_CLOEXEC));
-    for (ModeItems* items : {_modes.served(defaultMode())[0], &_modes.single(defaultMode())}) {
-        epoll_event event{};
-        event.events = EPOLLIN;
-        epoll_ctl(_pollDescriptor, EPOLL_CTL_ADD, items->port().descriptor(), &event);
-    }
+    watchDefaultPorts();
 }
 
 }  // namespace cf

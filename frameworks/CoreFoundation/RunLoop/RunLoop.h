@@ -107,6 +107,7 @@ private:
     void fire(Timer& timer, CFStringRef mode, std::int64_t nowNs);
     bool callDescriptors(CFStringRef mode, std::span<const Port::Ready> ready);
     void armPorts();
+    void watchDefaultPorts();
 
     CFRunLoopRef _object;
     WakePort _wakePort;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "WakePort.h"
 
-#include "Descriptor.h"
+#include "DescriptorCalls.h"
 
 #include <cstdint>
 #include <fcntl.h>

@@ -2,10 +2,10 @@
 #include "EventCollector.h"
 
 #include "CoreServices/MountLookup.h"
+#include "CoreServices/SignalsBlocked.h"
 
 #include <algorithm>
 #include <cerrno>
-#include <csignal>
 #include <cstdio>
 #include <cstring>
 #include <ctime>
@@ -35,20 +35,6 @@ timespec timespecOf(std::chrono::nanoseconds duration) {
         return {0, 0};
     return {static_cast<time_t>(whole.count()), static_cast<long>((duration - whole).count())};
 }
-
-// Signals are for the threads of the application.
-class SignalsBlocked {
-public:
-    SignalsBlocked() {
-        sigset_t all;
-        sigfillset(&all);
-        pthread_sigmask(SIG_SETMASK, &all, &_before);
-    }
-    ~SignalsBlocked() { pthread_sigmask(SIG_SETMASK, &_before, nullptr); }
-
-private:
-    sigset_t _before;
-};
 
 }  // namespace
 
@@ -201,7 +187,7 @@ bool EventCollector::ensureRunning() {
 }
 
 void EventCollector::launchThread() {
-    const SignalsBlocked blocked;
+    const coreservices::SignalsBlocked blocked;
     std::thread([this] { run(); }).detach();
 }
 

@@ -88,10 +88,6 @@ void FolderStore::remove(Folder folder) {
     _free.push_back(folder);
 }
 
-void FolderStore::clear() {
-    *this = {};
-}
-
 uint32_t FolderStore::treeOf(Folder folder) const {
     while (_nodes[folder].parent != kNoFolder)
         folder = _nodes[folder].parent;

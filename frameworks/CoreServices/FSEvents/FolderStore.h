@@ -34,7 +34,6 @@ public:
     void move(Folder folder, Folder newParent, std::string_view newName);
     // A folder without children.
     void remove(Folder folder);
-    void clear();
 
     uint32_t treeOf(Folder folder) const;
     int watchOf(Folder folder) const { return _nodes[folder].watch; }
@@ -48,8 +47,6 @@ public:
     bool isIncomplete(Folder folder) const { return _nodes[folder].incomplete; }
     void setIncomplete(Folder folder, bool incomplete);
     bool hasIncomplete() const { return _incomplete != 0; }
-
-    std::size_t count() const { return _nodes.size() - _free.size(); }
 
 private:
     struct Node {

@@ -48,7 +48,7 @@ Folder FolderTracker::openRoot(uint32_t tree, int* error) {
     *error = 0;
     const std::string& path = _client.rootPath(tree);
     _guards.arm(tree, path, *_kernel);
-    const OpenFolder opened(openFolderAt(path.empty() ? "/" : path, true));
+    const cf::Descriptor opened = openFolderAt(path.empty() ? "/" : path, true);
     const int watch = opened ? _kernel->addFolder(opened.get()) : -1;
     if (watch < 0) {
         if (errno != ENOENT && errno != ENOTDIR)
@@ -75,7 +75,7 @@ bool FolderTracker::leadsTo(uint32_t tree, Folder root) {
     _guards.arm(tree, path, *_kernel);
     for (const int watch : former)
         release(watch);
-    const OpenFolder opened(openFolderAt(path.empty() ? "/" : path, true));
+    const cf::Descriptor opened = openFolderAt(path.empty() ? "/" : path, true);
     if (!opened)
         return false;
     const int watch = _kernel->addFolder(opened.get());
@@ -85,26 +85,25 @@ bool FolderTracker::leadsTo(uint32_t tree, Folder root) {
 
 // The folder, open; nothing when its path leads to another one. An event that is still to come
 // says then where it is, and it is looked at again.
-OpenFolder FolderTracker::open(Folder folder) {
-    const int descriptor = openFolderAt(pathOf(folder), _store.isRoot(folder));
-    if (descriptor < 0) {
+cf::Descriptor FolderTracker::open(Folder folder) {
+    cf::Descriptor opened = openFolderAt(pathOf(folder), _store.isRoot(folder));
+    if (!opened) {
         if (errno == ENOENT || errno == ENOTDIR || errno == ELOOP)
             _store.setIncomplete(folder, true);
         else
             _client.notFollowed(folder, {}, errno);
-        return OpenFolder(-1);
+        return {};
     }
-    const int watch = _kernel->addFolder(descriptor);
+    const int watch = _kernel->addFolder(opened.get());
     if (watch == _store.watchOf(folder))
-        return OpenFolder(descriptor);
+        return opened;
     release(watch);
-    close(descriptor);
     _store.setIncomplete(folder, true);
-    return OpenFolder(-1);
+    return {};
 }
 
 void FolderTracker::adopt(Folder parent, std::string_view name, bool tellsContent) {
-    const OpenFolder opened = open(parent);
+    const cf::Descriptor opened = open(parent);
     if (opened)
         enter(parent, opened.get(), name, tellsContent);
 }
@@ -271,7 +270,7 @@ void FolderTracker::followMove(const Move& move, const KernelEvent& from, const 
 }
 
 void FolderTracker::tellIfThere(Folder folder, std::string_view name) {
-    const OpenFolder parent = open(folder);
+    const cf::Descriptor parent = open(folder);
     struct stat item {};
     if (!parent ||
         fstatat(parent.get(), std::string(name).c_str(), &item, AT_SYMLINK_NOFOLLOW) != 0)
@@ -308,11 +307,12 @@ void FolderTracker::relocate(Folder source, std::string_view oldName, Folder tar
 // False when another folder has the place. When nothing has it, or it cannot be found, the folder
 // may have moved on.
 bool FolderTracker::mayBeAt(Folder folder, Folder parent, std::string_view name) {
-    const OpenFolder opened = open(parent);
+    const cf::Descriptor opened = open(parent);
     if (!opened)
         return true;
-    const OpenFolder place(openat(opened.get(), std::string(name).c_str(),
-                                  O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    const cf::Descriptor place(
+        openat(opened.get(), std::string(name).c_str(),
+               O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
     if (!place)
         return true;
     const int watch = _kernel->addFolder(place.get());
@@ -325,7 +325,7 @@ void FolderTracker::complete(Folder top) {
     for (const Folder folder : _store.subtree(top)) {
         if (!_store.isIncomplete(folder))
             continue;
-        const OpenFolder opened = open(folder);
+        const cf::Descriptor opened = open(folder);
         if (!opened)
             continue;
         _store.setIncomplete(folder, false);

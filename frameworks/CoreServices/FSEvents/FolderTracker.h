@@ -87,7 +87,7 @@ private:
     void forget(Folder top);
     void release(int watch);
     bool isBelow(Folder folder, Folder top) const;
-    OpenFolder open(Folder folder);
+    cf::Descriptor open(Folder folder);
     std::string pathOf(Folder folder) const;
 
     void found(Folder folder, std::string_view name, bool isFolder) override;

@@ -47,11 +47,6 @@ public:
         --_count;
     }
 
-    void clear() {
-        _places = {};
-        _count = 0;
-    }
-
 private:
     struct Place {
         uint32_t hash = 0;

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "KernelWatches.h"
 
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
 #include <cstdio>
 #include <poll.h>
 #include <sys/inotify.h>
@@ -15,6 +18,12 @@ constexpr uint32_t kFolderChanges = IN_CREATE | IN_DELETE | IN_MODIFY | IN_ATTRI
 constexpr std::size_t kRoomPerRead = 64 * 1024;
 // Beyond this the kernel's own limit may do its work: it says so, and everything is read anew.
 constexpr std::size_t kMostWaiting = 256 * 1024 * 1024;
+
+int millisecondsUntil(std::chrono::steady_clock::time_point deadline) {
+    const auto left =
+        std::chrono::ceil<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
+    return std::max(0, static_cast<int>(left.count()));
+}
 
 }  // namespace
 
@@ -61,9 +70,12 @@ void KernelWatches::collect() {
 }
 
 void KernelWatches::waitAndCollect(int timeoutMs) {
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(timeoutMs);
     pollfd queue{_descriptor, POLLIN, 0};
-    if (poll(&queue, 1, timeoutMs) > 0)
-        collect();
+    // On threads of the application signals come.
+    while (poll(&queue, 1, timeoutMs) < 0 && errno == EINTR)
+        timeoutMs = millisecondsUntil(deadline);
+    collect();
 }
 
 std::vector<KernelEvent> KernelWatches::take(std::vector<char>& bytes) {

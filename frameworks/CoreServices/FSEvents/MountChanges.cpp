@@ -9,7 +9,6 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <string_view>
-#include <unistd.h>
 #include <utility>
 
 namespace fsevents {
@@ -43,14 +42,9 @@ MountChanges::MountChanges()
       _known(coreservices::parseMountInfo(coreservices::readMountInfo())) {
 }
 
-MountChanges::~MountChanges() {
-    if (_descriptor >= 0)
-        close(_descriptor);
-}
-
 std::vector<MountChange> MountChanges::take() {
-    pollfd table{_descriptor, POLLPRI, 0};
-    if (_descriptor >= 0 && poll(&table, 1, 0) > 0)
+    pollfd table{_descriptor.get(), POLLPRI, 0};
+    if (_descriptor && poll(&table, 1, 0) > 0)
         note(table.revents);
     if (!std::exchange(_isChanged, false))
         return {};
@@ -64,7 +58,8 @@ std::vector<MountChange> MountChanges::take() {
 
 std::vector<std::string> mountsNotToFollow() {
     std::vector<std::string> points;
-    for (const Mount& mount : *coreservices::currentMounts()) {
+    const coreservices::MountList mounts = coreservices::currentMounts();
+    for (const Mount& mount : *mounts) {
         const bool isKernels = std::find(kKernelFileSystems.begin(), kKernelFileSystems.end(),
                                          mount.type) != kKernelFileSystems.end();
         if (isKernels || coreservices::mayStall(mount))

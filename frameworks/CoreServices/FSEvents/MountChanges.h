@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "CoreFoundation/Descriptor.h"
 #include "CoreServices/MountInfo.h"
 
 #include <string>
@@ -17,19 +18,16 @@ struct MountChange {
 class MountChanges {
 public:
     MountChanges();
-    MountChanges(const MountChanges&) = delete;
-    MountChanges& operator=(const MountChanges&) = delete;
-    ~MountChanges();
 
     // Polled for POLLPRI; -1 where nothing is told. The kernel tells each change to one poll only:
     // whoever polls it passes on what came back.
-    int descriptor() const { return _descriptor; }
+    int descriptor() const { return _descriptor.get(); }
     void note(short polled) { _isChanged = _isChanged || polled != 0; }
     // Since the call before, unmounted ones first.
     std::vector<MountChange> take();
 
 private:
-    int _descriptor;
+    cf::Descriptor _descriptor;
     bool _isChanged = false;
     std::vector<coreservices::Mount> _known;
 };

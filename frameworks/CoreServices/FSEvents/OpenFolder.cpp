@@ -1,34 +1,28 @@
 // SPDX-License-Identifier: MIT
 #include "OpenFolder.h"
 
-#include <cerrno>
 #include <climits>
 #include <fcntl.h>
+#include <utility>
 
 namespace fsevents {
 
-int openFolderAt(const std::string& path, bool followsLast) {
+cf::Descriptor openFolderAt(const std::string& path, bool followsLast) {
     const int flags = O_RDONLY | O_DIRECTORY | O_NONBLOCK | O_CLOEXEC;
-    int at = AT_FDCWD;
+    cf::Descriptor above;
     std::string rest = path;
+    auto open = [&](const std::string& part, int more) {
+        return cf::Descriptor(openat(above ? above.get() : AT_FDCWD, part.c_str(), flags | more));
+    };
     while (rest.size() >= PATH_MAX) {
         const std::size_t cut = rest.rfind('/', PATH_MAX - 2);
-        const int next = openat(at, rest.substr(0, cut).c_str(), flags);
-        const int error = errno;
-        if (at >= 0)
-            close(at);
-        errno = error;
-        if (next < 0)
-            return -1;
-        at = next;
+        cf::Descriptor next = open(rest.substr(0, cut), 0);
+        if (!next)
+            return next;
+        above = std::move(next);
         rest.erase(0, cut + 1);
     }
-    const int result = openat(at, rest.c_str(), flags | (followsLast ? 0 : O_NOFOLLOW));
-    const int error = errno;
-    if (at >= 0)
-        close(at);
-    errno = error;
-    return result;
+    return open(rest, followsLast ? 0 : O_NOFOLLOW);
 }
 
 }  // namespace fsevents

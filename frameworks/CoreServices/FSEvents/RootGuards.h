@@ -23,7 +23,6 @@ public:
     void arm(uint32_t tree, const std::string& path, KernelWatches& kernel);
     // The watches that nobody here uses any more.
     std::vector<int> disarm(uint32_t tree);
-    void clear() { _guards.clear(); }
     void forget(int watch) { _guards.erase(watch); }
     bool uses(int watch) const { return _guards.contains(watch); }
 

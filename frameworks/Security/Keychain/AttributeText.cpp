@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "Security/Keychain/AttributeText.h"
 
+#include "CoreFoundation/PercentEscapes.h"
+
 #include <glib.h>
 
 namespace security {
@@ -20,20 +22,7 @@ std::string attributeText(std::string_view name) {
 }
 
 std::string nameOfAttribute(std::string_view attribute) {
-    std::string name;
-    for (std::size_t i = 0; i < attribute.size(); ++i) {
-        const bool isEscape = attribute[i] == '%' && i + 2 < attribute.size() &&
-                              g_ascii_isxdigit(attribute[i + 1]) &&
-                              g_ascii_isxdigit(attribute[i + 2]);
-        if (!isEscape) {
-            name += attribute[i];
-            continue;
-        }
-        name += static_cast<char>(g_ascii_xdigit_value(attribute[i + 1]) * 16 +
-                                  g_ascii_xdigit_value(attribute[i + 2]));
-        i += 2;
-    }
-    return name;
+    return cf::percentDecoded(attribute);
 }
 
 }  // namespace security

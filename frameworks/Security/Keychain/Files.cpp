@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Security/Keychain/Files.h"
 
+#include "CoreFoundation/WholeContent.h"
 #include "Security/Keychain/Note.h"
 #include "Security/SecBase.h"
 
@@ -40,17 +41,6 @@ bool readAll(int file, std::uint8_t* to, std::size_t size) {
     return true;
 }
 
-bool writeAll(int file, std::string_view bytes) {
-    while (!bytes.empty()) {
-        const ssize_t count =
-            retryInterrupted([&] { return ::write(file, bytes.data(), bytes.size()); });
-        if (count < 0)
-            return false;
-        bytes.remove_prefix(static_cast<std::size_t>(count));
-    }
-    return true;
-}
-
 bool sync(int file) {
     return retryInterrupted([&] { return fsync(file); }) == 0;
 }
@@ -63,7 +53,7 @@ bool syncFolderOf(const std::string& path) {
 
 bool writeNewFile(const std::string& path, std::string_view content) {
     const cf::Descriptor file = openFile(path, O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW);
-    return file && writeAll(file.get(), content) && sync(file.get());
+    return file && cf::writeAll(file.get(), content) && sync(file.get());
 }
 
 OSStatus refuse(const std::string& path, const char* reason) {

@@ -1,15 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "Security/Keychain/KeychainFolder.h"
 
+#include "CoreFoundation/AutoreleasePool.h"
 #import "Foundation/HomeDirectory.h"
 #include "Foundation/UserFolders.h"
 
 namespace security {
 
 std::string keychainFolder() {
-    NSAutoreleasePool* const pool = [[NSAutoreleasePool alloc] init];
+    const cf::AutoreleasePool pool;
     const std::string home = [ULAHomeDirectory() UTF8String];
-    [pool release];
     return foundation::dataFolder(home) + "/ula/keychain";
 }
 

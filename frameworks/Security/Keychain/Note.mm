@@ -1,15 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "Security/Keychain/Note.h"
 
-#import <Foundation/Foundation.h>
+#include "CoreFoundation/AutoreleasePool.h"
 
 namespace security {
 
 void note(const std::string& line) {
-    NSAutoreleasePool* const pool = [[NSAutoreleasePool alloc] init];
+    const cf::AutoreleasePool pool;
     NSString* const text = [NSString stringWithUTF8String:line.c_str()];
     NSLog(@"%@", text != nil ? text : @"keychain: a path is no text");
-    [pool release];
 }
 
 }  // namespace security

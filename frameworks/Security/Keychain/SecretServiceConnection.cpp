@@ -1,27 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "Security/Keychain/SecretServiceConnection.h"
 
+#include "CoreServices/BusConnection.h"
 #include "Security/SecBase.h"
 
-#include <cstdlib>
-#include <string>
-#include <string_view>
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace security {
 
 namespace {
-
-// Asked beforehand: GLib would start a bus where there is a display and none runs, and wait for it.
-bool hasSessionBus() {
-    if (const char* const address = std::getenv("DBUS_SESSION_BUS_ADDRESS"))
-        return !std::string_view(address).starts_with("autolaunch:");
-    const char* const folder = std::getenv("XDG_RUNTIME_DIR");
-    const std::string path = std::string(folder != nullptr ? folder : "") + "/bus";
-    struct stat facts {};
-    return stat(path.c_str(), &facts) == 0 && S_ISSOCK(facts.st_mode) && facts.st_uid == geteuid();
-}
 
 // The names are libsecret's own: it sets them itself, and loses what was set before.
 SecretService* makeService() {
@@ -35,7 +22,7 @@ SecretService* makeService() {
 }  // namespace
 
 bool SecretServiceConnection::openBus() {
-    if (!hasSessionBus())
+    if (!coreservices::hasSessionBus())
         return false;
     _bus.reset(g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, nullptr));
     if (_bus == nullptr)

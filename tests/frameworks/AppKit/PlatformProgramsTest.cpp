@@ -50,6 +50,19 @@ TEST(PlatformPrograms, CommandsOfAScriptAreReplaced) {
                   quoted("open") + " c");
 }
 
+TEST(PlatformPrograms, CommandsAfterACommentAreReplacedWhateverItSays) {
+    EXPECT_EQ(withPlatformPrograms("# don't; open x\nopen y # it's\nopen z"),
+              "# don't; open x\n" + quoted("open") + " y # it's\n" + quoted("open") + " z");
+    EXPECT_EQ(withPlatformPrograms("echo a#'b\n'; open y"),
+              "echo a#'b\n'; " + quoted("open") + " y");
+    EXPECT_EQ(withPlatformPrograms("echo #open"), "echo #open");
+}
+
+TEST(PlatformPrograms, CommandsOfALoopsConditionAreReplaced) {
+    EXPECT_EQ(withPlatformPrograms("until open a; do open b; done"),
+              "until " + quoted("open") + " a; do " + quoted("open") + " b; done");
+}
+
 TEST(PlatformPrograms, ArgumentsQuotationsAndFilesStay) {
     for (const char* script :
          {"echo open", "echo 'x; open y'", "echo \"x; open \\\" ; open\"", "echo a\\; open b",

@@ -41,6 +41,14 @@ TEST_F(TopFolderTest, AnItemOfAnotherFileSystemStaysOnIt) {
     EXPECT_FALSE(exists(sandbox / "data"));
 }
 
+TEST_F(TopFolderTest, AUserWithoutAHomeHasTheTrashOfTheFileSystem) {
+    places.homeTrash.clear();
+    TrashOutcome outcome = trash(makeFile("one"));
+    ASSERT_TRUE(outcome.done()) << outcome.explanation();
+    EXPECT_EQ(outcome.receipt.trashedPath, disk / own + "/files/one");
+    EXPECT_EQ(findInTrash(disk / "one", places).size(), 1u);
+}
+
 TEST_F(TopFolderTest, TheAdministratorsSharedFolderIsPreferred) {
     std::filesystem::create_directory(disk / ".Trash");
     chmod((disk / ".Trash").c_str(), 01777);

@@ -102,4 +102,38 @@ TEST_F(UserTest, AnItemIsNotRestoredIntoAFolderThatMayNotBeChanged) {
     EXPECT_TRUE(exists(sandbox / "data/Trash/files/file"));
 }
 
+TEST_F(UserTest, AnItemWithAFolderThatMayNotBeChangedComesBackToAnotherDisk) {
+    MountedImage disk(sandbox);
+    chmod(disk.path().c_str(), 0777);
+    makeFolder("own");
+    EXPECT_EQ(asNobody([&] {
+                  std::filesystem::create_directories(sandbox / "own/tree/inner");
+                  writeFile(sandbox / "own/tree/inner/file", "mine");
+                  chmod((sandbox / "own/tree/inner").c_str(), 0555);
+                  TrashReceipt receipt = moveToTrash(sandbox / "own/tree", places).receipt;
+                  receipt.originalPath = disk / "tree";
+                  return restoreFromTrash(receipt).status;
+              }),
+              TrashStatus::Done);
+    EXPECT_EQ(contentOf(disk / "tree/inner/file"), "mine");
+    EXPECT_EQ(namesIn(sandbox / "data/Trash/files"), std::vector<std::string>());
+    EXPECT_EQ(namesIn(sandbox / "data/Trash/info"), std::vector<std::string>());
+}
+
+TEST_F(UserTest, AnItemThatCannotLeaveTheTrashIsRestoredAllTheSame) {
+    MountedImage disk(sandbox);
+    chmod(disk.path().c_str(), 0777);
+    makeFolder("own");
+    EXPECT_EQ(asNobody([&] {
+                  std::string path = sandbox / "own/file";
+                  writeFile(path, "mine");
+                  TrashReceipt receipt = moveToTrash(path, places).receipt;
+                  receipt.originalPath = disk / "file";
+                  chmod((sandbox / "data/Trash/files").c_str(), 0555);
+                  return restoreFromTrash(receipt).status;
+              }),
+              TrashStatus::Done);
+    EXPECT_EQ(contentOf(disk / "file"), "mine");
+}
+
 }  // namespace

@@ -189,6 +189,26 @@ TEST_F(CoreFoundation, NumbersConvertAndTellWhetherTheyFit) {
     CFRelease(number);
 }
 
+TEST_F(CoreFoundation, AnUnsignedNumberAboveAllSignedOnesIsNotTakenForANegativeOne) {
+    NSNumber* const largest = [NSNumber numberWithUnsignedLongLong:UINT64_MAX - 1];
+    CFNumberRef number = reinterpret_cast<CFNumberRef>(largest);
+    long long whole = 0;
+    EXPECT_FALSE(CFNumberGetValue(number, kCFNumberSInt64Type, &whole));
+    EXPECT_EQ(whole, INT64_MAX);
+    short narrow = 0;
+    EXPECT_FALSE(CFNumberGetValue(number, kCFNumberShortType, &narrow));
+    EXPECT_EQ(narrow, INT16_MAX);
+    double real = 0;
+    EXPECT_FALSE(CFNumberGetValue(number, kCFNumberDoubleType, &real));
+    EXPECT_EQ(real, 0x1p64);
+    number = reinterpret_cast<CFNumberRef>([NSNumber numberWithUnsignedLong:1UL << 63]);
+    EXPECT_TRUE(CFNumberGetValue(number, kCFNumberDoubleType, &real));
+    EXPECT_EQ(real, 0x1p63);
+    number = reinterpret_cast<CFNumberRef>([NSNumber numberWithUnsignedLongLong:INT64_MAX]);
+    EXPECT_TRUE(CFNumberGetValue(number, kCFNumberSInt64Type, &whole));
+    EXPECT_EQ(whole, INT64_MAX);
+}
+
 TEST_F(CoreFoundation, ARealNumberHasNoExactInteger) {
     double half = 1.5;
     CFNumberRef number = CFNumberCreate(kCFAllocatorDefault, kCFNumberDoubleType, &half);

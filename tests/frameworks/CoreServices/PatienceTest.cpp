@@ -2,7 +2,12 @@
 #include "CoreServices/Patience.h"
 #include "CoreServices/RunProgram.h"
 
+#include "tests/support/ChildProcess.h"
+
+#include <csignal>
 #include <future>
+#include <sys/resource.h>
+#include <unistd.h>
 
 #include <gtest/gtest.h>
 
@@ -38,6 +43,42 @@ TEST(Patience, EndsAndIsNotTriedAgainUntilTheAnswerComes) {
     release->set_value();
     gone.wait();
     EXPECT_TRUE(runPatiently("slow", kForEver, [] {}));
+}
+
+TEST(Patience, AForkedChildAsksAnewWhereItsParentIsLeftWaiting) {
+    std::promise<void> release;
+    auto released = release.get_future().share();
+    EXPECT_FALSE(runPatiently("slow", 20ms, [released] { released.wait(); }));
+    tav::test::ChildProcess child([] { _exit(runPatiently("slow", kForEver, [] {}) ? 0 : 1); });
+    EXPECT_EQ(child.wait(), 0);
+    EXPECT_FALSE(runPatiently("slow", kForEver, [] {}));
+    release.set_value();
+}
+
+TEST(Patience, TheThreadThatAsksTakesNoSignals) {
+    EXPECT_EQ(askPatiently<bool>("place", kForEver,
+                                 [] {
+                                     sigset_t blocked;
+                                     pthread_sigmask(SIG_SETMASK, nullptr, &blocked);
+                                     return sigismember(&blocked, SIGUSR1) == 1 &&
+                                            sigismember(&blocked, SIGCHLD) == 1;
+                                 }),
+              true);
+}
+
+// Makes no more threads for the process, by a limit that is its user's.
+void forbidThreads() {
+    const rlimit none = {0, 0};
+    if (setrlimit(RLIMIT_NPROC, &none) != 0 || setresuid(65534, 65534, 65534) != 0)
+        _exit(2);
+}
+
+TEST(Patience, AsksNobodyWhereNoThreadCanBeMade) {
+    tav::test::ChildProcess child([] {
+        forbidThreads();
+        _exit(runPatiently("place", kForEver, [] {}) ? 1 : 0);
+    });
+    EXPECT_EQ(child.wait(), 0);
 }
 
 TEST(RunProgram, TellsHowItEnded) {

@@ -40,6 +40,14 @@ TEST_F(StallingMountTest, IsFoundThroughLinks) {
     EXPECT_EQ(stallingMountOn(root() + "/loop/x", mounts), std::nullopt);
 }
 
+TEST_F(StallingMountTest, IsWhatServersHostsAndProcessesAnswerFor) {
+    for (const char* type : {"nfs", "smbfs", "lustre", "beegfs", "vboxsf", "virtiofs", "vmhgfs",
+                             "autofs", "fuse", "fuseblk", "fuse.sshfs"})
+        EXPECT_TRUE(mayStall(mountOf("/net", type))) << type;
+    for (const char* type : {"ext4", "btrfs", "vfat", "tmpfs", "overlay", "fusectl", "proc"})
+        EXPECT_FALSE(mayStall(mountOf("/", type))) << type;
+}
+
 TEST_F(StallingMountTest, MayBeHiddenByALaterMount) {
     mounts.push_back(mountOf(root() + "/net", "ext4"));
     EXPECT_EQ(stallingMountOn(root() + "/net/a", mounts), std::nullopt);

@@ -32,6 +32,13 @@ TEST_F(BundleLayouts, ProgramInContentsBelongsToTheBundleAbove) {
     EXPECT_EQ(layout.information, folder / "Some.app/Contents/Info.plist");
 }
 
+TEST_F(BundleLayouts, BundleThatWasMovedAwayKeepsItsPathsAndHasNoParts) {
+    const BundleLayout layout = programLayout(folder / "Gone.app/Contents/MacOS/Gone");
+    EXPECT_EQ(layout.bundle, folder / "Gone.app");
+    EXPECT_EQ(layout.executable, folder / "Gone.app/Contents/MacOS/Gone");
+    EXPECT_EQ(layout.resources + layout.frameworks + layout.information, "");
+}
+
 TEST_F(BundleLayouts, WhatABundleLacksIsEmpty) {
     make("Bare.app/Contents");
     const std::optional<BundleLayout> layout = contentsLayout(folder / "Bare.app");

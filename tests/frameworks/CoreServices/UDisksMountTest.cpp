@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // With a bus of its own, on which a stand-in for udisks answers.
-#include "CoreServices/UdisksMount.h"
+#include "CoreServices/UDisksMount.h"
 
 #include <cstdlib>
 #include <gio/gio.h>
@@ -37,7 +37,7 @@ GVariant* objects() {
         "  'org.freedesktop.UDisks2.Filesystem': {'MountPoints': <[b'/mnt/it']>}}},)");
 }
 
-class UdisksMountTest : public testing::Test {
+class UDisksMountTest : public testing::Test {
 protected:
     void SetUp() override {
         g_test_dbus_up(_daemon);
@@ -79,7 +79,7 @@ protected:
 
     static void answer(GDBusConnection*, const char*, const char* path, const char*,
                        const char* method, GVariant*, GDBusMethodInvocation* call, void* self) {
-        auto* test = static_cast<UdisksMountTest*>(self);
+        auto* test = static_cast<UDisksMountTest*>(self);
         if (std::string(method) == "GetManagedObjects")
             return g_dbus_method_invocation_return_value(call, objects());
         test->_mounted.push_back(path);
@@ -115,32 +115,42 @@ private:
     std::thread _server;
 };
 
-TEST_F(UdisksMountTest, MountsTheFileSystemOfTheLabel) {
+TEST_F(UDisksMountTest, MountsTheFileSystemOfTheLabel) {
     serve();
     EXPECT_EQ(udisksMount("My Stick", std::chrono::seconds(60)), "/media/ann/My Stick");
     EXPECT_EQ(mounted(), (std::vector<std::string>{kDisk}));
 }
 
-TEST_F(UdisksMountTest, TellsWhereItIsMountedAlready) {
+TEST_F(UDisksMountTest, TellsWhereItIsMountedAlready) {
     serve();
     EXPECT_EQ(udisksMount("Mounted", std::chrono::seconds(60)), "/mnt/it");
     EXPECT_TRUE(mounted().empty());
 }
 
-TEST_F(UdisksMountTest, MountsNothingOfAnotherLabel) {
+TEST_F(UDisksMountTest, MountsNothingOfAnotherLabel) {
     serve();
     EXPECT_EQ(udisksMount("Other", std::chrono::seconds(60)), "");
     EXPECT_TRUE(mounted().empty());
 }
 
-TEST_F(UdisksMountTest, TellsThatItWasRefused) {
+TEST_F(UDisksMountTest, TellsThatItWasRefused) {
     refuses = true;
     serve();
     EXPECT_EQ(udisksMount("My Stick", std::chrono::seconds(60)), "");
     EXPECT_EQ(mounted().size(), 1u);
 }
 
-TEST_F(UdisksMountTest, FailsWithoutTheService) {
+TEST_F(UDisksMountTest, LeavesTheConnectionThatTheApplicationSharesAsItIs) {
+    GDBusConnection* const shared = g_bus_get_sync(G_BUS_TYPE_SYSTEM, nullptr, nullptr);
+    ASSERT_NE(shared, nullptr);
+    EXPECT_EQ(udisksMount("My Stick", std::chrono::seconds(60)), "");
+    EXPECT_TRUE(g_dbus_connection_get_exit_on_close(shared));
+    // Or the end of the bus is the end of the test.
+    g_dbus_connection_set_exit_on_close(shared, FALSE);
+    g_object_unref(shared);
+}
+
+TEST_F(UDisksMountTest, FailsWithoutTheService) {
     EXPECT_EQ(udisksMount("My Stick", std::chrono::seconds(60)), "");
 }
 

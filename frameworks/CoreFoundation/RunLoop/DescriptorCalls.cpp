@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "Descriptor.h"
+#include "DescriptorCalls.h"
 
 #include <cerrno>
 #include <cstdio>

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "CoreServices/UdisksMount.h"
+#include "CoreServices/UDisksMount.h"
+
+#include "CoreServices/BusConnection.h"
 
 #include <gio/gio.h>
 #include <memory>
@@ -17,14 +19,9 @@ struct UnrefVariant {
 };
 using Variant = std::unique_ptr<GVariant, UnrefVariant>;
 
-struct UnrefConnection {
-    void operator()(GDBusConnection* bus) const { g_object_unref(bus); }
-};
-using Bus = std::unique_ptr<GDBusConnection, UnrefConnection>;
-
 // Null when there is no answer. `arguments` is consumed.
-Variant call(const Bus& bus, const char* object, const char* interface, const char* method,
-             GVariant* arguments, std::chrono::milliseconds patience) {
+Variant call(const BusConnection& bus, const char* object, const char* interface,
+             const char* method, GVariant* arguments, std::chrono::milliseconds patience) {
     return Variant(g_dbus_connection_call_sync(
         bus.get(), kService, object, interface, method, arguments, nullptr, G_DBUS_CALL_FLAGS_NONE,
         static_cast<int>(patience.count()), nullptr, nullptr));
@@ -71,7 +68,8 @@ Disk diskOf(GVariant* objects, const std::string& label) {
     return disk;
 }
 
-std::string mount(const Bus& bus, const std::string& object, std::chrono::milliseconds patience) {
+std::string mount(const BusConnection& bus, const std::string& object,
+                  std::chrono::milliseconds patience) {
     GVariantBuilder options;
     g_variant_builder_init(&options, G_VARIANT_TYPE_VARDICT);
     Variant answer = call(bus, object.c_str(), kFilesystem, "Mount",
@@ -86,11 +84,9 @@ std::string mount(const Bus& bus, const std::string& object, std::chrono::millis
 }  // namespace
 
 std::string udisksMount(const std::string& label, std::chrono::milliseconds patience) {
-    Bus bus(g_bus_get_sync(G_BUS_TYPE_SYSTEM, nullptr, nullptr));
+    const BusConnection bus = connectToSystemBus();
     if (!bus)
         return {};
-    // Or the end of the bus would be the end of the process.
-    g_dbus_connection_set_exit_on_close(bus.get(), FALSE);
     Variant answer = call(bus, "/org/freedesktop/UDisks2", "org.freedesktop.DBus.ObjectManager",
                           "GetManagedObjects", nullptr, patience);
     if (!answer || !g_variant_is_of_type(answer.get(), G_VARIANT_TYPE("(a{oa{sa{sv}}})")))

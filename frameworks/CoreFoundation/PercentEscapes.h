@@ -31,4 +31,21 @@ inline std::string percentDecoded(std::string_view text) {
     return decoded;
 }
 
+// A path as URLs have it: all but letters, digits and "-._~/" as "%20".
+inline std::string percentEncoded(std::string_view path) {
+    constexpr std::string_view kDigits = "0123456789ABCDEF";
+    std::string encoded;
+    for (const char c : path) {
+        const char lower = static_cast<char>(c | 0x20);
+        const bool isPlain = (lower >= 'a' && lower <= 'z') || (c >= '0' && c <= '9') ||
+                             std::string_view("-._~/").find(c) != std::string_view::npos;
+        const auto byte = static_cast<unsigned char>(c);
+        if (isPlain)
+            encoded += c;
+        else
+            encoded.append({'%', kDigits[byte >> 4], kDigits[byte & 15]});
+    }
+    return encoded;
+}
+
 }  // namespace cf
