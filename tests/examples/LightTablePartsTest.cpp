@@ -8,6 +8,7 @@
 #include "examples/lighttable/Preferences.h"
 #include "examples/lighttable/ThumbnailLoader.h"
 #include "tests/support/Mounts.h"
+#include "tests/support/Patience.h"
 #include "tests/support/Picture.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -253,12 +254,18 @@ protected:
         makePictures("Card/DCIM/100TEST", 60);
     }
 
-    ImportDevice device() const {
+    static ImportDevice listedCard() {
         for (const ImportDevice& found : ImportSession::devices())
             if (found.name == "Card")
                 return found;
-        ADD_FAILURE() << "the card is not found";
         return {};
+    }
+    /// A card has two seconds to answer, which a busy machine may not give it.
+    static ImportDevice device() {
+        const ImportDevice found =
+            askUntil(listedCard, [](const ImportDevice& device) { return device.name == "Card"; });
+        EXPECT_EQ(found.name, "Card");
+        return found;
     }
     /// Those that are there must be whole.
     std::size_t countWhole() const {
