@@ -112,6 +112,7 @@ TEST_F(DirMac, AliasListsTheFolderItLeadsTo) {
 
 TEST_F(DirMac, RootsChildrenArePutBehindItsOwnSlash) {
     Dir dir("/");
+    ASSERT_FALSE(dir.children(true).empty());
     for (const Dir* child : dir.children(true)) {
         EXPECT_EQ(child->fullPath(), "//" + child->name());
         EXPECT_TRUE(child->isLink());

@@ -57,6 +57,13 @@ public:
             close(std::exchange(_input, -1));
         reap();
     }
+    /// Waits for its end with its input still open. Fails: false, and it runs on.
+    bool waitForEnd() {
+        const bool isOver = comesTrue([this] { return waitpid(_process, nullptr, WNOHANG) > 0; });
+        if (isOver)
+            _process = -1;
+        return isOver;
+    }
     void kill() {
         ::kill(_process, SIGKILL);
         reap();

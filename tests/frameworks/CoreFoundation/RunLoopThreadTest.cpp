@@ -3,6 +3,7 @@
 #include "RunLoopItems.h"
 
 #include "tests/support/Patience.h"
+#include "tests/support/ThreadState.h"
 
 #include <CoreFoundation/RunLoopDescriptor.h>
 #include <CoreFoundation/RunLoopIntegration.h>
@@ -57,7 +58,7 @@ public:
     }
     /// Returns when it waits for something to do.
     void untilIdle() const {
-        while (!CFRunLoopIsWaiting(_loop) || !isAsleep())
+        while (!CFRunLoopIsWaiting(_loop) || !tav::test::isAsleep(_id))
             std::this_thread::yield();
     }
     void end() {
@@ -66,12 +67,6 @@ public:
     }
 
 private:
-    bool isAsleep() const {
-        std::ifstream file("/proc/self/task/" + std::to_string(_id) + "/stat");
-        std::string text;
-        std::getline(file, text);
-        return text.find(") S ") != std::string::npos;
-    }
     void run() {
         _source.add();
         {
