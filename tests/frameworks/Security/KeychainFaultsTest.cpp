@@ -85,7 +85,7 @@ void changeForEver(Progress& progress, int ready) {
 TEST_F(KeychainFaultsTest, AKilledProcessLeavesTheOldOrTheNew) {
     Shared<Progress> progress;
     std::mt19937 random(7);
-    constexpr int kRounds = 1000 / ULA_ROUNDS_DIVISOR;
+    constexpr int kRounds = 400 / ULA_ROUNDS_DIVISOR;
     int inside = 0;
     for (int round = 0; round < kRounds || (inside == 0 && round < kRounds + 1000); ++round) {
         int ends[2];
