@@ -55,7 +55,7 @@ protected:
             last = now;
         };
         const std::unique_ptr<NativeTimer> timer(NativeTimer::createTimer(50, look));
-        CFRunLoopRunInMode(kCFRunLoopDefaultMode, 1.5, false);
+        CFRunLoopRunInMode(kCFRunLoopDefaultMode, 1.2, false);
         look();
         return std::chrono::duration_cast<milliseconds>(longest);
     }
@@ -76,7 +76,7 @@ TEST_F(MainThreadWatchdogTest, LogsABlockWithTheStackOfTheMainThreadAndItsEnd) {
 
 TEST_F(MainThreadWatchdogTest, IsSilentWhileTheLoopRuns) {
     // A machine that halts blocks the thread, too: such a run says nothing.
-    for (int attempt = 0; attempt < 20; ++attempt) {
+    for (int attempt = 0; attempt < 50; ++attempt) {
         const LogCapture log;
         const MainThreadWatchdog watchdog(milliseconds(500));
         if (runAndMeasure() > milliseconds(250))

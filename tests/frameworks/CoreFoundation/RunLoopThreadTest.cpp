@@ -209,8 +209,8 @@ TEST(RunLoopThread, AnIdleLoopIsNotWoken) {
     const long before = thread.waits();
     EXPECT_GT(before, 0);
     std::this_thread::sleep_for(std::chrono::seconds(2));
-    // Any polling gives dozens.
-    EXPECT_LE(thread.waits() - before, 2);
+    // Any polling gives dozens; a machine that halts may add some.
+    EXPECT_LE(thread.waits() - before, 8);
 }
 
 TEST(RunLoopFork, TheChildsLoopWorks) {
