@@ -2,6 +2,7 @@
 #include "ula/InstanceGuard.h"
 
 #include "tests/support/ChildProcess.h"
+#include "tests/support/Patience.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <algorithm>
@@ -38,7 +39,7 @@ public:
     }
     std::vector<Arguments> waitFor(std::size_t count) {
         std::unique_lock lock(_mutex);
-        _changed.wait_for(lock, std::chrono::seconds(20), [&] { return _told.size() >= count; });
+        _changed.wait_for(lock, kPatience, [&] { return _told.size() >= count; });
         return _told;
     }
 

@@ -1,13 +1,17 @@
 // SPDX-License-Identifier: MIT
 #include "tests/Core/TestCaller.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/Patience.h"
+#include "tests/support/ThreadState.h"
 
 #include "ula/foundation/Exception.h"
 
+#include <atomic>
 #include <gmock/gmock.h>
 #include <new>
 #include <stdexcept>
 #include <thread>
+#include <unistd.h>
 
 namespace tav::ula {
 namespace {
@@ -243,7 +247,12 @@ TEST_F(MainThreadCallerTest, CancelInTheMiddleKeepsTheOrderOfTheOthers) {
 
 TEST_F(MainThreadCallerTest, CancelEndsABlockedWait) {
     const Handle handle = caller.callAsync(count);
-    std::jthread waiting([&] { handle->wait(); });
+    std::atomic<pid_t> thread = 0;
+    std::jthread waiting([&] {
+        thread = gettid();
+        handle->wait();
+    });
+    ASSERT_TRUE(test::comesTrue([&] { return test::isAsleep(thread); }));
     handle->cancel();
     waiting.join();
     EXPECT_EQ(calls, 0);

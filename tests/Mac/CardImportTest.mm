@@ -2,6 +2,7 @@
 // Cards on disk images, as a program sees them. Needs root: mounts in a space of its own.
 #include "tests/support/ChildProcess.h"
 #include "tests/support/Mounts.h"
+#include "tests/support/Patience.h"
 #include "tests/support/Picture.h"
 #include "tests/support/TemporaryFolder.h"
 #include "ula/ImportSession.h"
@@ -21,8 +22,6 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using Texts = std::vector<std::string>;
 
-constexpr double kPatienceSeconds = 20;
-
 class CardImport : public testing::Test {
 protected:
     CardImport() { fs::create_directory(target()); }
@@ -36,11 +35,15 @@ protected:
             writeFile(file, picture("2009:03:15 10:20:30", 20'000, ++seed));
         }
     }
-    static ImportDevice cardDevice() {
+    static ImportDevice listedCard() {
         for (const ImportDevice& device : ImportSession::devices())
             if (device.isCard)
                 return device;
         return {};
+    }
+    /// A card has two seconds to answer, which a busy machine may not give it.
+    static ImportDevice cardDevice() {
+        return askUntil(listedCard, [](const ImportDevice& device) { return device.isCard; });
     }
 
     TemporaryFolder folder{fs::canonical(fs::temp_directory_path())};

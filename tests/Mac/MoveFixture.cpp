@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "tests/Mac/MoveFixture.h"
 
+#include "tests/support/Patience.h"
+
 #include <cstdlib>
 #include <fcntl.h>
 #include <fstream>
@@ -17,7 +19,6 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr unsigned kOrdinaryUser = 65534;
-constexpr int kPatienceMs = 60000;
 
 /// Ends it when it does not end by itself. The exit code; less than 0 for a signal.
 int waitFor(pid_t process) {
@@ -159,7 +160,7 @@ std::string MoveFixture::readLine(int patienceMs) const {
 
 std::string MoveFixture::nextLine() {
     if (_later.empty())
-        _later.push_back(readLine(20000));
+        _later.push_back(readLine(kPatienceMs));
     const std::string line = _later.front();
     _later.pop_front();
     return line.substr(line.find(' ') + 1);

@@ -44,7 +44,7 @@ protected:
     std::string install(const std::string& place, const std::string& name = "Photo Box");
     /// Runs it to its end, with the answers to its alerts.
     Run run(const std::string& bundle, const std::string& answers, Variables variables = {});
-    /// The next line of an application that was opened; empty after twenty seconds.
+    /// The next line of an application that was opened; empty when none comes.
     std::string nextLine();
     /// Waits until a bundle was opened and has found that it is where it belongs.
     void expectOpened(const std::string& bundle);

@@ -149,12 +149,12 @@ protected:
     }
     ~RealRestart() override { close(_report); }
 
-    /// Empty after twenty seconds.
+    /// Empty when none comes.
     std::string report() const {
         std::string line;
         pollfd ready = {_report, POLLIN, 0};
         char byte = 0;
-        while (poll(&ready, 1, 20000) > 0 && read(_report, &byte, 1) == 1 && byte != '\n')
+        while (poll(&ready, 1, kPatienceMs) > 0 && read(_report, &byte, 1) == 1 && byte != '\n')
             line += byte;
         return line;
     }

@@ -133,16 +133,23 @@ protected:
 };
 
 TEST_F(InterruptibleTimerTest, RestartedTimerIsNotCalledUntilItIsLeftAlone) {
-    const auto timer = make(100, 1000, 0);
     auto start = Clock::now();
-    for (int i = 0; i < 4; ++i) {
-        EXPECT_EQ(runFor(0.5), kCFRunLoopRunTimedOut);
+    const auto timer = make(100, 1000, 0);
+    // A round in which the machine halted for so long that the timer was due says nothing.
+    for (int silent = 0, rounds = 0; silent < 4; ++rounds) {
+        ASSERT_LT(rounds, 50);
+        const int before = calls;
+        runFor(0.5);
+        if (since(start) < milliseconds(1000)) {
+            ++silent;
+            EXPECT_EQ(calls, before);
+        }
         start = Clock::now();
         timer->restart();
     }
-    EXPECT_EQ(calls, 0);
+    const int before = calls;
     EXPECT_EQ(runFor(60), kCFRunLoopRunStopped);
-    EXPECT_EQ(calls, 1);
+    EXPECT_EQ(calls, before + 1);
     EXPECT_GT(since(start), milliseconds(1000));
 }
 

@@ -111,16 +111,28 @@ TEST_F(TreeMonitorTest, FileIsToldWhenItHasStoppedGrowing) {
     TreeMonitorOptions options;
     options.latency = 1ms;
     options.settle = 200ms;
-    TreeRecorder recorder(_root, options);
-    const auto begin = std::chrono::steady_clock::now();
-    for (int part = 0; part < 3; ++part) {
-        writeFile(at("growing"), std::string(static_cast<std::size_t>(part + 1), 'x'));
-        CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0.05, false);
+    using Clock = std::chrono::steady_clock;
+    // Where the machine halts between two parts, the file has settled: such a run says nothing.
+    for (int attempt = 0; attempt < 20; ++attempt) {
+        const std::string file = at("growing" + std::to_string(attempt));
+        TreeRecorder recorder(_root, options);
+        Clock::time_point lastPart;
+        Clock::duration longestPause{};
+        for (int part = 0; part < 3; ++part) {
+            lastPart = Clock::now();
+            writeFile(file, std::string(static_cast<std::size_t>(part + 1), 'x'));
+            CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0.05, false);
+            longestPause = std::max(longestPause, Clock::now() - lastPart);
+        }
+        if (longestPause >= options.settle)
+            continue;
+        EXPECT_EQ(recorder.text(), "");
+        ASSERT_TRUE(recorder.waitUntil([&] { return !recorder.told().empty(); }));
+        EXPECT_GE(Clock::now() - lastPart, options.settle);
+        EXPECT_EQ(recorder.text(), "created " + file + "\n");
+        return;
     }
-    EXPECT_EQ(recorder.text(), "");
-    ASSERT_TRUE(recorder.waitUntil([&] { return !recorder.told().empty(); }));
-    EXPECT_GE(std::chrono::steady_clock::now() - begin, 300ms);
-    EXPECT_EQ(recorder.text(), "created " + at("growing") + "\n");
+    FAIL() << "this machine halts all the time";
 }
 
 TEST_F(TreeMonitorTest, IgnoredItemsAreNotTold) {

@@ -5,6 +5,7 @@
 
 #include "tests/support/ApplicationBundle.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/ReplacedMethod.h"
 #include "tests/support/RunningProgram.h"
 
 #include <algorithm>
@@ -24,6 +25,10 @@ std::vector<std::string> launched;
 BOOL noteLaunch(id, SEL, NSString* path) {
     launched.emplace_back([path UTF8String]);
     return NO;
+}
+
+void noteTask(id task, SEL) {
+    launched.emplace_back([[task launchPath] UTF8String]);
 }
 
 class Instances : public testing::Test {
@@ -110,9 +115,14 @@ TEST_F(Instances, SwitchingLaunchesThePathOfTheOther) {
 
 TEST_F(Instances, SwitchingStartsNoSecondCopy) {
     method_setImplementation(_launch, _original);
+    // A copy would be seen, but for one that a task has not yet become.
+    const ReplacedMethod task(
+        class_getInstanceMethod([[[[NSTask alloc] init] autorelease] class], @selector(launch)),
+        reinterpret_cast<IMP>(noteTask));
     const RunningProgram other(photo.program(), "wait");
     ASSERT_EQ(other.readLine(), "ready");
     EXPECT_TRUE(switchToAppInstance("com.maker.photobox"));
+    EXPECT_THAT(launched, ElementsAre());
     EXPECT_EQ(processesOf("com.maker.photobox"), std::vector<int>{other.process()});
 }
 

@@ -72,7 +72,7 @@ protected:
 
 TEST_F(WatchedItems, WriteIsTold) {
     const auto watcher = watch(file);
-    test::writeFile(file, "other text");
+    test::appendToFile(file, "other text");
     EXPECT_THAT(told.take(), ElementsAre(file + " changed"));
 }
 
@@ -82,7 +82,7 @@ TEST_F(WatchedItems, DeletionIsToldOnceAndNothingAfterwards) {
     fs::remove(file);
     EXPECT_THAT(told.take(), ElementsAre(file + " removed"));
     test::writeFile(file, "again");
-    test::writeFile(other, "changed later");
+    test::appendToFile(other, "changed later");
     EXPECT_THAT(told.take(), ElementsAre(other + " changed"));
     EXPECT_EQ(FileSystemWatcher::getDebugString().find(file + " "), std::string::npos);
 }
@@ -107,13 +107,13 @@ TEST_F(WatchedItems, WhatHappensWhileDisabledIsNotTold) {
     const auto watcher = watch(file);
     const auto next = watch(other);
     watcher->setEnabled(false);
-    test::writeFile(file, "disabled");
-    test::writeFile(other, "changed");
+    test::appendToFile(file, "disabled");
+    test::appendToFile(other, "changed");
     EXPECT_THAT(told.take(), ElementsAre(other + " changed"));
     watcher->setEnabled(true);
-    test::writeFile(other, "changed again");
+    test::appendToFile(other, "changed again");
     EXPECT_THAT(told.take(), ElementsAre(other + " changed"));
-    test::writeFile(file, "enabled");
+    test::appendToFile(file, "enabled");
     EXPECT_THAT(told.take(), ElementsAre(file + " changed"));
 }
 
@@ -121,7 +121,7 @@ TEST_F(WatchedItems, EditorsSaveIsARemovalAfterWhichASlotMayWatchTheNewFile) {
     auto watcher = watchAnewWhenRemoved();
     saveAsAnEditor();
     EXPECT_THAT(told.take(), ElementsAre(file + " watched anew"));
-    test::writeFile(file, "newer");
+    test::appendToFile(file, "newer");
     EXPECT_THAT(told.take(), ElementsAre(file + " changed"));
 }
 
@@ -130,7 +130,7 @@ TEST_F(WatchedItems, OneOfTwoWatchersMayWatchTheNewFileInItsSlot) {
     const auto second = std::make_unique<FileSystemWatcher>(file, false);
     saveAsAnEditor();
     EXPECT_THAT(told.take(), ElementsAre(file + " watched anew"));
-    test::writeFile(file, "newer");
+    test::appendToFile(file, "newer");
     EXPECT_THAT(told.take(), ElementsAre(file + " changed"));
 }
 
@@ -152,7 +152,7 @@ TEST_F(WatchedItems, LastWatcherDestroyedInItsOwnSlotEndsTheWorker) {
         told.add(FileSystemWatcher::getDebugString());
     });
     handOver();
-    test::writeFile(file, "changed");
+    test::appendToFile(file, "changed");
     EXPECT_THAT(told.take(), ElementsAre(" - no instance\n"));
 }
 
@@ -194,7 +194,7 @@ TEST_F(WatchedItems, WatchersOfSeveralThreadsLeaveNothingBehind) {
     for (std::thread& thread : threads)
         thread.join();
     EXPECT_EQ(openDescriptors(), before);
-    test::writeFile(other, "changed");
+    test::appendToFile(other, "changed");
     EXPECT_THAT(told.take(), ElementsAre(other + " changed"));
 }
 
@@ -205,12 +205,12 @@ TEST_F(WatchedItems, ForkedChildHasItsOwnWatchersAndTheParentsAreUndisturbed) {
                   test::WatcherLog own;
                   FileSystemWatcher next(other, false);
                   own.listenTo(next);
-                  test::writeFile(other, "changed");
+                  test::appendToFile(other, "changed");
                   const auto lines = own.take();
                   return lines.size() == 1 ? lines.front() : "not told";
               }),
               other + " changed");
-    test::writeFile(file, "changed");
+    test::appendToFile(file, "changed");
     EXPECT_THAT(told.take(), ElementsAre(file + " changed"));
 }
 

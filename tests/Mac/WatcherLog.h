@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "tests/support/Patience.h"
 #include "ula/FileSystemWatcher.h"
 
 #include <chrono>
@@ -28,7 +29,7 @@ public:
     /// Waits until there are so many lines, and takes them all.
     std::vector<std::string> take(std::size_t count = 1) {
         std::unique_lock lock(_mutex);
-        _added.wait_for(lock, std::chrono::seconds(30), [&] { return _lines.size() >= count; });
+        _added.wait_for(lock, kPatience, [&] { return _lines.size() >= count; });
         return std::exchange(_lines, {});
     }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #import "ula/FileSystemWatcherObjCWrapper.h"
 
+#include "tests/support/Patience.h"
 #include "tests/support/TemporaryFolder.h"
 #import "ula/ObjCHelper.h"
 #include "ula/ScopedARPool.h"
@@ -65,7 +66,7 @@ protected:
 
     /// Runs the main run loop until the client was told.
     static void runUntilTold(WatcherClient* client) {
-        const auto deadline = Clock::now() + std::chrono::seconds(30);
+        const auto deadline = Clock::now() + kPatience;
         while (client->told.empty() && Clock::now() < deadline)
             [[NSRunLoop currentRunLoop] runMode:NSDefaultRunLoopMode
                                      beforeDate:[NSDate dateWithTimeIntervalSinceNow:0.05]];
@@ -80,7 +81,7 @@ protected:
 TEST_F(WatcherWrapper, ChangeComesOnTheMainThread) {
     WatcherClient* const client = [[[WatcherClient alloc] init] autorelease];
     const FileSystemWatcherObjCWrapper wrapper(path, client);
-    writeFile(file, "changed");
+    appendToFile(file, "changed");
     runUntilTold(client);
     EXPECT_THAT(client->told, ElementsAre(file + " 1"));
     EXPECT_TRUE(client->isMainThread);

@@ -8,6 +8,7 @@
 #include "examples/lighttable/Preferences.h"
 #include "examples/lighttable/ThumbnailLoader.h"
 #include "tests/support/Mounts.h"
+#include "tests/support/Patience.h"
 #include "tests/support/Picture.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -211,16 +212,21 @@ TEST_F(LightTableParts, ThumbnailsArriveForWhatIsWantedLast) {
         wanted.push_back(
             {shown + "/IMG_" + std::to_string(1000 + i) + ".jpg", "IMG", kFileSize, i});
     std::set<std::string> loaded;
-    ThumbnailLoader loader([&](const std::string& path) { loaded.insert(path); });
-    loader.want(wanted);
-    loader.want({wanted.back()});
-    ASSERT_TRUE(waitUntil([&] { return loader.isIdle(); }));
+    std::optional<ThumbnailLoader> loader;
+    // Where the machine halts in between, all are loaded before they are no longer wanted.
+    for (int attempt = 0; attempt == 0 || (attempt < 10 && loaded.size() >= 100); ++attempt) {
+        loaded.clear();
+        loader.emplace([&](const std::string& path) { loaded.insert(path); });
+        loader->want(wanted);
+        loader->want({wanted.back()});
+        ASSERT_TRUE(waitUntil([&] { return loader->isIdle(); }));
+    }
     EXPECT_TRUE(loaded.contains(wanted.back().path));
     EXPECT_LT(loaded.size(), 100u);
-    ASSERT_NE(loader.find(wanted.back()), nullptr);
-    EXPECT_EQ(loader.find(wanted.back())->width, 8);
+    ASSERT_NE(loader->find(wanted.back()), nullptr);
+    EXPECT_EQ(loader->find(wanted.back())->width, 8);
     wanted.back().modified = 4711;
-    EXPECT_EQ(loader.find(wanted.back()), nullptr) << "another picture by now";
+    EXPECT_EQ(loader->find(wanted.back()), nullptr) << "another picture by now";
 }
 
 TEST_F(LightTableParts, SettingsThatAreDamagedOrGoneAreBegunAnew) {
@@ -248,17 +254,26 @@ TEST_F(LightTableParts, SettingsThatAreDamagedOrGoneAreBegunAnew) {
 /// A memory card with pictures, and an import of it into the folder "in".
 class LightTableImport : public LightTableParts {
 protected:
-    LightTableImport() : _card(std::in_place, folder / "Card", "/dev/mmcblk0p1") {
+    LightTableImport() { insertCard(); }
+
+    void insertCard() {
+        _card.emplace(folder / "Card", "/dev/mmcblk0p1");
         fs::create_directories(folder / "Card/DCIM");
         makePictures("Card/DCIM/100TEST", 60);
     }
 
-    ImportDevice device() const {
+    static ImportDevice listedCard() {
         for (const ImportDevice& found : ImportSession::devices())
             if (found.name == "Card")
                 return found;
-        ADD_FAILURE() << "the card is not found";
         return {};
+    }
+    /// A card has two seconds to answer, which a busy machine may not give it.
+    static ImportDevice device() {
+        const ImportDevice found =
+            askUntil(listedCard, [](const ImportDevice& device) { return device.name == "Card"; });
+        EXPECT_EQ(found.name, "Card");
+        return found;
     }
     /// Those that are there must be whole.
     std::size_t countWhole() const {
@@ -266,6 +281,24 @@ protected:
         for (const auto& entry : fs::directory_iterator(folder / "in"))
             count += fs::file_size(entry.path()) == kFileSize;
         return count;
+    }
+
+    /// Pulls the card out at the fifth picture.
+    ImportOutcome importAndPull() {
+        std::optional<ImportOutcome> outcome;
+        bool isPulled = false;
+        ImportTask::Events events;
+        events.progress = [&](const ImportState& state) {
+            if (isPulled || state.files < 5)
+                return;
+            isPulled = true;
+            _card->unmount();
+        };
+        events.finished = [&](const ImportOutcome& end) { outcome = end; };
+        ImportTask task(device(), folder / "in", {}, events);
+        EXPECT_TRUE(waitUntil([&] { return outcome.has_value(); }));
+        EXPECT_TRUE(isPulled);
+        return outcome.value_or(ImportOutcome());
     }
 
     std::optional<MountedMemory> _card;
@@ -282,22 +315,16 @@ TEST_F(LightTableImport, BringsEverythingOver) {
 }
 
 TEST_F(LightTableImport, ACardThatIsPulledEndsWithAnErrorAndWholeFiles) {
-    std::optional<ImportOutcome> outcome;
-    bool isPulled = false;
-    ImportTask::Events events;
-    events.progress = [&](const ImportState& state) {
-        if (isPulled || state.files < 5)
-            return;
-        isPulled = true;
-        _card->unmount();
-    };
-    events.finished = [&](const ImportOutcome& end) { outcome = end; };
-    ImportTask task(device(), folder / "in", {}, events);
-    ASSERT_TRUE(waitUntil([&] { return outcome.has_value(); }));
-    ASSERT_TRUE(isPulled);
-    EXPECT_LT(outcome->imported, 60u);
-    EXPECT_NE(outcome->error, "");
-    EXPECT_EQ(countWhole(), outcome->imported);
+    ImportOutcome outcome = importAndPull();
+    // On a busy machine all may be there before the card is pulled.
+    for (int attempt = 1; attempt < 10 && outcome.imported == 60; ++attempt) {
+        fs::remove_all(folder / "in");
+        insertCard();
+        outcome = importAndPull();
+    }
+    EXPECT_LT(outcome.imported, 60u);
+    EXPECT_NE(outcome.error, "");
+    EXPECT_EQ(countWhole(), outcome.imported);
 }
 
 TEST_F(LightTableImport, ATaskThatGoesTakesItsCallsAlong) {

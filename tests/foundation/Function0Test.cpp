@@ -123,8 +123,10 @@ TEST(Function0Test, SwapExchangesFullAndEmptyOnes) {
 }
 
 TEST(Function0Test, ResultOfAVoidFunctionIsDropped) {
-    const Function0<void> function([] { return 42; });
+    int calls = 0;
+    const Function0<void> function([&] { return ++calls; });
     function();
+    EXPECT_EQ(calls, 1);
 }
 
 TEST(Function0Test, CopyThatThrowsLeavesTheTargetAsItWas) {

@@ -7,6 +7,7 @@
 #include "tests/support/TemporaryFolder.h"
 #include "ula/ImportSession.h"
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <cstdio>
@@ -14,6 +15,7 @@
 #include <ctime>
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <limits>
 #include <map>
 #include <memory>
 #include <random>
@@ -26,7 +28,9 @@ namespace {
 namespace fs = std::filesystem;
 using namespace ula;
 
-constexpr int kKills = 200 / ULA_ROUNDS_DIVISOR;
+constexpr int kKills = 100 / ULA_ROUNDS_DIVISOR;
+/// When none of those fell among the pictures.
+constexpr int kMostKills = kKills + 200;
 constexpr std::size_t kPictures = 80;
 constexpr std::size_t kSize = 20'000;
 
@@ -86,13 +90,17 @@ protected:
         const timespec delay{ns / 1'000'000'000, ns % 1'000'000'000};
         nanosleep(&delay, nullptr);
     }
+    /// The shortest of some: in one of them the machine may halt.
     void measure() {
-        const auto begin = std::chrono::steady_clock::now();
-        Shared<Progress> progress;
-        ASSERT_EQ(ChildProcess([&] { importAll(target, *progress); }).wait(), 0);
-        spanNs = std::chrono::nanoseconds(std::chrono::steady_clock::now() - begin).count();
-        fs::remove_all(target);
-        fs::create_directories(target);
+        for (int i = 0; i < 3; ++i) {
+            const auto begin = std::chrono::steady_clock::now();
+            Shared<Progress> progress;
+            ASSERT_EQ(ChildProcess([&] { importAll(target, *progress); }).wait(), 0);
+            const std::chrono::nanoseconds span = std::chrono::steady_clock::now() - begin;
+            spanNs = std::min<long>(spanNs, span.count());
+            fs::remove_all(target);
+            fs::create_directories(target);
+        }
     }
     /// What is there is whole, each picture once, and nothing else.
     void inspect(const std::map<std::string, std::string>& expected, bool isComplete) {
@@ -112,7 +120,7 @@ protected:
     TemporaryFolder folder{fs::canonical(fs::temp_directory_path())};
     std::string target = folder / "target";
     std::minstd_rand random{20'261'121};
-    long spanNs = 0;
+    long spanNs = std::numeric_limits<long>::max();
 };
 
 TEST_F(KilledImports, EveryPictureIsThereWholeExactlyOnce) {
@@ -120,10 +128,11 @@ TEST_F(KilledImports, EveryPictureIsThereWholeExactlyOnce) {
     const auto expected = fill(card.point());
     measure();
     int kills = 0, inside = 0, complete = 0;
-    while (kills < kKills) {
+    const auto goesOn = [&] { return kills < kKills || (inside == 0 && kills < kMostKills); };
+    while (goesOn()) {
         fs::create_directories(target);
         Shared<Progress> progress;
-        while (!progress->isDone && kills < kKills) {
+        while (!progress->isDone && goesOn()) {
             ChildProcess child([&] { importAll(target, *progress); });
             wait();
             child.kill();
@@ -149,8 +158,8 @@ TEST_F(KilledImports, CardThatIsPulledOutAtAnyMomentLosesNothing) {
     const std::string image = static_cast<MountedImage&>(*card).image();
     const auto expected = fill(card->point());
     measure();
-    int complete = 0;
-    for (int round = 0; round < kKills; ++round) {
+    int inside = 0, complete = 0, round = 0;
+    for (; round < kKills || (inside == 0 && round < kMostKills); ++round) {
         Shared<Progress> progress;
         {
             ChildProcess child([&] { importAll(target, *progress); });
@@ -158,6 +167,7 @@ TEST_F(KilledImports, CardThatIsPulledOutAtAnyMomentLosesNothing) {
             card.reset();
             ASSERT_EQ(child.wait(), 0);
         }
+        inside += progress->imported > 0 && !progress->isDone ? 1 : 0;
         card = std::make_unique<Inserted>(image);
         if (round % 10 == 9)
             ASSERT_EQ(ChildProcess([&] { importAll(target, *progress); }).wait(), 0);
@@ -169,6 +179,8 @@ TEST_F(KilledImports, CardThatIsPulledOutAtAnyMomentLosesNothing) {
             fs::remove_all(target);
         fs::create_directories(target);
     }
+    std::printf("%d pulls, %d among the pictures, %d imports completed\n", round, inside, complete);
+    EXPECT_GT(inside, 0);
     EXPECT_GE(complete, kKills / 10);
 }
 

@@ -6,6 +6,7 @@
 
 #include "ula/SettingsException.h"
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <cstdio>
@@ -13,6 +14,7 @@
 #include <fcntl.h>
 #include <functional>
 #include <gtest/gtest.h>
+#include <limits>
 #include <random>
 #include <string_view>
 #include <sys/prctl.h>
@@ -100,10 +102,14 @@ public:
         SettingsXML settings("Reliability", "Tests", FastString(_path), false);
         fillWithMark(settings, 0);
         _save(settings, _path, 0);
-        const auto begin = std::chrono::steady_clock::now();
-        fillWithMark(settings, 0);
-        _save(settings, _path, 0);
-        _spanNs = std::chrono::nanoseconds(std::chrono::steady_clock::now() - begin).count();
+        // The shortest of some: in one of them the machine may halt.
+        for (int i = 0; i < 5; ++i) {
+            const auto begin = std::chrono::steady_clock::now();
+            fillWithMark(settings, 0);
+            _save(settings, _path, 0);
+            const std::chrono::nanoseconds span = std::chrono::steady_clock::now() - begin;
+            _spanNs = std::min<long>(_spanNs, span.count());
+        }
     }
 
     /// Kills `rounds` processes, or fewer when `untilBroken` and a file was found broken.
@@ -129,7 +135,8 @@ private:
         });
         close(ends[1]);
         waitUntilClosed(ends[0]);
-        const timespec delay{0, std::uniform_int_distribution<long>(0, _spanNs)(_random)};
+        const long ns = std::uniform_int_distribution<long>(0, _spanNs)(_random);
+        const timespec delay{ns / 1'000'000'000, ns % 1'000'000'000};
         nanosleep(&delay, nullptr);
         child.kill();
         inspect();
@@ -158,7 +165,7 @@ private:
     TemporaryFolder _folder;
     std::string _path;
     Saver _save;
-    long _spanNs = 0;
+    long _spanNs = std::numeric_limits<long>::max();
     Shared<Progress> _progress;
     Outcome _outcome;
     std::mt19937 _random{20};
@@ -181,7 +188,7 @@ void expectWhole(const Outcome& outcome, int kills) {
 
 TEST(KilledSave, LeavesTheOldOrTheNewFileWholeInMemory) {
     KilledSaves saves("/dev/shm", saveAsTheLibraryDoes);
-    expectWhole(saves.run(rounds(8000), false), rounds(8000));
+    expectWhole(saves.run(rounds(2000), false), rounds(2000));
 }
 
 TEST(KilledSave, LeavesTheOldOrTheNewFileWholeOnDisk) {

@@ -3,10 +3,12 @@
 #include "tests/reliability/support/SaveProblems.h"
 #include "tests/reliability/support/SystemCalls.h"
 #include "tests/support/ChildProcess.h"
+#include "tests/support/Patience.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <cstdio>
 #include <filesystem>
 #include <gtest/gtest.h>
@@ -32,10 +34,16 @@ struct Counts {
 
 void save(const std::string& path, int saver, int times, Counts& counts) {
     SettingsXML settings("Reliability", "Tests", FastString(path), false);
-    for (int i = 0; i < times; ++i) {
-        fillWithMark(settings, saver * 100000 + i);
+    const auto saveOnce = [&](int number) {
+        fillWithMark(settings, saver * 100000 + number);
         counts.failed += !settings.write();
-    }
+    };
+    // A busy machine may give the reader no time: the counted ones come when it has seen some.
+    const auto end = std::chrono::steady_clock::now() + kPatience;
+    for (int more = 0; counts.changes <= 10 && std::chrono::steady_clock::now() < end; ++more)
+        saveOnce(times + more);
+    for (int i = 0; i < times; ++i)
+        saveOnce(i);
 }
 
 void readUntilDone(const std::string& path, Counts& counts) {

@@ -2,6 +2,7 @@
 // A model of a tree that is fed by a monitor's events alone is compared with the disk, after random
 // operations that run while the events are being collected. Changes a limit of the kernel for some
 // of the rounds: needs root.
+#include "tests/support/LoweredLimit.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/TreeRecorder.h"
 
@@ -210,11 +211,9 @@ TEST_F(TreeModelTest, EventsGiveWhatIsOnTheDisk) {
 }
 
 TEST_F(TreeModelTest, EventsGiveWhatIsOnTheDiskWhenTheQueueOverflows) {
-    const std::string before = readFile(kQueueLimit);
-    writeFile(kQueueLimit, "5");
+    const tav::test::LoweredLimit limit(kQueueLimit, "5");
     testing::internal::CaptureStderr();
     for (unsigned seed = 0; seed < kScripts / 10 && !HasFatalFailure(); ++seed)
         runScript(seed);
-    writeFile(kQueueLimit, before);
     EXPECT_NE(testing::internal::GetCapturedStderr().find("changes were lost"), std::string::npos);
 }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/PtpResponder.h"
 
+#include "tests/support/Patience.h"
+
 #include <arpa/inet.h>
 #include <chrono>
 #include <netinet/in.h>
@@ -178,8 +180,7 @@ int PtpResponder::transfers() {
 
 bool PtpResponder::waitForTransfers(int count) {
     std::unique_lock lock(_mutex);
-    return _transferred.wait_for(lock, std::chrono::seconds(60),
-                                 [&] { return _transfers >= count; });
+    return _transferred.wait_for(lock, kPatience, [&] { return _transfers >= count; });
 }
 
 void PtpResponder::accept() {

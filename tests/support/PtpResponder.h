@@ -38,7 +38,7 @@ public:
     void setFaults(const PtpFaults& faults);
     /// How many files, or parts of files, were asked for.
     int transfers();
-    /// Waits for that many. Fails: false after ten seconds.
+    /// Waits for that many. Fails: false when they do not come.
     bool waitForTransfers(int count);
 
 private:

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "tests/support/Patience.h"
+
 #include <cerrno>
 #include <csignal>
 #include <fcntl.h>
@@ -40,12 +42,12 @@ public:
     RunningProgram& operator=(const RunningProgram&) = delete;
 
     pid_t process() const { return _process; }
-    /// Empty after twenty seconds, or at the end.
+    /// Empty when none comes, or at the end.
     std::string readLine() const {
         std::string line;
         pollfd ready = {_output, POLLIN, 0};
         char byte = 0;
-        while (poll(&ready, 1, 20000) > 0 && read(_output, &byte, 1) == 1 && byte != '\n')
+        while (poll(&ready, 1, kPatienceMs) > 0 && read(_output, &byte, 1) == 1 && byte != '\n')
             line += byte;
         return line;
     }
@@ -54,6 +56,13 @@ public:
         if (_input >= 0)
             close(std::exchange(_input, -1));
         reap();
+    }
+    /// Waits for its end with its input still open. Fails: false, and it runs on.
+    bool waitForEnd() {
+        const bool isOver = comesTrue([this] { return waitpid(_process, nullptr, WNOHANG) > 0; });
+        if (isOver)
+            _process = -1;
+        return isOver;
     }
     void kill() {
         ::kill(_process, SIGKILL);

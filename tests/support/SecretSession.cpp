@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/SecretSession.h"
 
+#include "tests/support/Patience.h"
+
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
@@ -46,6 +48,13 @@ int numberFrom(const std::string& command) {
     return number;
 }
 
+/// Less than 1 while there is none.
+pid_t ownerOfSecrets() {
+    return numberFrom("{ gdbus call --session --dest org.freedesktop.DBus --object-path / --method "
+                      "org.freedesktop.DBus.GetConnectionUnixProcessID org.freedesktop.secrets "
+                      "2>/dev/null || echo '(uint32 0,)'; } | tr -dc '0-9 ' | cut -d ' ' -f 2");
+}
+
 }  // namespace
 
 SessionBus::SessionBus(const std::string& configuration) {
@@ -82,10 +91,13 @@ void SessionBus::end(int signal) {
 void SecretSession::startKeyring(const std::string& options) {
     run("printf pw | gnome-keyring-daemon --components=secrets --daemonize " + options +
         " >/dev/null 2>&1");
-    run("gdbus wait --session --timeout 20 org.freedesktop.secrets");
-    _keyring = numberFrom("gdbus call --session --dest org.freedesktop.DBus --object-path / "
-                          "--method org.freedesktop.DBus.GetConnectionUnixProcessID "
-                          "org.freedesktop.secrets | tr -dc '0-9 ' | cut -d ' ' -f 2");
+    run("gdbus wait --session --timeout 60 org.freedesktop.secrets");
+    // The one that is replaced has the name for a moment yet.
+    const pid_t owner = askUntil(
+        ownerOfSecrets, [this](pid_t process) { return process > 0 && process != _keyring; });
+    if (owner <= 0 || owner == _keyring)
+        throw std::runtime_error("no keyring starts");
+    _keyring = owner;
 }
 
 // It does not always see that its bus has ended, and holds what it has inherited.

@@ -3,10 +3,12 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <fcntl.h>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <iterator>
 #include <stdexcept>
+#include <unistd.h>
 
 namespace tav::test {
 
@@ -37,6 +39,12 @@ void writeFile(const std::string& path, std::string_view bytes) {
     std::ofstream file(path, std::ios::binary | std::ios::trunc);
     file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
     ASSERT_TRUE(file.flush()) << path;
+}
+
+void appendToFile(const std::string& path, std::string_view bytes) {
+    const int file = open(path.c_str(), O_WRONLY | O_APPEND | O_CLOEXEC);
+    EXPECT_EQ(write(file, bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size())) << path;
+    close(file);
 }
 
 std::string readFile(const std::string& path) {

@@ -26,6 +26,8 @@ private:
 };
 
 void writeFile(const std::string& path, std::string_view bytes);
+/// By a single write, which is a single change for whoever watches the file.
+void appendToFile(const std::string& path, std::string_view bytes);
 /// Fails the test when the file cannot be read.
 std::string readFile(const std::string& path);
 

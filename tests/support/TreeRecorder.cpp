@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/TreeRecorder.h"
 
+#include "tests/support/Patience.h"
+
 #include <CoreFoundation/CoreFoundation.h>
 #include <algorithm>
 #include <stdexcept>
@@ -28,7 +30,7 @@ std::vector<TreeEvent> TreeRecorder::take() {
 }
 
 bool TreeRecorder::waitUntil(const std::function<bool()>& condition) {
-    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+    const auto end = std::chrono::steady_clock::now() + kPatience;
     while (!condition()) {
         const std::chrono::duration<double> left = end - std::chrono::steady_clock::now();
         if (left.count() <= 0)

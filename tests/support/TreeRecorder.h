@@ -20,7 +20,7 @@ public:
     std::vector<ula::TreeEvent> take();
     /// Everything that has happened so far is told.
     void flush() { _monitor->flush(); }
-    /// Runs the loop until the condition holds. Fails: false after ten seconds.
+    /// Runs the loop until the condition holds. Fails: false when it does not.
     bool waitUntil(const std::function<bool()>& condition);
     /// Until this was told.
     bool waitFor(const ula::TreeEvent& event);

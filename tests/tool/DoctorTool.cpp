@@ -11,6 +11,12 @@ namespace tav::test {
 
 namespace fs = std::filesystem;
 
+namespace {
+
+constexpr int kAttempts = 10;
+
+}  // namespace
+
 DoctorTool::DoctorTool() {
     for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "DBUS_SESSION_BUS_ADDRESS", "LANG",
                              "LOCPATH", "XDG_DATA_HOME"})
@@ -38,6 +44,31 @@ std::string DoctorTool::busWithoutServices(const std::string& address) const {
     return place("bus.conf");
 }
 
+bool DoctorTool::isSilent(const std::string& text) {
+    for (const char* silence : {"does not answer", "do not answer", " in time"})
+        if (text.find(silence) != std::string::npos)
+            return true;
+    return false;
+}
+
+DoctorTool::Finding DoctorTool::findAtOnce(const std::string& id) {
+    return findIn(run({"doctor", "--json"}).output, id);
+}
+
+DoctorTool::Finding DoctorTool::find(const std::string& id) {
+    Finding finding = findAtOnce(id);
+    for (int attempt = 1; attempt < kAttempts && isSilent(finding.message); ++attempt)
+        finding = findAtOnce(id);
+    return finding;
+}
+
+ToolResult DoctorTool::examined(const std::vector<std::string>& arguments) {
+    ToolResult result = run(arguments);
+    for (int attempt = 1; attempt < kAttempts && isSilent(result.output); ++attempt)
+        result = run(arguments);
+    return result;
+}
+
 DoctorTool::Finding DoctorTool::findIn(const std::string& output, const std::string& id) {
     const nlohmann::json found = nlohmann::json::parse(output);
     for (const nlohmann::json& check : found["checks"])
@@ -49,8 +80,13 @@ DoctorTool::Finding DoctorTool::findIn(const std::string& output, const std::str
 
 DoctorTool::Finding DoctorTool::findAfter(const std::string& remedy, const std::string& id,
                                           const std::string& within) const {
-    mend(remedy + "\n" + within + " " ULA_TOOL_PATH " doctor --json > " + place("found"));
-    return findIn(readFile(place("found")), id);
+    Finding finding;
+    for (int attempt = 0; attempt == 0 || (attempt < kAttempts && isSilent(finding.message));
+         ++attempt) {
+        mend(remedy + "\n" + within + " " ULA_TOOL_PATH " doctor --json > " + place("found"));
+        finding = findIn(readFile(place("found")), id);
+    }
+    return finding;
 }
 
 int DoctorTool::mend(const std::string& remedy) {

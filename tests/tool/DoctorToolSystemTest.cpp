@@ -70,7 +70,7 @@ TEST_F(DoctorTool, WatchingThatTheKernelRefusesIsFound) {
         std::ofstream("/proc/self/uid_map") << "0 0 1";
         if (!(std::ofstream("/proc/sys/user/max_inotify_instances") << "0" << std::flush))
             return "no limit of one's own";
-        return run({"doctor", "--json"}).output;
+        return examined({"doctor", "--json"}).output;
     });
     const Finding finding = findIn(output, "inotify");
     EXPECT_EQ(finding.state, "problem");
@@ -133,7 +133,7 @@ TEST_F(DoctorTool, CameraWithoutADeviceFileIsFound) {
 TEST_F(DoctorTool, ShareThatDoesNotAnswerIsFoundAndMended) {
     const WithoutLeakCheck answersNothing;
     DeadShare share(place("a share"));
-    const Finding finding = find("mounts");
+    const Finding finding = findAtOnce("mounts");
     EXPECT_EQ(finding.state, "problem");
     EXPECT_EQ(finding.message, share.point() + ": does not answer");
     EXPECT_EQ(finding.remedy, "umount -l '" + share.point() + "'");
@@ -156,8 +156,11 @@ TEST_F(DoctorTool, ShareWhoseProgramHasDiedIsFoundAndMended) {
 TEST_F(DoctorTool, ClockFromBeforeTheProgramIsFound) {
     fs::copy_file(ULA_TOOL_PATH, place("ula"));
     fs::last_write_time(place("ula"), fs::file_time_type::clock::now() + std::chrono::hours(72));
-    ASSERT_EQ(mend("! " + place("ula") + " doctor --json > " + place("output")), 0);
-    const Finding finding = findIn(readFile(place("output")), "clock");
+    Finding finding;
+    for (int attempt = 0; attempt == 0 || (attempt < 10 && isSilent(finding.message)); ++attempt) {
+        ASSERT_EQ(mend("! " + place("ula") + " doctor --json > " + place("output")), 0);
+        finding = findIn(readFile(place("output")), "clock");
+    }
     EXPECT_EQ(finding.state, "problem");
     EXPECT_THAT(finding.message,
                 ContainsRegex("^the clock says .+, but this program was made on "));

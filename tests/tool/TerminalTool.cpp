@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "tests/tool/TerminalTool.h"
 
+#include "tests/support/Patience.h"
+
 #include <array>
 #include <csignal>
 #include <cstdlib>
@@ -46,16 +48,16 @@ TerminalTool::~TerminalTool() {
         kill(_process, SIGKILL);
         waitpid(_process, nullptr, 0);
     }
-    close(_terminal);
+    if (_terminal >= 0)
+        close(_terminal);
     close(_screen);
 }
 
 bool TerminalTool::readMore() {
-    constexpr int kTimeoutMs = 10000;
     pollfd screen{_screen, POLLIN, 0};
     std::array<char, 4096> piece;
     const ssize_t count =
-        poll(&screen, 1, kTimeoutMs) > 0 ? read(_screen, piece.data(), piece.size()) : 0;
+        poll(&screen, 1, kPatienceMs) > 0 ? read(_screen, piece.data(), piece.size()) : 0;
     if (count > 0)
         _shown.append(piece.data(), static_cast<std::size_t>(count));
     return count > 0;
@@ -79,19 +81,21 @@ void TerminalTool::signal(int number) const {
 }
 
 bool TerminalTool::showsTyping() const {
-    termios settings{};
-    tcgetattr(_terminal, &settings);
+    termios settings = _settings;
+    if (_terminal >= 0)
+        tcgetattr(_terminal, &settings);
     return (settings.c_lflag & ECHO) != 0;
 }
 
 int TerminalTool::wait() {
     int status = 0;
     waitpid(std::exchange(_process, -1), &status, 0);
-    // What it has written is there by now.
-    for (pollfd screen{_screen, POLLIN, 0}; poll(&screen, 1, 0) > 0;) {
-        if (!readMore())
-            break;
-    }
+    // The kernel brings what it has written to the screen's end in its own time. With the last
+    // terminal closed, reading ends behind that.
+    tcgetattr(_terminal, &_settings);
+    close(std::exchange(_terminal, -1));
+    while (readMore())
+        continue;
     return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
 }
 

@@ -3,6 +3,7 @@
 
 #include <string>
 #include <sys/types.h>
+#include <termios.h>
 #include <vector>
 
 namespace tav::test {
@@ -15,7 +16,7 @@ public:
     TerminalTool(const TerminalTool&) = delete;
     TerminalTool& operator=(const TerminalTool&) = delete;
 
-    /// Waits until the terminal shows it. Fails: false when nothing more comes for ten seconds.
+    /// Waits until the terminal shows it. Fails: false when nothing more comes.
     bool waitFor(const std::string& text);
     void type(const std::string& text);
     void signal(int number) const;
@@ -30,9 +31,11 @@ public:
 private:
     bool readMore();
 
-    /// The user's end, and the tool's, which is held open: what is set there is seen after its end.
+    /// The user's end, and the tool's, which is held open until the tool has ended.
     int _screen = -1;
     int _terminal = -1;
+    /// The tool's end as it was left.
+    termios _settings{};
     pid_t _process = -1;
     std::string _shown;
 };

@@ -217,8 +217,22 @@ TEST_F(TimeTool, FilesWithoutExifHaveNoDateAndAreNoError) {
 }
 
 TEST_F(TimeTool, PictureCutOffAnywhereIsNoError) {
-    for (std::size_t length = 0; length < kFullJpeg.size(); length += 7)
-        EXPECT_THAT(taken(kFullJpeg.substr(0, length)), testing::AnyOf("null", StartsWith("\"20")));
+    std::vector<std::string> arguments = {"--json"};
+    for (std::size_t length = 0; length < kFullJpeg.size(); length += 7) {
+        arguments.push_back(std::to_string(length));
+        write(arguments.back(), kFullJpeg.substr(0, length));
+    }
+    const ToolResult result = time(arguments);
+    EXPECT_EQ(result.code, 0);
+    EXPECT_EQ(result.errors, "");
+    std::size_t told = 0;
+    for (const std::string& line : lines(result.output)) {
+        if (line.find("\"taken\": ") == std::string::npos)
+            continue;
+        ++told;
+        EXPECT_THAT(line, testing::AnyOf(HasSubstr(": null"), HasSubstr(": \"20")));
+    }
+    EXPECT_EQ(told, arguments.size() - 1);
 }
 
 TEST_F(TimeTool, FoldersLinksAndPipesHaveTheirDates) {

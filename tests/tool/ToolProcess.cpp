@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "tests/tool/ToolProcess.h"
 
+#include "tests/support/Patience.h"
+
 #include <array>
 #include <csignal>
 #include <cstdio>
@@ -154,13 +156,12 @@ RunningTool::~RunningTool() {
 }
 
 std::string RunningTool::readLine() {
-    constexpr int kTimeoutMs = 10000;
     std::size_t end = 0;
     while ((end = _unread.find('\n')) == std::string::npos) {
         pollfd output{_output, POLLIN, 0};
         std::array<char, 4096> piece;
         const ssize_t count =
-            poll(&output, 1, kTimeoutMs) > 0 ? read(_output, piece.data(), piece.size()) : 0;
+            poll(&output, 1, kPatienceMs) > 0 ? read(_output, piece.data(), piece.size()) : 0;
         if (count <= 0)
             return "";
         _unread.append(piece.data(), static_cast<std::size_t>(count));

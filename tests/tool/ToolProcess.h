@@ -43,7 +43,7 @@ public:
     RunningTool(const RunningTool&) = delete;
     RunningTool& operator=(const RunningTool&) = delete;
 
-    /// Waits for a line, ten seconds at most; empty when none comes. Without its end.
+    /// Waits for a line; empty when none comes. Without its end.
     std::string readLine();
     /// Reads lines until there is this one. Fails: false, and `seen` has what came instead.
     bool waitForLine(const std::string& line);

@@ -72,7 +72,7 @@ protected:
 
     std::vector<Progress> hear(std::size_t count) {
         bool isLate = false;
-        const guint timer = g_timeout_add_seconds(20, expire, &isLate);
+        const guint timer = g_timeout_add_seconds(60, expire, &isLate);
         while (_heard.size() < count && !isLate)
             g_main_context_iteration(nullptr, TRUE);
         if (!isLate)

@@ -63,7 +63,7 @@ TEST_F(RunningObjects, KnowThatTheyHaveEnded) {
 TEST_F(RunningObjects, AreEndedOnDemand) {
     NSRunningApplication* const application = other();
     EXPECT_TRUE([application terminate]);
-    program.finish();
+    EXPECT_TRUE(program.waitForEnd());
     EXPECT_TRUE([application isTerminated]);
 }
 

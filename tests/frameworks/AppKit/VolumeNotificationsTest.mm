@@ -3,6 +3,7 @@
 #import <AppKit/AppKit.h>
 
 #include "tests/support/Mounts.h"
+#include "tests/support/Patience.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <filesystem>
@@ -64,7 +65,8 @@ protected:
         return [[NSWorkspace sharedWorkspace] notificationCenter];
     }
     template <class Condition>
-    static void runUntil(Condition condition, NSString* mode, NSTimeInterval seconds = 20) {
+    static void runUntil(Condition condition, NSString* mode,
+                         NSTimeInterval seconds = kPatienceSeconds) {
         NSDate* limit = [NSDate dateWithTimeIntervalSinceNow:seconds];
         do
             [[NSRunLoop currentRunLoop] runMode:mode beforeDate:limit];

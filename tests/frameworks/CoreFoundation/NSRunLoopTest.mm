@@ -38,7 +38,7 @@ protected:
 
     template <class Condition>
     bool runHostUntil(Condition condition, NSString* mode = NSDefaultRunLoopMode) {
-        NSDate* deadline = [NSDate dateWithTimeIntervalSinceNow:20];
+        NSDate* deadline = [NSDate dateWithTimeIntervalSinceNow:60];
         while (!condition() && [deadline timeIntervalSinceNow] > 0)
             [[NSRunLoop currentRunLoop] runMode:mode beforeDate:deadline];
         return condition();
@@ -102,7 +102,7 @@ TEST_F(NSRunLoopTest, ACFRunServesObjectiveCTimers) {
                                    selector:@selector(stop)
                                    userInfo:nil
                                     repeats:NO];
-    EXPECT_EQ(CFRunLoopRunInMode(kCFRunLoopDefaultMode, 20, false), kCFRunLoopRunStopped);
+    EXPECT_EQ(CFRunLoopRunInMode(kCFRunLoopDefaultMode, 60, false), kCFRunLoopRunStopped);
     EXPECT_EQ(_target->_calls, 1);
 }
 
@@ -115,7 +115,7 @@ TEST_F(NSRunLoopTest, ACFRunServesCallsOntoTheMainThread) {
         [target performSelectorOnMainThread:@selector(stop) withObject:nil waitUntilDone:NO];
         [pool release];
     });
-    EXPECT_EQ(CFRunLoopRunInMode(kCFRunLoopDefaultMode, 20, false), kCFRunLoopRunStopped);
+    EXPECT_EQ(CFRunLoopRunInMode(kCFRunLoopDefaultMode, 60, false), kCFRunLoopRunStopped);
     other.join();
 }
 
@@ -142,7 +142,7 @@ TEST_F(NSRunLoopTest, ASourceSignalledByAnObjectiveCTimerIsServedInTheSameRun) {
     [NSTimer scheduledTimerWithTimeInterval:0.001 invocation:signal repeats:NO];
     TestTimer signaller(0.002, 0, [&] { CFRunLoopSourceSignal(reference); });
     signaller.add();
-    EXPECT_EQ(CFRunLoopRunInMode(kCFRunLoopDefaultMode, 20, true), kCFRunLoopRunHandledSource);
+    EXPECT_EQ(CFRunLoopRunInMode(kCFRunLoopDefaultMode, 60, true), kCFRunLoopRunHandledSource);
     EXPECT_EQ(source.calls(), 1);
 }
 

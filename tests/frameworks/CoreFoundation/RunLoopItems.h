@@ -91,10 +91,11 @@ private:
     int _calls = 0;
 };
 
-/// Runs until the condition holds, which a call-back must bring about, or for 20 seconds.
+/// Runs until the condition holds, which a call-back must bring about, or as long as a test may
+/// take.
 template <class Condition>
 bool runUntil(Condition condition, CFStringRef mode = kCFRunLoopDefaultMode) {
-    CFAbsoluteTime deadline = CFAbsoluteTimeGetCurrent() + 20;
+    CFAbsoluteTime deadline = CFAbsoluteTimeGetCurrent() + 100;
     while (!condition() && CFAbsoluteTimeGetCurrent() < deadline)
         CFRunLoopRunInMode(mode, deadline - CFAbsoluteTimeGetCurrent(), true);
     return condition();

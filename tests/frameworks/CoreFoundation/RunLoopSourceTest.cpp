@@ -286,16 +286,18 @@ TEST(RunLoopSource, EveryJobOfManyThreadsIsServed) {
 TEST(RunLoopSource, NoWakeUpIsLostBetweenTwoThreads) {
     std::atomic<int> asked{0};
     std::atomic<int> answered{0};
+    std::atomic<bool> isOver{false};
     TestSource source([&] { answered = asked.load(); });
     source.add();
     std::thread other([&] {
-        for (int i = 1; i <= 20000; ++i) {
+        for (int i = 1; i <= 20000 && !isOver; ++i) {
             asked = i;
             source.signalAndWake();
-            while (answered.load() < i)
+            while (answered.load() < i && !isOver)
                 std::this_thread::yield();
         }
     });
     EXPECT_TRUE(runUntil([&] { return answered == 20000; }));
+    isOver = true;
     other.join();
 }

@@ -3,6 +3,7 @@
 // folders that may not be read, forked children. Changes limits of the kernel: needs root.
 #include "FSEventsFixture.h"
 #include "tests/support/ChildProcess.h"
+#include "tests/support/LoweredLimit.h"
 #include "tests/support/Mounts.h"
 
 #include <cstdlib>
@@ -20,19 +21,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr char kQueueLimit[] = "/proc/sys/fs/inotify/max_queued_events";
-
-// A limit of the whole system, for the time of a test. Queues that are there keep theirs.
-class LoweredLimit {
-public:
-    LoweredLimit(const char* file, const char* value) : _file(file), _before(readFile(file)) {
-        writeFile(_file, value);
-    }
-    ~LoweredLimit() { writeFile(_file, _before); }
-
-private:
-    std::string _file;
-    std::string _before;
-};
 
 // In a process whose user may have so many of something of inotify's.
 std::string runLimited(const char* limit, const char* value,

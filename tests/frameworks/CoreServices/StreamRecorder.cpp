@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "StreamRecorder.h"
 
+#include "tests/support/Patience.h"
+
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
@@ -61,7 +63,7 @@ void StreamRecorder::receive(ConstFSEventStreamRef, void* info, size_t count, vo
 }
 
 bool StreamRecorder::waitUntil(const std::function<bool()>& condition) {
-    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+    const auto end = std::chrono::steady_clock::now() + tav::test::kPatience;
     while (!condition()) {
         const std::chrono::duration<double> left = end - std::chrono::steady_clock::now();
         if (left.count() <= 0)

@@ -33,7 +33,7 @@ public:
     int calls() const { return _calls; }
     bool hasStarted() const { return _hasStarted; }
 
-    /// Runs the loop until the condition holds. Fails: false after ten seconds.
+    /// Runs the loop until the condition holds. Fails: false when it does not.
     bool waitUntil(const std::function<bool()>& condition);
     /// Until something with exactly these flags was told of the path.
     bool waitFor(const std::string& path, FSEventStreamEventFlags flags);

@@ -2,6 +2,7 @@
 // A bus and a service of the test's own.
 #include "DiskArbitration/Machine.h"
 
+#include "tests/support/Patience.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <gio/gio.h>
@@ -95,8 +96,11 @@ protected:
 TEST_F(UDisks, TellsLabelAndUuid) {
     Service service(g_test_dbus_get_bus_address(bus));
     service.answer();
-    EXPECT_EQ(ask("dm-0").label, "Ann's disk");
-    EXPECT_EQ(ask("dm-0").uuid, "12-AB");
+    // The answer has to come within a fraction of a second.
+    const VolumeLabel label = tav::test::askUntil(
+        [&] { return ask("dm-0"); }, [](const VolumeLabel& answer) { return !answer.empty(); });
+    EXPECT_EQ(label.label, "Ann's disk");
+    EXPECT_EQ(label.uuid, "12-AB");
     EXPECT_TRUE(ask("sdb1").empty());
 }
 

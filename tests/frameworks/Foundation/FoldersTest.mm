@@ -72,21 +72,6 @@ TEST_F(Folders, PathThatIsNoTextIsNone) {
     EXPECT_EQ([urls(NSApplicationSupportDirectory) count], 0u);
 }
 
-TEST_F(Folders, HomeIsThatOfTheEnvironment) {
-    EXPECT_EQ(std::string([NSHomeDirectory() UTF8String]), home.path().string());
-}
-
-TEST_F(Folders, HomeIsThatOfThePasswordDatabaseWithoutOne) {
-    for (const char* value : {"", "relative", "/\xff"}) {
-        setenv("HOME", value, 1);
-        EXPECT_EQ([NSHomeDirectory() UTF8String],
-                  std::string([(NSHomeDirectoryForUser)(NSUserName()) UTF8String]))
-            << value;
-    }
-    unsetenv("HOME");
-    EXPECT_TRUE([NSHomeDirectory() isAbsolutePath]);
-}
-
 TEST_F(Folders, TemporaryFolderIsThatOfTheEnvironment) {
     for (const std::string end : {"", "/", "//"}) {
         setenv("TMPDIR", (home.path().string() + end).c_str(), 1);

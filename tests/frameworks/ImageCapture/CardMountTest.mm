@@ -2,6 +2,7 @@
 // Cards on disk images that come and go. Needs root: mounts in a space of its own.
 #include "ImageCaptureCalls.h"
 #include "tests/support/Mounts.h"
+#include "tests/support/Patience.h"
 #include "tests/support/Picture.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -16,8 +17,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using Told = std::vector<std::string>;
-
-constexpr double kPatienceSeconds = 20;
 
 class Pool {
 public:
@@ -107,6 +106,12 @@ protected:
 
     Cards() { told.clear(); }
 
+    /// Of the card, when it is inserted; it has two seconds to answer, which a busy machine may not
+    /// give it.
+    static ICAObject inserted() {
+        return askUntil([] { return capture::deviceNamed("Card"); },
+                        [](ICAObject device) { return device != 0; });
+    }
     const Told& toldAfter(std::size_t count) {
         const CFAbsoluteTime limit = CFAbsoluteTimeGetCurrent() + kPatienceSeconds;
         while (told.size() < count && CFAbsoluteTimeGetCurrent() < limit)
@@ -125,7 +130,7 @@ protected:
 TEST_F(Cards, AreDevicesWhileTheyAreMounted) {
     EXPECT_EQ(capture::deviceNamed("Card"), 0u);
     card.insert();
-    const ICAObject device = capture::deviceNamed("Card");
+    const ICAObject device = inserted();
     ASSERT_NE(device, 0u);
     EXPECT_EQ(capture::deviceNamed("Card"), device);
     NSDictionary* facts = capture::properties(device);
@@ -142,14 +147,14 @@ TEST_F(Cards, AreDevicesWhileTheyAreMounted) {
 TEST_F(Cards, AreToldWhenTheyComeAndWhenTheyGo) {
     card.insert();
     toldAfter(1);
-    const std::string number = std::to_string(capture::deviceNamed("Card"));
+    const std::string number = std::to_string(inserted());
     card.eject();
     EXPECT_EQ(toldAfter(2), (Told{"+" + number, "-" + number}));
 }
 
 TEST_F(Cards, OneThatWasListedBeforeItWasToldIsToldAllTheSame) {
     card.insert();
-    const std::string number = std::to_string(capture::deviceNamed("Card"));
+    const std::string number = std::to_string(inserted());
     EXPECT_EQ(toldAfter(1), Told{"+" + number});
     card.eject();
     capture::devices();
@@ -158,10 +163,10 @@ TEST_F(Cards, OneThatWasListedBeforeItWasToldIsToldAllTheSame) {
 
 TEST_F(Cards, SameCardInsertedAgainIsAnotherDevice) {
     card.insert();
-    const ICAObject first = capture::deviceNamed("Card");
+    const ICAObject first = inserted();
     card.eject();
     card.insert();
-    EXPECT_NE(capture::deviceNamed("Card"), first);
+    EXPECT_NE(inserted(), first);
     card.eject();
     capture::devices();
     CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0, false);
@@ -176,7 +181,7 @@ TEST_F(Cards, VolumesWithoutPicturesAreNone) {
 TEST_F(Cards, FilesAreDescribed) {
     card.insert();
     writeFile(card.path("DCIM/100TEST/../../x"), "not below DCIM");
-    NSArray* data = [capture::properties(capture::deviceNamed("Card")) objectForKey:@"data"];
+    NSArray* data = [capture::properties(inserted()) objectForKey:@"data"];
     ASSERT_EQ([data count], 1u);
     NSDictionary* file = [data objectAtIndex:0];
     EXPECT_TRUE([[file objectForKey:@"ifil"] isEqual:@"IMG_1.JPG"]);
@@ -189,7 +194,7 @@ TEST_F(Cards, FilesAreDescribed) {
 
 TEST_F(Cards, FilesAreDownloadedOnceAndNeverReplaced) {
     card.insert();
-    const ICAObject file = capture::files(capture::deviceNamed("Card"))["IMG_1.JPG"];
+    const ICAObject file = capture::files(inserted())["IMG_1.JPG"];
     EXPECT_EQ(capture::download(file, target), 0);
     EXPECT_TRUE(readFile(target / "IMG_1.JPG") == picture("", 5000));
     writeFile(target / "IMG_1.JPG", "mine");
@@ -200,7 +205,7 @@ TEST_F(Cards, FilesAreDownloadedOnceAndNeverReplaced) {
 
 TEST_F(Cards, FilesOfACardThatHasGoneAreNoLongerThere) {
     card.insert();
-    const ICAObject file = capture::files(capture::deviceNamed("Card"))["IMG_1.JPG"];
+    const ICAObject file = capture::files(inserted())["IMG_1.JPG"];
     card.eject();
     EXPECT_EQ(capture::download(file, target), kICACommunicationErr);
     capture::devices();
@@ -210,7 +215,7 @@ TEST_F(Cards, FilesOfACardThatHasGoneAreNoLongerThere) {
 
 TEST_F(Cards, ReadingDoesNotKeepACardFromBeingUnmounted) {
     card.insert();
-    const ICAObject file = capture::files(capture::deviceNamed("Card"))["IMG_1.JPG"];
+    const ICAObject file = capture::files(inserted())["IMG_1.JPG"];
     EXPECT_EQ(capture::read(file, 0, 100).size(), 100u);
     EXPECT_TRUE(card.eject(Card::Way::Politely));
     EXPECT_EQ(capture::deviceNamed("Card"), 0u);
@@ -218,7 +223,7 @@ TEST_F(Cards, ReadingDoesNotKeepACardFromBeingUnmounted) {
 
 TEST_F(Cards, FullDiskIsToldAndNothingIsLeft) {
     card.insert();
-    const ICAObject file = capture::files(capture::deviceNamed("Card"))["IMG_1.JPG"];
+    const ICAObject file = capture::files(inserted())["IMG_1.JPG"];
     MountedMemory full(folder / "full");
     ASSERT_EQ(std::system(("mount -o remount,size=8k '" + full.point() + "'").c_str()), 0);
     writeFile(full.point() + "/filler", std::string(4096, 'x'));

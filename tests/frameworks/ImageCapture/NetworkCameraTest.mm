@@ -105,7 +105,11 @@ TEST_F(NetworkCameras, HostileNamesStayInTheFolder) {
     address = camera->address();
     ASSERT_TRUE(ULANetworkCameraAdd(text(address)));
     device = capture::deviceNamed("Camera at " + address);
-    for (const auto& [name, file] : capture::files(device)) {
+    const auto files = capture::files(device);
+    // Those with slashes are not even listed.
+    EXPECT_EQ(files.size(), 1u);
+    EXPECT_TRUE(files.contains("_profile"));
+    for (const auto& [name, file] : files) {
         EXPECT_EQ(name.find('/'), std::string::npos) << name;
         EXPECT_NE(name[0], '.') << name;
         capture::download(file, target());
@@ -141,7 +145,8 @@ TEST_F(NetworkCameras, CameraThatFallsSilentIsGivenUp) {
     camera->setFaults(faults);
     const auto begin = std::chrono::steady_clock::now();
     EXPECT_NE(capture::download(files["IMG_1.JPG"], target()), 0);
-    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(60));
+    // A camera has half a minute for each answer.
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(100));
     EXPECT_TRUE(fs::is_empty(target()));
 }
 

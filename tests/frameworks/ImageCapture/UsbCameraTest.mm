@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // A camera on a USB of the test's own, which comes and goes. Runs under umockdev-wrapper.
 #include "ImageCaptureCalls.h"
+#include "tests/support/Patience.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
@@ -49,6 +50,12 @@ void note(CFStringRef type, CFDictionaryRef) {
     CFRunLoopStop(CFRunLoopGetMain());
 }
 
+void runUntilTold(std::size_t count) {
+    const CFAbsoluteTime limit = CFAbsoluteTimeGetCurrent() + kPatienceSeconds;
+    while (told.size() < count && CFAbsoluteTimeGetCurrent() < limit)
+        CFRunLoopRunInMode(kCFRunLoopDefaultMode, limit - CFAbsoluteTimeGetCurrent(), false);
+}
+
 TEST(UsbCamera, ComesAndGoesWithItsPlug) {
     NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
     UMockdevTestbed* testbed = umockdev_testbed_new();
@@ -65,9 +72,7 @@ TEST(UsbCamera, ComesAndGoesWithItsPlug) {
     GError* error = nullptr;
     ASSERT_TRUE(umockdev_testbed_add_from_string(testbed, kCamera, &error)) << error->message;
     ASSERT_EQ(access(kPlace, F_OK), 0) << "this has to run under umockdev-wrapper";
-    const CFAbsoluteTime limit = CFAbsoluteTimeGetCurrent() + 20;
-    while (told.empty() && CFAbsoluteTimeGetCurrent() < limit)
-        CFRunLoopRunInMode(kCFRunLoopDefaultMode, limit - CFAbsoluteTimeGetCurrent(), false);
+    runUntilTold(1);
     ASSERT_EQ(told, std::vector<std::string>{"ICANotificationTypeDeviceAdded"});
     NSArray* devices = capture::devices();
     ASSERT_EQ([devices count], 1u);
@@ -82,8 +87,8 @@ TEST(UsbCamera, ComesAndGoesWithItsPlug) {
     umockdev_testbed_uevent(testbed, kPlace, "remove");
     umockdev_testbed_remove_device(testbed, kPlace);
     EXPECT_EQ([capture::devices() count], 0u);
-    while (told.size() < 2 && CFAbsoluteTimeGetCurrent() < limit)
-        CFRunLoopRunInMode(kCFRunLoopDefaultMode, limit - CFAbsoluteTimeGetCurrent(), false);
+    runUntilTold(2);
+    ASSERT_EQ(told.size(), 2u);
     EXPECT_EQ(told.back(), "ICANotificationTypeDeviceRemoved");
     g_object_unref(testbed);
     [pool release];
