@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#import "examples/lighttable/ChoiceView.h"
 #include "examples/lighttable/FolderTree.h"
 
 #import <AppKit/AppKit.h>
@@ -8,7 +9,7 @@
 #include <string>
 
 /// The browser of places, drives and folders: a line each, a triangle for what can be opened.
-@interface FolderView : NSView {
+@interface FolderView : ChoiceView {
 @private
     lighttable::FolderTree* _tree;
     std::string _selectedPath;

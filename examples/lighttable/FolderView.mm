@@ -40,18 +40,6 @@ void drawTriangle(NSRect place, BOOL isOpen) {
 
 @implementation FolderView
 
-- (BOOL)isFlipped {
-    return YES;
-}
-
-- (BOOL)isOpaque {
-    return YES;
-}
-
-- (BOOL)acceptsFirstResponder {
-    return YES;
-}
-
 - (void)setTree:(FolderTree*)tree {
     _tree = tree;
     [self treeChanged];

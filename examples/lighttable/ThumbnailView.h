@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#import "examples/lighttable/ChoiceView.h"
 #include "examples/lighttable/PictureFile.h"
 #include "examples/lighttable/ThumbnailGrid.h"
 #include "examples/lighttable/ThumbnailLoader.h"
@@ -10,7 +11,7 @@
 #include <string>
 
 /// The thumbnails of a folder with their names. Draws, and asks for, only what is visible.
-@interface ThumbnailView : NSView {
+@interface ThumbnailView : ChoiceView {
 @private
     lighttable::ThumbnailLoader* _loader;
     lighttable::FolderContent _content;

@@ -61,18 +61,6 @@ Message messageFor(const FolderContent& content) {
     [super dealloc];
 }
 
-- (BOOL)isFlipped {
-    return YES;
-}
-
-- (BOOL)isOpaque {
-    return YES;
-}
-
-- (BOOL)acceptsFirstResponder {
-    return YES;
-}
-
 /// As high as all thumbnails, and at least as high as what is seen of it.
 - (void)layout {
     NSView* const around = [self superview];
