@@ -11,11 +11,11 @@ option(ULA_BUILD_EXAMPLES "Build the examples" ON)
 option(ULA_BUILD_BENCHMARKS "Build the benchmarks and their peers" OFF)
 option(ULA_BUILD_FUZZERS "Build the fuzz targets (clang only)" OFF)
 option(ULA_PRECOMPILE_HEADERS "Compile what most sources include once for all, with clang" OFF)
-option(ULA_COMPILE_TOGETHER "Compile a dozen of a library's sources at a time: for one build"
-       $ENV{ULA_COMPILE_TOGETHER})
+option(ULA_COMPILE_TOGETHER "Compile a dozen of a library's sources at a time: for one build" OFF)
 option(ULA_WARNINGS_AS_ERRORS "Treat warnings as errors" OFF)
 set(ULA_SANITIZE "" CACHE STRING "Sanitizers to build with, e.g. address,undefined or thread")
 
+set(CMAKE_UNITY_BUILD_BATCH_SIZE 12)
 set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
@@ -51,12 +51,6 @@ if(ULA_SANITIZE)
   add_link_options(-fsanitize=${ULA_SANITIZE})
 endif()
 
-# ula_compile_together(NAME): a library, where the build is asked to.
-function(ula_compile_together name)
-  set_target_properties(${name} PROPERTIES UNITY_BUILD ${ULA_COMPILE_TOGETHER}
-                                           UNITY_BUILD_BATCH_SIZE 12)
-endfunction()
-
 # ula_target(NAME): warnings and the include root for a target of this project. A program built with
 # sanitizers also gets what they are not to report of the system's libraries.
 function(ula_target name)
@@ -69,7 +63,7 @@ function(ula_target name)
     set(exports ${PROJECT_SOURCE_DIR}/cmake/exports.map)
     target_link_options(${name} PRIVATE LINKER:--version-script=${exports})
     set_property(TARGET ${name} APPEND PROPERTY LINK_DEPENDS ${exports})
-    ula_compile_together(${name})
+    set_target_properties(${name} PROPERTIES UNITY_BUILD ${ULA_COMPILE_TOGETHER})
   endif()
   target_link_libraries(${name} PRIVATE $<BUILD_INTERFACE:ula-flags>)
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})

@@ -3,9 +3,8 @@
 // its own.
 #include "tests/support/Picture.h"
 #include "tests/support/RunningProgram.h"
-#include "tests/tool/ToolProcess.h"
+#include "tests/tool/GuideTool.h"
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <gmock/gmock.h>
@@ -20,17 +19,11 @@ using testing::AllOf;
 using testing::ContainsRegex;
 using testing::EndsWith;
 using testing::HasSubstr;
+using testing::SizeIs;
 
-class JsonGuide : public ToolTest {
+class JsonGuide : public GuideTool {
 protected:
-    JsonGuide() {
-        setenv("XDG_DATA_HOME", (folder / "data").c_str(), 1);
-        setenv("XDG_CONFIG_HOME", (folder / "config").c_str(), 1);
-        setenv("HOME", folder.path().c_str(), 1);
-        for (const char* name : {"DBUS_SESSION_BUS_ADDRESS", "XDG_RUNTIME_DIR", "DISPLAY"})
-            unsetenv(name);
-        const std::string path = fs::path(ULA_TOOL_PATH).parent_path().string();
-        setenv("PATH", (path + ":/usr/bin:/bin").c_str(), 1);
+    JsonGuide() : GuideTool("json.md") {
         fs::create_directories(folder / "Pictures/2009");
         write("Pictures/late.jpg", picture("2009:03:16 10:20:30"));
         write("Pictures/soon.jpg", picture("2009:03:15 10:20:30"));
@@ -38,28 +31,10 @@ protected:
         fs::copy_file(ULA_JSON_SCHEMA, folder / "ula-json.schema.json");
         settings({"photo.xml", "set", "Window", "Width", "1280"});
     }
-    /// The command of the guide in which the text stands.
-    static std::string commandWith(const std::string& text) {
-        std::string found;
-        for (const std::string& line : lines(readFile(ULA_JSON_GUIDE)))
-            if (line.starts_with("ula ") && line.find(text) != std::string::npos)
-                found = line;
-        EXPECT_NE(found, "") << text;
-        return found;
-    }
-    std::string inShell(const std::string& command) {
-        writeFile(folder / "command",
-                  "set -euo pipefail\ncd " + folder.path().string() + "\n" + command + "\n");
-        return outputOf("bash " + (folder / "command"));
-    }
-    std::string does(const std::string& text) { return inShell(commandWith(text)); }
 };
 
 TEST_F(JsonGuide, EveryCommandIsTriedHere) {
-    int count = 0;
-    for (const std::string& line : lines(readFile(ULA_JSON_GUIDE)))
-        count += line.starts_with("ula ") ? 1 : 0;
-    EXPECT_EQ(count, 10);
+    EXPECT_THAT(commands(), SizeIs(10));
 }
 
 TEST_F(JsonGuide, ShowsDrivesTheSystemAndFolders) {
