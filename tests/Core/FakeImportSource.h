@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <functional>
 #include <map>
-#include <utility>
 #include <vector>
 
 namespace tav::test {
@@ -40,8 +39,8 @@ public:
         if (_facts.onRead)
             _facts.onRead(offset);
         const std::string& all = _facts.contents[file];
-        // What was read before the last time is gone.
-        _before = std::exchange(_last, {});
+        // What was read before is gone.
+        _last = {};
         const auto piece =
             std::string_view(all).substr(std::min<std::size_t>(offset, all.size()), size);
         _last.assign(piece.begin(), piece.end());
@@ -54,7 +53,6 @@ public:
 private:
     Facts& _facts;
     std::vector<char> _last;
-    std::vector<char> _before;
 };
 
 }  // namespace tav::test

@@ -24,18 +24,12 @@ constexpr std::uint64_t kMostWrittenBytes = 256 << 20;
 }  // namespace
 
 struct ImportRun::Transfer {
-    Transfer(const ImportObject& chosen, std::size_t place, PieceWriter& itsWriter)
-        : object(chosen), index(place), writer(itsWriter) {
+    Transfer(const ImportObject& chosen, std::size_t place) : object(chosen), index(place) {
         file.object = chosen;
-    }
-    ~Transfer() {
-        if (target)
-            writer.wait();
     }
 
     const ImportObject& object;
     std::size_t index;
-    PieceWriter& writer;
     ImportedFile file;
     std::string folder;
     std::string_view piece;  ///< what was read last, where the source has it
@@ -60,7 +54,7 @@ std::vector<ImportedFile> ImportRun::import(const std::vector<ImportObject>& obj
         _progress.totalBytes += object.size;
     _files.resize(objects.size());
     for (std::size_t i = 0; i < objects.size(); ++i) {
-        importOne(std::make_unique<Transfer>(objects[i], i, _writer));
+        importOne(std::make_unique<Transfer>(objects[i], i));
         if (isFull())
             settle();
         ++_progress.files;
@@ -98,7 +92,6 @@ bool ImportRun::isFull() const {
 /// Another process may have given its file the name that was free: then another one is chosen.
 void ImportRun::settle() {
     while (!_written.empty()) {
-        _writer.wait();
         const auto written = std::exchange(_written, {});
         _writtenBytes = 0;
         std::vector<filesystem::DurableFile*> targets;
@@ -113,7 +106,7 @@ void ImportRun::settle() {
 void ImportRun::finish(Transfer& transfer) {
     const bool isCommitted = transfer.target->isCommitted();
     if (!isCommitted && transfer.target->exists()) {
-        auto again = std::make_unique<Transfer>(transfer.object, transfer.index, _writer);
+        auto again = std::make_unique<Transfer>(transfer.object, transfer.index);
         again->folder = transfer.folder;
         if (choosePlace(*again) && write(*again))
             _written.push_back(std::move(again));
@@ -199,17 +192,15 @@ bool ImportRun::copyBytes(Transfer& transfer) {
         const bool isRead = offset == 0 && !transfer.piece.empty();
         if (!isRead && !readPiece(transfer, offset))
             return false;
-        // Of the last piece it shows when the file is put in place.
-        if (!_writer.write(*transfer.target, transfer.piece)) {
-            _writer.wait();
-            // A name that is taken shows there, once more.
+        if (_options.verify)
+            transfer.checksum.add(transfer.piece);
+        if (!transfer.target->write(transfer.piece)) {
+            // A name that is taken shows at the end, once more.
             if (transfer.target->exists())
                 return true;
             fail(transfer, ImportFailure::Target, transfer.target->error());
             return false;
         }
-        if (_options.verify)
-            transfer.checksum.add(transfer.piece);
         offset += transfer.piece.size();
         tell(transfer.object, offset);
         transfer.piece = {};

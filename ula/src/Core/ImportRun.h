@@ -3,7 +3,6 @@
 
 #include "ula/ImportSession.h"
 #include "ula/src/Core/ImportPlaces.h"
-#include "ula/src/Core/PieceWriter.h"
 
 #include <memory>
 
@@ -51,7 +50,6 @@ private:
     std::vector<ImportedFile> _files;
     std::vector<std::unique_ptr<Transfer>> _written;  ///< but not in place yet
     std::uint64_t _writtenBytes = 0;
-    PieceWriter _writer;
 };
 
 }  // namespace tav::ula

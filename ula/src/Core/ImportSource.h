@@ -28,8 +28,7 @@ public:
     virtual bool count(std::uint32_t folder, std::uint32_t& result) = 0;
     /// From 0 on. Fails: false when it has gone since.
     virtual bool item(std::uint32_t folder, std::uint32_t index, ImportSourceItem& result) = 0;
-    /// Fewer bytes only at the end of the file. They are there until the second next call. Fails:
-    /// false.
+    /// Fewer bytes only at the end of the file. They are there until the next call. Fails: false.
     virtual bool read(std::uint32_t file, std::uint64_t offset, std::size_t size,
                       std::string_view& bytes) = 0;
     /// Why the last call failed.

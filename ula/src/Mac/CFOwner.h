@@ -2,7 +2,6 @@
 #pragma once
 
 #include <CoreFoundation/CoreFoundation.h>
-#include <utility>
 
 namespace tav::ula {
 
@@ -14,7 +13,6 @@ public:
     ~CFOwner() { reset(); }
     CFOwner(const CFOwner&) = delete;
     CFOwner& operator=(const CFOwner&) = delete;
-    void swap(CFOwner& other) { std::swap(_reference, other._reference); }
 
     Reference get() const { return _reference; }
     explicit operator bool() const { return _reference != nullptr; }

@@ -28,7 +28,6 @@ private:
     ICAObject _deviceList = 0;
     ICAError _error = 0;
     CFOwner<CFDataRef> _data;  ///< what was read last
-    CFOwner<CFDataRef> _dataBefore;
 };
 
 }  // namespace tav::ula

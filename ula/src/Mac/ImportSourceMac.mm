@@ -114,7 +114,6 @@ bool ImportSourceMac::read(std::uint32_t file, std::uint64_t offset, std::size_t
     block.object = file;
     block.startByte = offset;
     block.requestedSize = size;
-    _data.swap(_dataBefore);
     block.data = _data.receive();
     if (!succeeded(ICACopyObjectData(&block, nullptr)))
         return false;
