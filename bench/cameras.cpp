@@ -126,22 +126,23 @@ void importGphoto(benchmark::State& state) {
 BENCHMARK(importGphoto)->Name("import/gphoto2/500")->UseRealTime()->Unit(benchmark::kMillisecond);
 
 void listUla(benchmark::State& state) {
+    const std::string id = world().many.id();
     for (auto _ : state)
-        benchmark::DoNotOptimize(ImportSession(world().many.id()).list().size());
+        benchmark::DoNotOptimize(ImportSession(id).list().size());
 }
 BENCHMARK(listUla)->Name("list/ula/10000")->UseRealTime()->Unit(benchmark::kMillisecond);
 
 void firstUla(benchmark::State& state) {
+    const std::string id = world().many.id();
     for (auto _ : state)
-        ImportSession(world().many.id()).list([](const std::vector<ImportObject>&) {
-            return false;
-        });
+        ImportSession(id).list([](const std::vector<ImportObject>&) { return false; });
 }
 BENCHMARK(firstUla)->Name("listFirst/ula/10000")->UseRealTime()->Unit(benchmark::kMillisecond);
 
 void listGphoto(benchmark::State& state) {
+    const std::string point = world().many.point();
     for (auto _ : state)
-        run("gphoto2 --port disk:" + world().many.point() + " --list-files >/dev/null 2>&1");
+        run("gphoto2 --port disk:" + point + " --list-files >/dev/null 2>&1");
 }
 BENCHMARK(listGphoto)->Name("list/gphoto2/10000")->UseRealTime()->Unit(benchmark::kMillisecond);
 
