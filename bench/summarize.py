@@ -195,9 +195,9 @@ COMPARISONS = [
     ("the only one of 500 processes", "isUniqueAppInstance/ula", "isUniqueAppInstance/links", [""], None),
     ("claim a guard, first", "claimFirst/ula", None, [""], None),
     ("claim a guard, second", "claimSecond/ula", None, [""], None),
-    ("import, on the disk when done", "import/ula", "import/cp", ["60"], 1.2),
-    ("import, on the disk when done", "import/ula", "import/cp+sync", ["60"], None),
-    ("import, on the disk when done", "import/ula", "import/gphoto2", ["60"], 1.0),
+    ("import, on the disk when done", "import/ula", "import/cp", ["500"], 1.2),
+    ("import, on the disk when done", "import/ula", "import/cp+sync", ["500"], None),
+    ("import, on the disk when done", "import/ula", "import/gphoto2", ["500"], 1.0),
     ("list a card", "list/ula", "list/gphoto2", ["10000"], 1.0),
     ("the first part of that list", "listFirst/ula", None, ["10000"], 1e9),
 ]
