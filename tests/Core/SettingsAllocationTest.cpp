@@ -1,30 +1,9 @@
 // SPDX-License-Identifier: MIT
+#include "bench/AllocationCount.h"
 #include "ula/SettingsBase.h"
 
-#include <atomic>
-#include <cstdlib>
 #include <gtest/gtest.h>
-#include <new>
 #include <string>
-
-namespace {
-
-std::atomic<std::size_t> allocations = 0;
-
-}  // namespace
-
-void* operator new(std::size_t size) {
-    ++allocations;
-    if (void* memory = std::malloc(size ? size : 1))
-        return memory;
-    throw std::bad_alloc();
-}
-void operator delete(void* memory) noexcept {
-    std::free(memory);
-}
-void operator delete(void* memory, std::size_t) noexcept {
-    std::free(memory);
-}
 
 namespace tav::ula {
 namespace {
@@ -42,13 +21,13 @@ TEST(SettingsAllocationTest, ReadingWhatIsThereAllocatesNothing) {
         settings.setGeneric(group, key, Setting("a text that needs memory of its own"));
     }
     const FastString ints("ints");
-    const std::size_t before = allocations;
+    const std::size_t before = bench::allocationCount();
     std::size_t length = 0;
     for (const FastString& key : keys) {
         length += settings.getString(group, key, empty).length();
         length += static_cast<std::size_t>(settings.getInt(ints, key, 0));
     }
-    const std::size_t after = allocations;
+    const std::size_t after = bench::allocationCount();
     EXPECT_EQ(after - before, 0U);
     EXPECT_EQ(length, 1000 * 36U);
 }

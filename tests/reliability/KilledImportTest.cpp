@@ -28,7 +28,7 @@ namespace {
 namespace fs = std::filesystem;
 using namespace ula;
 
-constexpr int kKills = 100 / ULA_ROUNDS_DIVISOR;
+constexpr int kKills = 200 / ULA_ROUNDS_DIVISOR;
 /// When none of those fell among the pictures.
 constexpr int kMostKills = kKills + 200;
 constexpr std::size_t kPictures = 80;

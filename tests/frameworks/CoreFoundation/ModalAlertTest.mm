@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Run-loop items while an application sits in a modal alert. Needs an X server.
-#import <AppKit/AppKit.h>
+#import "examples/WakeApplication.h"
 
 #include "Workers.h"
 
@@ -26,17 +26,7 @@ protected:
 
 void endModal() {
     [NSApp stopModal];
-    // The modal session looks at its state after an event.
-    [NSApp postEvent:[NSEvent otherEventWithType:NSApplicationDefined
-                                        location:NSZeroPoint
-                                   modifierFlags:0
-                                       timestamp:0
-                                    windowNumber:0
-                                         context:nil
-                                         subtype:0
-                                           data1:0
-                                           data2:0]
-             atStart:NO];
+    wakeApplication();
 }
 
 }  // namespace
